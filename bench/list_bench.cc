@@ -1,0 +1,176 @@
+// Listing: the database client beside a bare LMDB cursor over the same items, which either only
+// steps or also copies each value out, as a client that holds no transaction must.
+#include <benchmark/benchmark.h>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <lmdb.h>
+#include <string>
+#include <vector>
+
+#include "platform/local/local_store_descriptors.h"
+#include "platform/local/local_store_records.h"
+#include "platform/local/parcel_codec.h"
+#include "platform/local/store.h"
+#include "platform/opstore.h"
+#include "sample_records.h"
+#include "schema/pm_descriptors.h"
+
+namespace {
+
+constexpr std::uint32_t ITEMS = 20'000;
+constexpr std::uint32_t BATCH = 200;
+constexpr char BRANCH[] = "/oper/perf_meas/main/node/1/";
+
+void require(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+void put(MDB_txn *txn, MDB_dbi table, const std::string &key, const void *data, std::size_t size) {
+    MDB_val k{key.size(), const_cast<char *>(key.data())};
+    MDB_val v{size, const_cast<void *>(data)};
+    require(mdb_put(txn, table, &k, &v, 0) == 0);
+}
+
+// A store of ITEMS interfaces, made once and removed at exit.
+class sample_store {
+public:
+    sample_store() {
+        char name[] = "/tmp/perf-bench-XXXXXX";
+        require(mkdtemp(name) != nullptr);
+        folder_ = name;
+        setenv("OPSTORE_URL", ("lmdb:" + folder_).c_str(), 1);
+        MDB_env *env = nullptr;
+        MDB_txn *txn = nullptr;
+        MDB_dbi table = 0;
+        require(mdb_env_create(&env) == 0 && mdb_env_set_mapsize(env, 1UL << 30) == 0);
+        require(mdb_env_open(env, name, 0, 0600) == 0 && mdb_txn_begin(env, nullptr, 0, &txn) == 0);
+        require(mdb_dbi_open(txn, nullptr, 0, &table) == 0);
+        fill(txn, table);
+        require(mdb_txn_commit(txn) == 0);
+        mdb_env_close(env);
+    }
+    ~sample_store() { std::filesystem::remove_all(folder_); }
+    sample_store(const sample_store &) = delete;
+    sample_store &operator=(const sample_store &) = delete;
+
+    [[nodiscard]] const std::string &folder() const { return folder_; }
+    [[nodiscard]] static std::string prefix() {
+        return branch_key(store::key_space::item, store::root::main, 1) + "intf/detail/";
+    }
+
+private:
+    static void fill(MDB_txn *txn, MDB_dbi table) {
+        std::vector<std::uint8_t> parcel;
+        const local_publisher running{};
+        put(txn, table, store::key(store::key_space::format), store::FORMAT, std::strlen(store::FORMAT));
+        require(parcel_encode(&running, local_publisher_descriptor(), &parcel) == 0);
+        put(txn, table, branch_key(store::key_space::publisher, store::root::main, 1), parcel.data(), parcel.size());
+        parcel.clear();
+        require(parcel_encode(&sample_interface(), pm_intf_parcel_descriptor(), &parcel) == 0);
+        for (std::uint32_t i = 0; i < ITEMS; ++i) {
+            put(txn, table, prefix() + "eth0/1/0/" + std::to_string(i), parcel.data(), parcel.size());
+        }
+    }
+
+    std::string folder_;
+};
+
+const sample_store &the_store() {
+    static const sample_store store;
+    return store;
+}
+
+// Lists all items as the walker does; returns how many.
+std::uint32_t list_all(opstore_handle handle) {
+    char key[OPSTORE_KEY_SIZE] = "";
+    std::uint32_t flags = 0;
+    std::uint32_t total = 0;
+    std::uint32_t more = 1;
+    while (more != 0) {
+        opstore_list *list = nullptr;
+        std::uint32_t count = BATCH;
+        require(opstore_datalist(handle, "intf/detail/", key, &count, &list, flags) == 0);
+        const char *last = "";
+        for (std::uint32_t i = 0; i < count; ++i) {
+            std::uint32_t type = 0;
+            std::uint32_t length = 0;
+            std::uint32_t extra = 0;
+            const void *data = nullptr;
+            require(opstore_datalist_next(list, &last, &type, &data, &length, &extra) == 0);
+            benchmark::DoNotOptimize(data);
+        }
+        if (count < BATCH) {
+            require(opstore_datalist_get_more_flag(list, &more) == 0);
+        }
+        std::strncpy(key, last, sizeof key - 1);
+        require(opstore_datalist_free(list) == 0);
+        flags = OPSTORE_LIST_AFTER;
+        total += count;
+        if (count == 0) {
+            break;
+        }
+    }
+    return total;
+}
+
+void list_client(benchmark::State &state) {
+    the_store();
+    opstore_handle handle = nullptr;
+    require(_opstore_bind(&handle, BRANCH, OPSTORE_BIND_READ) == 0);
+    for (auto _ : state) {
+        require(list_all(handle) == ITEMS);
+    }
+    _opstore_unbind(handle);
+    state.SetItemsProcessed(state.iterations() * ITEMS);
+}
+
+// Steps over all items in one transaction; `visit` takes each key and value.
+template <class Visit>
+void step_over_all(Visit visit) {
+    store::environment *store = nullptr;
+    require(store::environment::shared(&store) == 0);
+    const std::string prefix = sample_store::prefix();
+    std::uint32_t total = 0;
+    require(store->read([&](const store::view &view) {
+        return view.scan(prefix, "", [&](std::string_view key, std::string_view value) {
+            visit(key, value);
+            ++total;
+            return true;
+        });
+    }) == 0);
+    require(total == ITEMS);
+}
+
+void list_cursor(benchmark::State &state) {
+    the_store();
+    for (auto _ : state) {
+        step_over_all([](std::string_view key, std::string_view value) {
+            benchmark::DoNotOptimize(key.data());
+            benchmark::DoNotOptimize(value.data());
+        });
+    }
+    state.SetItemsProcessed(state.iterations() * ITEMS);
+}
+
+void list_cursor_copying(benchmark::State &state) {
+    the_store();
+    std::vector<char> copy(64 * 1024);
+    for (auto _ : state) {
+        step_over_all([&](std::string_view key, std::string_view value) {
+            std::memcpy(copy.data(), key.data(), key.size());
+            std::memcpy(copy.data() + key.size(), value.data(), value.size());
+            benchmark::DoNotOptimize(copy.data());
+            benchmark::ClobberMemory();
+        });
+    }
+    state.SetItemsProcessed(state.iterations() * ITEMS);
+}
+
+BENCHMARK(list_client)->Name("list/client")->Unit(benchmark::kMicrosecond);
+BENCHMARK(list_cursor)->Name("list/bare_cursor")->Unit(benchmark::kMicrosecond);
+BENCHMARK(list_cursor_copying)->Name("list/copying_cursor")->Unit(benchmark::kMicrosecond);
+
+}  // namespace

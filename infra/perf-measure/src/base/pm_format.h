@@ -1,0 +1,390 @@
+// Formatting with printf formats that are checked and taken apart at compile time.
+//
+// A format is a template argument: pm_format_text<"%-34s: %u\n">(buffer, size, label, value). The
+// conversions are those the displays need, with printf's meaning: %s %c %d %u %x (32 bits of the
+// argument), %ld %lu %lx %llu (64 bits), %%; flags '-' and '0'; width and precision as a number or
+// '*'. Anything else, or arguments of the wrong number or kind, does not compile. A null text
+// prints "(null)". Nothing is allocated.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <tuple>
+#include <type_traits>
+
+// A format literal as a template argument.
+template <std::size_t Size>
+struct pm_format_literal {
+    char text[Size]{};
+
+    consteval pm_format_literal(const char (&literal)[Size]) { std::copy_n(literal, Size, text); }
+    [[nodiscard]] static constexpr std::size_t length() { return Size - 1; }
+};
+
+namespace pm_format_detail {
+
+inline constexpr int NONE = -1;      // no width or precision
+inline constexpr int ARGUMENT = -2;  // '*': taken from the arguments
+
+// One piece of a format: a run of literal text or one conversion.
+struct piece {
+    char conversion = 0;  // 0: literal text
+    bool is_long = false;
+    bool left = false;
+    bool zero = false;
+    int width = NONE;
+    int precision = NONE;
+    std::size_t begin = 0;     // literal text: where it stands in the format
+    std::size_t length = 0;
+    std::size_t argument = 0;  // index of the first argument that the conversion takes
+};
+
+// A format taken apart. `error` is where it cannot be understood, as a text for the compiler.
+template <std::size_t Capacity>
+struct parsed {
+    std::array<piece, Capacity> pieces{};
+    std::size_t count = 0;
+    std::size_t arguments = 0;
+    const char *error = nullptr;
+};
+
+template <pm_format_literal Format>
+consteval auto parse() {
+    parsed<Format.length() + 1> result{};
+    const char *text = Format.text;
+    std::size_t at = 0;
+    while (at < Format.length()) {
+        piece next;
+        if (text[at] != '%' || text[at + 1] == '%') {
+            next.begin = at;
+            if (text[at] == '%') {  // "%%" stands for its first character
+                next.length = 1;
+                at += 2;
+            } else {
+                while (at < Format.length() && text[at] != '%') {
+                    ++at;
+                }
+                next.length = at - next.begin;
+            }
+            result.pieces[result.count++] = next;
+            continue;
+        }
+        ++at;
+        next.argument = result.arguments;
+        for (; text[at] == '-' || text[at] == '0'; ++at) {
+            (text[at] == '-' ? next.left : next.zero) = true;
+        }
+        auto number = [&](int absent) {
+            if (text[at] == '*') {
+                ++at;
+                ++result.arguments;
+                return ARGUMENT;
+            }
+            int value = absent;
+            for (; text[at] >= '0' && text[at] <= '9'; ++at) {
+                value = std::max(value, 0) * 10 + (text[at] - '0');
+            }
+            return value;
+        };
+        next.width = number(NONE);
+        if (text[at] == '.') {
+            ++at;
+            next.precision = number(0);
+        }
+        for (; text[at] == 'l'; ++at) {
+            next.is_long = true;
+        }
+        next.conversion = text[at++];
+        ++result.arguments;
+        switch (next.conversion) {
+        case 's':
+        case 'c':
+            if (next.is_long || next.zero) {
+                result.error = "a text takes no length modifier and no zero flag";
+            }
+            break;
+        case 'd':
+        case 'u':
+        case 'x':
+            if (next.precision != NONE) {
+                result.error = "a number takes no precision here";
+            }
+            break;
+        default:
+            result.error = "unknown conversion";
+        }
+        result.pieces[result.count++] = next;
+    }
+    return result;
+}
+
+template <pm_format_literal Format>
+inline constexpr auto parsed_format = parse<Format>();
+
+inline constexpr std::size_t MAX_DIGITS = 20;  // of a 64-bit number, its sign included
+
+inline constexpr auto digit_pairs = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t number = 0; number < 100; ++number) {
+        pairs[2 * number] = static_cast<char>('0' + number / 10);
+        pairs[2 * number + 1] = static_cast<char>('0' + number % 10);
+    }
+    return pairs;
+}();
+
+// Writes the digits of `value` so that they end before `end`; returns where they begin.
+template <class Unsigned>
+inline char *write_decimal(char *end, Unsigned value) {
+    while (value >= 100) {
+        end -= 2;
+        std::memcpy(end, &digit_pairs[static_cast<std::size_t>(value % 100) * 2], 2);
+        value /= 100;
+    }
+    if (value >= 10) {
+        end -= 2;
+        std::memcpy(end, &digit_pairs[static_cast<std::size_t>(value) * 2], 2);
+        return end;
+    }
+    *--end = static_cast<char>('0' + value);
+    return end;
+}
+
+template <class Unsigned>
+inline char *write_hexadecimal(char *end, Unsigned value) {
+    do {
+        *--end = "0123456789abcdef"[value & 0xF];
+        value >>= 4;
+    } while (value != 0);
+    return end;
+}
+
+// One conversion with its argument, reduced to the bytes to print and the padding around them.
+struct field {
+    const char *bytes;
+    std::size_t length;
+    std::size_t blanks_before;
+    std::size_t zeros_before;  // behind the sign
+    std::size_t blanks_after;
+    bool negative;
+    std::array<char, MAX_DIGITS> digits;
+};
+
+template <piece Piece, class Argument>
+inline void convert(field &out, Argument argument, int precision) {
+    out.negative = false;
+    if constexpr (Piece.conversion == 's') {
+        static_assert(std::is_convertible_v<Argument, const char *>, "%s takes a text");
+        const char *text = argument;
+        if (text == nullptr) {  // as the C library: a precision too small for the word prints nothing
+            text = precision >= 0 && precision < 6 ? "" : "(null)";
+        }
+        out.bytes = text;
+        out.length = precision >= 0 ? ::strnlen(text, static_cast<std::size_t>(precision)) : std::strlen(text);
+    } else {
+        static_assert(std::is_integral_v<Argument> || std::is_enum_v<Argument>, "a number conversion takes a number");
+        using wide = std::conditional_t<std::is_signed_v<Argument>, std::int64_t, std::uint64_t>;
+        const auto value = static_cast<std::uint64_t>(static_cast<wide>(argument));
+        char *end = out.digits.data() + out.digits.size();
+        char *begin = end;
+        if constexpr (Piece.conversion == 'c') {
+            *--begin = static_cast<char>(value);
+        } else if constexpr (Piece.conversion == 'x') {
+            begin = Piece.is_long ? write_hexadecimal(end, value)
+                                  : write_hexadecimal(end, static_cast<std::uint32_t>(value));
+        } else if constexpr (Piece.conversion == 'd') {
+            const auto number = Piece.is_long ? static_cast<std::int64_t>(value)
+                                              : static_cast<std::int64_t>(static_cast<std::int32_t>(value));
+            out.negative = number < 0;
+            begin = write_decimal(end, number < 0 ? 0 - static_cast<std::uint64_t>(number)
+                                                  : static_cast<std::uint64_t>(number));
+        } else {
+            begin = Piece.is_long ? write_decimal(end, value) : write_decimal(end, static_cast<std::uint32_t>(value));
+        }
+        out.bytes = begin;
+        out.length = static_cast<std::size_t>(end - begin);
+    }
+}
+
+// Pads a converted field to its width; returns how many bytes it prints in all.
+template <piece Piece>
+inline std::size_t pad(field &out, int width) {
+    bool left = Piece.left;
+    std::size_t columns = 0;
+    if constexpr (Piece.width == ARGUMENT) {
+        left = left || width < 0;  // a negative width from the arguments means the '-' flag
+        columns = static_cast<std::size_t>(width < 0 ? -static_cast<std::int64_t>(width) : width);
+    } else if constexpr (Piece.width != NONE) {
+        columns = static_cast<std::size_t>(Piece.width);
+    }
+    const std::size_t used = out.length + (out.negative ? 1 : 0);
+    const std::size_t padding = columns > used ? columns - used : 0;
+    const bool zeros = Piece.zero && !left;
+    out.blanks_before = left || zeros ? 0 : padding;
+    out.zeros_before = zeros ? padding : 0;
+    out.blanks_after = left ? padding : 0;
+    return used + padding;
+}
+
+// What a format prints of given arguments: its conversions, and the bytes in all.
+template <pm_format_literal Format>
+struct prepared {
+    std::array<field, parsed_format<Format>.count> fields;
+    std::size_t size;
+};
+
+template <pm_format_literal Format, std::size_t Index, class Arguments>
+inline void prepare_piece(prepared<Format> &out, const Arguments &arguments) {
+    constexpr piece Piece = parsed_format<Format>.pieces[Index];
+    if constexpr (Piece.conversion == 0) {
+        out.size += Piece.length;
+    } else {
+        constexpr std::size_t after_width = Piece.argument + (Piece.width == ARGUMENT ? 1 : 0);
+        constexpr std::size_t after_precision = after_width + (Piece.precision == ARGUMENT ? 1 : 0);
+        int width = Piece.width;
+        int precision = Piece.precision;
+        if constexpr (Piece.width == ARGUMENT) {
+            width = static_cast<int>(std::get<Piece.argument>(arguments));
+        }
+        if constexpr (Piece.precision == ARGUMENT) {
+            precision = static_cast<int>(std::get<after_width>(arguments));
+        }
+        convert<Piece>(out.fields[Index], std::get<after_precision>(arguments), precision);
+        out.size += pad<Piece>(out.fields[Index], width);
+    }
+}
+
+// Converts the arguments. Number texts stand inside the result, which must not move.
+template <pm_format_literal Format, class... Arguments>
+inline void prepare(prepared<Format> &out, Arguments... arguments) {
+    constexpr auto &parsed = parsed_format<Format>;
+    static_assert(parsed.error == nullptr, "this format is not one the formatter knows");
+    static_assert(parsed.arguments == sizeof...(Arguments), "the format takes another number of arguments");
+    out.size = 0;
+    const std::tuple<Arguments...> tuple{arguments...};
+    [&]<std::size_t... Index>(std::index_sequence<Index...>) {
+        (prepare_piece<Format, Index>(out, tuple), ...);
+    }(std::make_index_sequence<parsed.count>{});
+}
+
+template <pm_format_literal Format, std::size_t Index, class Writer>
+inline void write_piece(Writer &writer, const prepared<Format> &text) {
+    constexpr piece Piece = parsed_format<Format>.pieces[Index];
+    if constexpr (Piece.conversion == 0) {
+        writer.put(Format.text + Piece.begin, Piece.length);
+    } else {
+        const field &field = text.fields[Index];
+        if constexpr (Piece.width != NONE && !(Piece.left && Piece.width != ARGUMENT)) {
+            writer.fill(' ', field.blanks_before);
+        }
+        if constexpr (Piece.conversion == 'd') {
+            writer.fill('-', field.negative ? 1 : 0);
+        }
+        if constexpr (Piece.zero) {
+            writer.fill('0', field.zeros_before);
+        }
+        writer.put(field.bytes, field.length);
+        if constexpr (Piece.width == ARGUMENT || Piece.left) {
+            writer.fill(' ', field.blanks_after);
+        }
+    }
+}
+
+// Writes a prepared text: to anything with put(bytes, length) and fill(byte, length).
+template <pm_format_literal Format, class Writer>
+inline void write(Writer &writer, const prepared<Format> &text) {
+    [&]<std::size_t... Index>(std::index_sequence<Index...>) {
+        (write_piece<Format, Index>(writer, text), ...);
+    }(std::make_index_sequence<parsed_format<Format>.count>{});
+}
+
+// Copies of the few bytes that most texts have, without a call.
+inline void copy_short(char *to, const char *from, std::size_t length) {
+    if (length > 32) {
+        std::memcpy(to, from, length);
+    } else if (length >= 16) {
+        std::memcpy(to, from, 16);
+        std::memcpy(to + length - 16, from + length - 16, 16);
+    } else if (length >= 8) {
+        std::memcpy(to, from, 8);
+        std::memcpy(to + length - 8, from + length - 8, 8);
+    } else if (length >= 4) {
+        std::memcpy(to, from, 4);
+        std::memcpy(to + length - 4, from + length - 4, 4);
+    } else {
+        for (std::size_t i = 0; i < length; ++i) {
+            to[i] = from[i];
+        }
+    }
+}
+
+}  // namespace pm_format_detail
+
+// Bytes beyond its text that a pm_fast_writer may overwrite.
+inline constexpr std::size_t PM_WRITER_SLACK = 64;
+
+// Writes where there is room for the whole text and PM_WRITER_SLACK more.
+class pm_fast_writer {
+public:
+    explicit pm_fast_writer(char *cursor) : cursor_(cursor) {}
+
+    void put(const char *bytes, std::size_t length) {
+        pm_format_detail::copy_short(cursor_, bytes, length);
+        cursor_ += length;
+    }
+    void fill(char byte, std::size_t length) {
+        std::memset(cursor_, byte, PM_WRITER_SLACK);  // of a fixed size: two or four stores
+        if (length > PM_WRITER_SLACK) {
+            std::memset(cursor_, byte, length);
+        }
+        cursor_ += length;
+    }
+    [[nodiscard]] char *cursor() const { return cursor_; }
+
+private:
+    char *cursor_;
+};
+
+// Writes into [cursor, end) and cuts what does not fit.
+class pm_text_writer {
+public:
+    pm_text_writer(char *begin, char *end) : cursor_(begin), end_(end) {}
+
+    void put(const char *bytes, std::size_t length) {
+        length = std::min(length, room());
+        std::memcpy(cursor_, bytes, length);
+        cursor_ += length;
+    }
+    void fill(char byte, std::size_t length) {
+        length = std::min(length, room());
+        std::memset(cursor_, byte, length);
+        cursor_ += length;
+    }
+    [[nodiscard]] char *cursor() const { return cursor_; }
+
+private:
+    [[nodiscard]] std::size_t room() const { return static_cast<std::size_t>(end_ - cursor_); }
+
+    char *cursor_;
+    char *end_;
+};
+
+// Formats into a writer: anything with put(bytes, length) and fill(byte, length).
+template <pm_format_literal Format, class Writer, class... Arguments>
+inline void pm_format(Writer &writer, Arguments... arguments) {
+    pm_format_detail::prepared<Format> text;
+    pm_format_detail::prepare<Format>(text, arguments...);
+    pm_format_detail::write<Format>(writer, text);
+}
+
+// Formats into a buffer of `size` bytes, terminator included; a text that does not fit is cut.
+// Returns the length of what was written.
+template <pm_format_literal Format, class... Arguments>
+inline std::size_t pm_format_text(char *buffer, std::size_t size, Arguments... arguments) {
+    pm_text_writer writer(buffer, buffer + size - 1);
+    pm_format<Format>(writer, arguments...);
+    *writer.cursor() = '\0';
+    return static_cast<std::size_t>(writer.cursor() - buffer);
+}

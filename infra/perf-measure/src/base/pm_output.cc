@@ -1,0 +1,100 @@
+// The output buffer. See pm_output.h.
+#include "base/pm_output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+#include "base/pm_assert.h"
+
+namespace pm_output_detail {
+
+buffer out;
+
+bool make_room(std::size_t size) {
+    if (size > PM_OUTPUT_BUFFER_SIZE) {
+        return false;
+    }
+    if (size > room()) {
+        pm_output_flush();
+    }
+    return true;
+}
+
+namespace {
+
+// Writes all bytes to a descriptor; 0, or errno.
+int write_all(int descriptor, const char *bytes, std::size_t length) {
+    while (length > 0) {
+        const ssize_t written = ::write(descriptor, bytes, length);
+        if (written < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return errno;
+        }
+        bytes += written;
+        length -= static_cast<std::size_t>(written);
+    }
+    return 0;
+}
+
+}  // namespace
+
+}  // namespace pm_output_detail
+
+using pm_output_detail::out;
+
+void pm_output_writer::put(const char *bytes, std::size_t length) {
+    while (length > 0) {
+        const std::size_t part = std::min(length, pm_output_detail::room());
+        std::memcpy(out.cursor, bytes, part);
+        out.cursor += part;
+        bytes += part;
+        length -= part;
+        if (length > 0) {
+            pm_output_flush();
+        }
+    }
+}
+
+void pm_output_writer::fill(char byte, std::size_t length) {
+    while (length > 0) {
+        const std::size_t part = std::min(length, pm_output_detail::room());
+        std::memset(out.cursor, byte, part);
+        out.cursor += part;
+        length -= part;
+        if (length > 0) {
+            pm_output_flush();
+        }
+    }
+}
+
+void pm_output_flush() {
+    const auto length = static_cast<std::size_t>(out.cursor - out.bytes);
+    out.cursor = out.bytes;
+    const int failure = pm_output_detail::write_all(STDOUT_FILENO, out.bytes, length);
+    if (failure == 0) {
+        return;
+    }
+    if (failure == EPIPE) {  // the reader has seen enough
+        std::_Exit(0);
+    }
+    char message[256];
+    const std::size_t cut = pm_format_text<"perf-show: cannot write to standard output: %s\n">(
+        message, sizeof message, static_cast<const char *>(std::strerror(failure)));
+    static_cast<void>(pm_output_detail::write_all(STDERR_FILENO, message, cut));
+    std::_Exit(1);
+}
+
+void pm_output_error(const char *message, std::size_t length) {
+    pm_output_flush();
+    static_cast<void>(pm_output_detail::write_all(STDERR_FILENO, message, length));
+}
+
+void pm_assertion_failed(const char *expression, const char *source, int line, const char *function) {
+    pm_print_error<"Assertion failed: %s, %s:%d, %s\n">(expression, source, line, function);
+    std::abort();
+}

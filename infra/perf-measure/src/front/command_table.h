@@ -1,0 +1,76 @@
+// The show commands as data: what each reads, how its item path is composed, and who displays it.
+//
+// Look a command's type up here to find its display.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/parcel.h"
+#include "pm_show_client/pm_show_options.h"
+
+// How an item path comes from the row's texts and the options.
+enum class pm_show_path_form : std::uint8_t {
+    INVALID,        // the row is no show command
+    FIXED,          // the prefix as it stands
+    NAME,           // the prefix and the name
+    NAME_BY_KIND,   // the prefix, or the other one with -L, and the name
+    SESSION,        // the prefix and the session id, if any
+    SRPOLICY,       // the prefix and the name, or with a filter the other one, the key and the name
+    ENDPOINT,       // likewise
+    RSVPTE,         // likewise
+    NAMED_PROFILE,  // pm_show_compose_named_profile()
+    BY_SUBTYPE,     // another row says: that of the command's subtype
+    BY_PROFILE,     // another row says: that of the profile options
+};
+
+struct pm_show_path_rule {
+    pm_show_path_form form = pm_show_path_form::INVALID;
+    const char *prefix = nullptr;
+    const char *other_prefix = nullptr;
+};
+
+// Whether the path names a single item.
+enum class pm_show_single : std::uint8_t {
+    NEVER,
+    ALWAYS,
+    WITH_NAME,        // when -i was given
+    WITH_SESSION_ID,  // when the session id is not 0
+    BY_PATH,          // as the path's composition says
+};
+
+// Which nodes are read unless the user chose some.
+enum class pm_show_nodes : std::uint8_t {
+    ALL,
+    LOCAL,      // the local node only
+    INTERFACE,  // the node that hosts the interface in -i, when there is one
+};
+
+// A record type and the size of its structure.
+struct pm_show_record {
+    const parcel_descriptor *(*descriptor)() = nullptr;
+    std::uint32_t size = 0;
+};
+
+struct pm_show_command {
+    std::uint32_t type;  // -c
+    const char *root = nullptr;
+    pm_show_path_rule path = {};
+    pm_show_record record = {};
+    std::uint32_t batch_size = 0;
+    pm_show_single single = pm_show_single::NEVER;
+    pm_show_nodes nodes = pm_show_nodes::ALL;
+    pm_show_display display = nullptr;  // null: not built yet
+};
+
+inline constexpr std::uint32_t PM_SHOW_LIVE_HISTORY = 27;  // refuses subtypes in words of its own
+
+// The row of a command type; null when no show command has that type.
+[[nodiscard]] const pm_show_command *pm_show_find_command(std::uint32_t type);
+
+// The row of a subtype of a BY_SUBTYPE command; null when the command has no such subtype.
+[[nodiscard]] const pm_show_command *pm_show_find_subtype(std::uint32_t type, std::uint32_t subtype);
+
+// The rows of the BY_PROFILE command.
+[[nodiscard]] const pm_show_command &pm_show_named_profile_command();
+[[nodiscard]] const pm_show_command &pm_show_global_profile_command();
+[[nodiscard]] const pm_show_command &pm_show_all_profiles_command();

@@ -1,0 +1,35 @@
+// One node's read: from a request to the calls of its display. The walk over nodes is walker.h.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/opstore.h"
+#include "platform/parcel.h"
+#include "pm_show_client/pm_show_options.h"
+
+// What to read and who prints it. The texts are the caller's.
+struct pm_show_request {
+    const char *base_path;  // data root, ending in '/'
+    const char *item_path;  // below the node's branch
+    const char *start_key;  // a listing starts after it; "" for the beginning
+    pm_show_display display;
+    const parcel_descriptor *parcel_desc;  // the record type of the items
+    std::uint32_t decoded_size;            // bytes of one decoded record
+    std::uint32_t batch_size;              // most items of one listing request; 0 for a single item
+    std::uint32_t single_item;             // 1: the item at item_path; 0: the items under it
+};
+
+// The bind handle, one at a time.
+extern opstore_handle pm_show_opstore_handle;
+
+// 1 once the store's client has been found usable; it is not tested again.
+extern std::uint8_t pm_show_opstore_present;
+
+// Reads one node. A listing gives 0 once its record is allocated; a single item gives the display's
+// result, ERRCODE_NOT_FOUND, the decode error, or 0 when the store's answer was reported.
+// ERRCODE_INVALID_ARGUMENT for an incomplete request; else the code that kept the store from being
+// bound.
+//
+// The display gets the decoded record, which is reused for the next item. A listing without any
+// item calls it once with null.
+[[nodiscard]] errcode generic_show(const pm_show_request *request, std::uint32_t node_id);

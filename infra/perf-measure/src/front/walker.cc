@@ -1,0 +1,134 @@
+// The node walk and the advertisement-reason legend. See walker.h.
+#include "front/walker.h"
+
+#include <cstdint>
+
+#include "base/pm_output.h"
+#include "platform/inventory.h"
+#include "platform/node.h"
+#include "pm_show_client/pm_show_options.h"
+#include "pm_utils/advert_reason.h"
+
+namespace {
+
+constexpr std::uint32_t COMMAND_ADVERTISEMENT_HISTORY = 20;
+
+// In the legend's own order, which is not numeric; the reasons without a line here are left out.
+constexpr pm_advert_reason_e legend_reasons[] = {
+    PM_ADVERT_REASON_FIRST,               // 20
+    PM_ADVERT_REASON_NEW_CHILD_SESSION,  // 22
+    PM_ADVERT_REASON_PERIODIC_AVERAGE,    // 1
+    PM_ADVERT_REASON_PERIODIC_MINIMUM,    // 2
+    PM_ADVERT_REASON_PERIODIC_MAXIMUM,    // 3
+    PM_ADVERT_REASON_ACCELERATED_AVERAGE,  // 5
+    PM_ADVERT_REASON_ACCELERATED_MINIMUM,  // 6
+    PM_ADVERT_REASON_ACCELERATED_MAXIMUM,  // 7
+    PM_ADVERT_REASON_ENABLED,             // 13
+    PM_ADVERT_REASON_DISABLED,            // 14
+    PM_ADVERT_REASON_LINK_DOWN,           // 21
+    PM_ADVERT_REASON_SESSION_DELETED,     // 15
+    PM_ADVERT_REASON_CONTROL_CODE_ERROR,  // 19
+    PM_ADVERT_REASON_DYNAMIC_DELAY,       // 24
+    PM_ADVERT_REASON_DELAY_CONFIG,        // 17
+    PM_ADVERT_REASON_DELAY_UNCONFIG,      // 18
+    PM_ADVERT_REASON_EXEC_CLEAR,          // 16
+    PM_ADVERT_REASON_SESSION_ERROR,       // 23
+    PM_ADVERT_REASON_ANOMALY_DYNAMIC,     // 11
+    PM_ADVERT_REASON_ANOMALY_STATIC,      // 12
+};
+
+void print_legend() {
+    pm_print<"\n">();
+    for (const pm_advert_reason_e reason : legend_reasons) {
+        pm_print<" %-12.12s: %-25.70s\n">(pm_advert_reason_short_str(reason), pm_advert_reason_str(reason));
+    }
+}
+
+void report_failure(const char *what, errcode code) {
+    pm_print_error<" %s: %s: %s (0x%x)\n">("generic_show_node_walker", what, errcode_strerror(code), code);
+}
+
+void show_one_node(const pm_show_request *request, std::uint32_t node) {
+    if (generic_show(request, node) == ERRCODE_SUCCESS) {
+        pm_print<"\n\n">();
+    }
+}
+
+void show_local_node(const pm_show_request *request) {
+    std::uint32_t node = NODEID_NONE;
+    const errcode code = platform_get_my_nodeid(&node);
+    if (code != ERRCODE_SUCCESS) {
+        report_failure("platform_get_my_nodeid failed", code);
+        return;
+    }
+    show_one_node(request, node);
+}
+
+// The node whose items its active partner already shows; NODEID_NONE when no node is left out.
+std::uint32_t node_to_leave_out() {
+    std::uint32_t partner = NODEID_NONE;
+    if (pm_show_options.all_nodes ||
+        redund_get_proc_group_partner_node("central-services", &partner) != ERRCODE_SUCCESS) {
+        return NODEID_NONE;
+    }
+    return partner;
+}
+
+void show_inventory_node(const pm_show_request *request, const invd_inventory *inventory, std::int32_t index,
+                         std::uint32_t left_out) {
+    std::uint32_t node = NODEID_NONE;
+    const errcode code = invd_inventory_get_nodeid(inventory, index, &node);
+    if (code != ERRCODE_SUCCESS) {
+        report_failure("failed to get node id from invd", code);
+        return;
+    }
+    if (left_out != NODEID_NONE && node == left_out) {
+        return;
+    }
+    std::uint32_t state = 0;
+    if (invd_inventory_get_sw_state(inventory, index, &state) != ERRCODE_SUCCESS || state != INVD_SW_STATE_UP) {
+        return;  // a node that is not up has nothing to show
+    }
+    pm_show_header_pending = true;
+    static_cast<void>(generic_show(request, node));  // has printed what failed; the next node is read all the same
+}
+
+void show_inventory(const pm_show_request *request) {
+    const invd_inventory *inventory = nullptr;
+    errcode code = invd_get_inventory(INVD_ALL_NODES, &inventory);
+    if (code != ERRCODE_SUCCESS) {
+        report_failure("invd_get_inventory failed", code);
+        return;
+    }
+    std::int32_t count = 0;
+    code = invd_inventory_get_node_count(inventory, &count);
+    if (code != ERRCODE_SUCCESS) {
+        report_failure("failed to get node count from invd", code);
+        return;
+    }
+    const std::uint32_t left_out = node_to_leave_out();
+    for (std::int32_t index = 0; index < count; ++index) {
+        show_inventory_node(request, inventory, index, left_out);
+    }
+    if (pm_show_options.brief) {  // the last row of a table has no line end of its own
+        pm_print<"\n\n">();
+    } else {
+        pm_print<"\n">();
+    }
+}
+
+}  // namespace
+
+void generic_show_node_walker(const pm_show_request *request) {
+    if (pm_show_options.command_type == COMMAND_ADVERTISEMENT_HISTORY) {
+        print_legend();
+    }
+    pm_show_header_pending = true;
+    if (pm_show_options.node_id != PM_SHOW_ALL_NODES) {
+        show_one_node(request, pm_show_options.node_id);
+    } else if (pm_show_options.local_node_only) {
+        show_local_node(request);
+    } else {
+        show_inventory(request);
+    }
+}

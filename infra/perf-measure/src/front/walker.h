@@ -1,0 +1,13 @@
+// The walk over the nodes that a show reads. How one node is read is generic_show.h.
+#pragma once
+
+#include "front/generic_show.h"
+
+// Reads the node given by -N, else the local node when pm_show_options.local_node_only, else every
+// node of the inventory whose software is up; without -A the standby partner of the central
+// services is left out. pm_show_header_pending is set before each node. The advertisement history
+// begins with a legend of its reasons.
+//
+// All failures are printed: one on a node does not stop the walk over the others, one of the
+// inventory does.
+void generic_show_node_walker(const pm_show_request *request);

@@ -1,0 +1,36 @@
+// Turns the faults of a damaged store into an error code.
+//
+// LMDB reads its file through a memory map and trusts it: a file cut short raises SIGBUS, a wild
+// offset SIGSEGV, and a page that contradicts itself an assertion (SIGABRT). Inside `guarded` these
+// end the body with OPSTORE_DAMAGED; outside they keep their meaning.
+#pragma once
+
+#include <csetjmp>
+
+#include "platform/errcode.h"
+
+namespace fault_guard {
+
+// Where a fault continues; null outside a guarded body.
+extern sigjmp_buf *landing;
+
+// Installs the handlers, once.
+void install();
+
+// Runs `body`, which returns an errcode. A fault abandons it where it stands, so it must not own
+// anything that a destructor would have to release, and LMDB must not be called again afterwards.
+template <class Body>
+[[nodiscard]] errcode guarded(Body body) {
+    sigjmp_buf here;
+    sigjmp_buf *const outer = landing;
+    if (sigsetjmp(here, 0) != 0) {
+        landing = outer;
+        return OPSTORE_DAMAGED;
+    }
+    landing = &here;
+    const errcode result = body();
+    landing = outer;
+    return result;
+}
+
+}  // namespace fault_guard

@@ -1,0 +1,246 @@
+// The database client over the embedded store. See platform/opstore.h.
+#include "platform/opstore.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/local/local_store_descriptors.h"
+#include "platform/local/local_store_records.h"
+#include "platform/local/store.h"
+
+namespace {
+
+constexpr std::size_t BATCH_BYTES = 256 * 1024;  // a batch ends early once it holds this much
+
+// One item of a batch: where its key (terminated) and its data stand in the batch's bytes.
+struct listed_item {
+    std::size_t key_at;
+    std::size_t data_at;
+    std::uint32_t length;
+};
+
+}  // namespace
+
+struct opstore_list {
+    std::vector<char> bytes;
+    std::vector<listed_item> items;
+    std::size_t next = 0;
+    bool more = false;
+    opstore_bind *owner = nullptr;
+};
+
+struct opstore_bind {
+    std::string branch;         // key of the branch's items
+    std::string publisher_key;
+    std::string listed_prefix;  // of the last batch, and
+    std::string last_key;       // its last key in full: callers keep only its first bytes
+    opstore_list spare;         // memory of the list freed last, for the next one
+};
+
+namespace {
+
+// Takes "<root>node/<id in hex>/" apart.
+bool parse_branch(std::string_view path, store::root *root, std::uint32_t *node) {
+    constexpr std::string_view NODE = "node/";
+    for (const store::root_name &each : store::ROOTS) {
+        if (!path.starts_with(each.path)) {
+            continue;
+        }
+        path.remove_prefix(std::strlen(each.path));
+        if (!path.starts_with(NODE) || !path.ends_with('/')) {
+            return false;
+        }
+        path.remove_prefix(NODE.size());
+        path.remove_suffix(1);
+        const auto [end, failure] = std::from_chars(path.data(), path.data() + path.size(), *node, 16);
+        *root = each.id;
+        return failure == std::errc{} && end == path.data() + path.size();
+    }
+    return false;
+}
+
+errcode code_of_state(store::publisher_state state) {
+    switch (state) {
+    case store::publisher_state::running: return ERRCODE_SUCCESS;
+    case store::publisher_state::stopped: return OPSTORE_STOPPED;
+    case store::publisher_state::unreachable: return OPSTORE_UNREACHABLE;
+    case store::publisher_state::starting: return OPSTORE_STARTING;
+    }
+    return OPSTORE_DAMAGED;
+}
+
+// Whether the process that serves the branch is running, as an error code.
+errcode publisher_code(store::environment *store, const opstore_bind *handle) {
+    local_publisher publisher{};
+    const errcode failure = store->get_record(handle->publisher_key, &publisher, local_publisher_descriptor());
+    if (failure == ERRCODE_NOT_FOUND) {
+        return OPSTORE_NOT_PUBLISHED;
+    }
+    return failure != ERRCODE_SUCCESS ? failure : code_of_state(static_cast<store::publisher_state>(publisher.State));
+}
+
+// Appends `text` to the batch's bytes; returns where it stands.
+std::size_t append(opstore_list *list, std::string_view text) {
+    const std::size_t at = list->bytes.size();
+    list->bytes.resize(at + text.size());
+    if (!text.empty()) {
+        std::memcpy(list->bytes.data() + at, text.data(), text.size());
+    }
+    return at;
+}
+
+// Fills the list with up to `wanted` items that begin with `prefix` and come after `after`.
+errcode fill(store::environment *store, opstore_list *list, std::string_view prefix, std::string_view after,
+             std::uint32_t wanted) {
+    bool disordered = false;
+    const errcode failure = store->read([&](const store::view &state) {
+        return state.scan(prefix, after, [&](std::string_view key, std::string_view data) {
+            if (list->items.size() == wanted || list->bytes.size() >= BATCH_BYTES) {
+                list->more = true;
+                return false;
+            }
+            key.remove_prefix(prefix.size());
+            // A damaged tree could go round in circles; keys that ascend make every listing end.
+            if (!list->items.empty() && key <= std::string_view(list->bytes.data() + list->items.back().key_at)) {
+                disordered = true;
+                return false;
+            }
+            const std::size_t key_at = append(list, key);
+            list->bytes.push_back('\0');
+            list->items.push_back({key_at, append(list, data), static_cast<std::uint32_t>(data.size())});
+            return true;
+        });
+    });
+    return disordered ? OPSTORE_DAMAGED : failure;
+}
+
+// The full key after which a listing goes on, from the start of it that the caller kept.
+std::string resume_point(const opstore_bind *handle, const std::string &prefix, std::string_view kept) {
+    const std::string_view last = handle->last_key;
+    if (handle->listed_prefix == prefix && last.substr(0, OPSTORE_KEY_SIZE - 1) == kept) {
+        return prefix + handle->last_key;
+    }
+    return prefix + std::string(kept);
+}
+
+}  // namespace
+
+errcode _opstore_bind(opstore_handle *handle, const char *bind_path, std::uint32_t /*flags*/) {
+    store::root root{};
+    std::uint32_t node = 0;
+    if (handle == nullptr || bind_path == nullptr || !parse_branch(bind_path, &root, &node)) {
+        return ERRCODE_INVALID_ARGUMENT;
+    }
+    store::environment *store = nullptr;
+    if (const errcode failure = store::environment::shared(&store); failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    auto *bound = new opstore_bind;
+    bound->branch = branch_key(store::key_space::item, root, node);
+    bound->publisher_key = branch_key(store::key_space::publisher, root, node);
+    *handle = bound;
+    return ERRCODE_SUCCESS;
+}
+
+void _opstore_unbind(opstore_handle handle) { delete handle; }
+
+errcode opstore_datalist(opstore_handle handle, const char *item_path, const char *start_key, std::uint32_t *count,
+                         opstore_list **list, std::uint32_t flags) {
+    store::environment *store = nullptr;
+    errcode failure = store::environment::shared(&store);
+    if (failure == ERRCODE_SUCCESS) {
+        failure = publisher_code(store, handle);
+    }
+    if (failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    std::string prefix = handle->branch + item_path;
+    if (!prefix.ends_with('/') && *item_path != '\0') {
+        prefix.push_back('/');
+    }
+    const std::string after = (flags & OPSTORE_LIST_AFTER) != 0 ? resume_point(handle, prefix, start_key) : "";
+    auto *result = new opstore_list(std::move(handle->spare));
+    result->owner = handle;
+    failure = fill(store, result, prefix, after, *count);
+    if (failure != ERRCODE_SUCCESS) {
+        delete result;
+        return failure;
+    }
+    if (!result->items.empty()) {
+        handle->listed_prefix = std::move(prefix);
+        handle->last_key = result->bytes.data() + result->items.back().key_at;
+    }
+    *count = static_cast<std::uint32_t>(result->items.size());
+    *list = result;
+    return ERRCODE_SUCCESS;
+}
+
+errcode opstore_datalist_next(opstore_list *list, const char **key, std::uint32_t *data_type, const void **data,
+                              std::uint32_t *length, std::uint32_t *extra) {
+    if (list->next == list->items.size()) {
+        return ERRCODE_NOT_FOUND;
+    }
+    const listed_item &item = list->items[list->next++];
+    *key = list->bytes.data() + item.key_at;
+    *data_type = OPSTORE_TYPE_PARCEL;
+    *data = list->bytes.data() + item.data_at;
+    *length = item.length;
+    *extra = 0;
+    return ERRCODE_SUCCESS;
+}
+
+errcode opstore_datalist_get_more_flag(opstore_list *list, std::uint32_t *more) {
+    *more = list->more ? 1 : 0;
+    return ERRCODE_SUCCESS;
+}
+
+errcode opstore_datalist_free(opstore_list *list) {
+    if (list == nullptr) {
+        return ERRCODE_INVALID_ARGUMENT;
+    }
+    opstore_list &spare = list->owner->spare;
+    spare.bytes = std::move(list->bytes);
+    spare.items = std::move(list->items);
+    spare.bytes.clear();
+    spare.items.clear();
+    delete list;
+    return ERRCODE_SUCCESS;
+}
+
+errcode opstore_item_get(opstore_handle handle, const char *item_path, std::uint32_t *data_type, void **data,
+                         std::uint32_t *length, std::uint32_t /*flags*/) {
+    store::environment *store = nullptr;
+    errcode failure = store::environment::shared(&store);
+    if (failure == ERRCODE_SUCCESS) {
+        failure = publisher_code(store, handle);
+    }
+    if (failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    const std::string key = handle->branch + item_path;
+    std::vector<char> parcel;
+    failure = store->read([&](const store::view &state) {
+        std::string_view value;
+        const errcode code = state.get(key, &value);
+        if (code == ERRCODE_SUCCESS) {
+            parcel.resize(value.size());
+            std::memcpy(parcel.data(), value.data(), value.size());
+        }
+        return code;
+    });
+    if (failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    *data = std::malloc(std::max<std::size_t>(parcel.size(), 1));
+    if (*data == nullptr) {
+        return ERRCODE_NO_MEMORY;
+    }
+    std::memcpy(*data, parcel.data(), parcel.size());
+    *length = static_cast<std::uint32_t>(parcel.size());
+    *data_type = OPSTORE_TYPE_PARCEL;
+    return ERRCODE_SUCCESS;
+}

@@ -1,0 +1,26 @@
+// The router that the store describes: its nodes, its own identity and its interface names.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/errcode.h"
+
+namespace router {
+
+struct node {
+    std::uint32_t id = 0;
+    std::string name;
+    std::uint32_t sw_state = 0;
+    std::uint32_t location[3] = {};
+    std::uint32_t processor = 0;
+};
+
+// The inventory, in its order, read from the store once per process.
+[[nodiscard]] errcode nodes(const std::vector<node> **out);
+
+// The node of that id; null when the inventory has none or cannot be read.
+[[nodiscard]] const node *find_node(std::uint32_t id);
+
+}  // namespace router

@@ -1,0 +1,211 @@
+// See store.h.
+#include "platform/local/store.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <iterator>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/local/parcel_codec.h"
+
+namespace store {
+
+namespace {
+
+template <class Number>
+void append_big_endian(Number number, std::string *to) {
+    for (int shift = static_cast<int>(sizeof number) * 8 - 8; shift >= 0; shift -= 8) {
+        to->push_back(static_cast<char>(number >> shift));
+    }
+}
+
+// The schema source of the parcel codec: schemas are kept under their fingerprint.
+bool stored_schema(std::uint64_t fingerprint, std::string *schema) {
+    environment *store = nullptr;
+    if (environment::shared(&store) != ERRCODE_SUCCESS) {
+        return false;
+    }
+    const std::string key = schema_key(fingerprint);
+    std::string_view text;
+    std::size_t length = 0;
+    schema->clear();
+    return store->read([&](const view &state) {
+               const errcode failure = state.get(key, &text);
+               if (failure == ERRCODE_SUCCESS) {
+                   length = text.size();
+                   schema->resize(length);
+                   std::memcpy(schema->data(), text.data(), length);
+               }
+               return failure;
+           }) == ERRCODE_SUCCESS;
+}
+
+}  // namespace
+
+std::string key(key_space space) { return {static_cast<char>(space)}; }
+
+std::string key(key_space space, std::uint32_t number) {
+    std::string result = key(space);
+    append_big_endian(number, &result);
+    return result;
+}
+
+std::string schema_key(std::uint64_t fingerprint) {
+    std::string result = key(key_space::schema);
+    append_big_endian(fingerprint, &result);
+    return result;
+}
+
+std::string branch_key(key_space space, root root, std::uint32_t node) {
+    std::string result = key(space);
+    result.push_back(static_cast<char>(root));
+    append_big_endian(node, &result);
+    return result;
+}
+
+const char *folder_of(const char *url) {
+    constexpr std::string_view SCHEME = "lmdb:";
+    return std::string_view(url).starts_with(SCHEME) && url[SCHEME.size()] != '\0' ? url + SCHEME.size() : nullptr;
+}
+
+const char *configured_url() {
+    const char *url = std::getenv("OPSTORE_URL");
+    return url != nullptr && *url != '\0' ? url : DEFAULT_URL;
+}
+
+errcode code_of(int failure) {
+    switch (failure) {
+    case 0: return ERRCODE_SUCCESS;
+    case MDB_NOTFOUND: return ERRCODE_NOT_FOUND;
+    case ENOMEM: return ERRCODE_NO_MEMORY;
+    case ENOENT:
+    case ENOTDIR:
+    case EACCES:
+    case EPERM:
+    case EROFS: return OPSTORE_NO_CLIENT;
+    case MDB_READERS_FULL:
+    case EAGAIN:
+    case EMFILE:
+    case ENFILE: return OPSTORE_BUSY;
+    default: return OPSTORE_DAMAGED;
+    }
+}
+
+errcode view::get(std::string_view key, std::string_view *value) const {
+    MDB_val wanted = detail::to_value(key);
+    MDB_val found{};
+    const int failure = mdb_get(txn_, table_, &wanted, &found);
+    if (failure == 0) {
+        *value = detail::to_view(found);
+    }
+    return code_of(failure);
+}
+
+errcode check_file(const char *folder) {
+    const std::string path = std::string(folder) + "/data.mdb";
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return code_of(errno);
+    }
+    // A page header of 16 bytes, then the meta page's magic and version.
+    constexpr std::uint32_t LMDB_MAGIC = 0xBEEFC0DE;
+    constexpr std::uint32_t LMDB_VERSION = 1;
+    struct {
+        std::uint8_t page_header[16];
+        std::uint32_t magic;
+        std::uint32_t version;
+    } head{};
+    const bool sound = ::pread(file, &head, sizeof head, 0) == static_cast<ssize_t>(sizeof head) &&
+                       head.magic == LMDB_MAGIC && head.version == LMDB_VERSION;
+    ::close(file);
+    return sound ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+}
+
+errcode environment::shared(environment **out) {
+    static environment the_environment;
+    *out = &the_environment;
+    if (the_environment.env_ != nullptr) {
+        return ERRCODE_SUCCESS;
+    }
+    const char *folder = folder_of(configured_url());
+    return folder == nullptr ? OPSTORE_NO_CLIENT : the_environment.open(folder);
+}
+
+errcode environment::open(const char *folder) {
+    if (const errcode failure = check_file(folder); failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    fault_guard::install();
+    bool left = false;
+    const errcode result = fault_guard::guarded([&] {
+        int failure = mdb_env_create(&env_);
+        if (failure == 0) {
+            mdb_env_set_maxreaders(env_, MAX_READERS);
+            failure = mdb_env_open(env_, folder, MDB_RDONLY | MDB_NOTLS, 0);
+        }
+        left = true;
+        return code_of(failure);
+    });
+    damaged_ = !left;
+    if (result != ERRCODE_SUCCESS) {
+        if (left) {
+            mdb_env_close(env_);
+            env_ = nullptr;
+        }
+        return result;
+    }
+    parcel_set_schema_source(stored_schema);
+    // The one table is open in every transaction; its first read tells whether the store is ours.
+    const std::string format_key = key(key_space::format);
+    const errcode failure = read([&](const view &state) {
+        std::string_view format;
+        const errcode code = state.get(format_key, &format);
+        return code == ERRCODE_SUCCESS && format == FORMAT ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+    });
+    if (failure == OPSTORE_DAMAGED) {
+        damaged_ = true;
+    }
+    return failure;
+}
+
+int environment::begin(MDB_txn **txn) {
+    int failure = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    if (failure == MDB_MAP_RESIZED) {  // a writer has made the map larger
+        mdb_env_set_mapsize(env_, 0);
+        failure = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    }
+    if (failure == MDB_READERS_FULL) {  // slots of readers that were killed
+        int cleared = 0;
+        mdb_reader_check(env_, &cleared);
+        failure = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    }
+    if (failure == 0) {
+        failure = mdb_dbi_open(*txn, nullptr, 0, &table_);
+        if (failure != 0) {
+            mdb_txn_abort(*txn);
+        }
+    }
+    return failure;
+}
+
+errcode environment::get_record(std::string_view key, void *record, const parcel_descriptor *descriptor) {
+    std::vector<std::uint8_t> parcel;
+    const errcode failure = read([&](const view &state) {
+        std::string_view value;
+        const errcode code = state.get(key, &value);
+        if (code == ERRCODE_SUCCESS) {
+            parcel.resize(value.size());
+            std::memcpy(parcel.data(), value.data(), value.size());
+        }
+        return code;
+    });
+    if (failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    return parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), record, descriptor);
+}
+
+}  // namespace store

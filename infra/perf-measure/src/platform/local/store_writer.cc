@@ -1,0 +1,298 @@
+// See store_writer.h.
+#include "platform/local/store_writer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/local/local_store_descriptors.h"
+#include "platform/local/local_store_records.h"
+#include "platform/local/parcel_codec.h"
+
+namespace store {
+
+namespace {
+
+constexpr std::size_t LARGEST_MAP = 64UL << 30;  // address space, not memory; the file grows as it is filled
+constexpr std::size_t SMALLEST_MAP = 1UL << 30;
+constexpr mode_t FOLDER_MODE = 0750;
+constexpr mode_t DATA_MODE = 0640;  // the folder's group reads the data
+constexpr mode_t LOCK_MODE = 0660;  // and registers its reading beside a writer
+
+constexpr char NOT_OURS[] = "not a perf-show store";
+
+// Makes the folder, and its parents, when it is missing.
+problem make_folder(const std::string &folder) {
+    std::error_code failure;
+    if (std::filesystem::is_directory(folder, failure)) {
+        return "";
+    }
+    if (!std::filesystem::create_directories(folder, failure)) {
+        return folder + ": " + failure.message();
+    }
+    static_cast<void>(::chmod(folder.c_str(), FOLDER_MODE));
+    return "";
+}
+
+// Gives a file of the store to the folder's group. Files of another owner stay as they are.
+void set_access(const std::string &folder, const char *name, mode_t mode) {
+    const std::string path = folder + "/" + name;
+    struct stat status {};
+    if (::stat(folder.c_str(), &status) == 0) {
+        static_cast<void>(!::chown(path.c_str(), static_cast<uid_t>(-1), status.st_gid));
+    }
+    static_cast<void>(::chmod(path.c_str(), mode));
+}
+
+// What a failure of LMDB means to the user.
+problem describe(const std::string &folder, int failure) {
+    switch (failure) {
+    case MDB_MAP_FULL: return folder + ": the store is full";
+    case MDB_INVALID: return folder + ": " + NOT_OURS;
+    case MDB_CORRUPTED:
+    case MDB_PAGE_NOTFOUND:
+    case MDB_BAD_TXN:
+    case MDB_PANIC:
+    case MDB_CURSOR_FULL: return folder + ": " + errcode_strerror(OPSTORE_DAMAGED);
+    default: return folder + ": " + mdb_strerror(failure);
+    }
+}
+
+}  // namespace
+
+// Runs body(), which returns an LMDB result, so that a fault in it becomes an error. After one LMDB is
+// not called again: its locks are released when the process ends.
+template <class Body>
+problem writer::guarded(Body body) {
+    if (damaged_) {
+        return folder_ + ": " + errcode_strerror(OPSTORE_DAMAGED);
+    }
+    int failure = 0;
+    const errcode code = fault_guard::guarded([&] {
+        failure = body();
+        return ERRCODE_SUCCESS;
+    });
+    if (code != ERRCODE_SUCCESS) {
+        damaged_ = true;
+        return folder_ + ": " + errcode_strerror(code);
+    }
+    return failure == 0 ? "" : describe(folder_, failure);
+}
+
+writer::~writer() {
+    if (!damaged_ && env_ != nullptr) {
+        const problem ignored = guarded([&] {
+            if (txn_ != nullptr) {
+                mdb_txn_abort(txn_);
+            }
+            mdb_env_close(env_);
+            return 0;
+        });
+    }
+}
+
+problem writer::begin(const char *url) {
+    const char *folder = folder_of(url);
+    if (folder == nullptr) {
+        return std::string(url) + ": a store is named lmdb:FOLDER";
+    }
+    folder_ = folder;
+    if (problem failure = make_folder(folder_); !failure.empty()) {
+        return failure;
+    }
+    if (std::error_code none; std::filesystem::exists(folder_ + "/data.mdb", none) &&
+                              std::filesystem::file_size(folder_ + "/data.mdb", none) > 0 &&
+                              check_file(folder) == OPSTORE_DAMAGED) {
+        return folder_ + ": " + NOT_OURS;
+    }
+    fault_guard::install();
+    for (problem (writer::*step)() : {&writer::open, &writer::check_format, &writer::read_inventory}) {
+        if (problem failure = (this->*step)(); !failure.empty()) {
+            return failure;
+        }
+    }
+    return "";
+}
+
+problem writer::open() {
+    const mode_t old_mask = ::umask(0007);
+    problem failure = guarded([&] {
+        int code = 0;
+        for (std::size_t map = LARGEST_MAP; map >= SMALLEST_MAP; map /= 2) {
+            code = mdb_env_create(&env_);
+            if (code == 0) {
+                mdb_env_set_mapsize(env_, map);
+                mdb_env_set_maxreaders(env_, MAX_READERS);
+                code = mdb_env_open(env_, folder_.c_str(), 0, DATA_MODE);
+            }
+            if (code != ENOMEM) {
+                break;
+            }
+            mdb_env_close(env_);
+            env_ = nullptr;
+        }
+        return code;
+    });
+    ::umask(old_mask);
+    if (!failure.empty()) {
+        return failure;
+    }
+    set_access(folder_, "data.mdb", DATA_MODE);
+    set_access(folder_, "lock.mdb", LOCK_MODE);
+    return guarded([&] {
+        int cleared = 0;
+        mdb_reader_check(env_, &cleared);  // slots of readers that were killed would keep pages in use
+        const int code = mdb_txn_begin(env_, nullptr, 0, &txn_);
+        return code != 0 ? code : mdb_dbi_open(txn_, nullptr, 0, &table_);
+    });
+}
+
+problem writer::check_format() {
+    std::string_view format;
+    MDB_stat stat{};
+    problem failure = get(key(key_space::format), &format);
+    if (failure.empty()) {
+        failure = guarded([&] { return mdb_stat(txn_, table_, &stat); });
+    }
+    if (!failure.empty()) {
+        return failure;
+    }
+    if (format == FORMAT) {
+        return "";
+    }
+    if (stat.ms_entries != 0) {
+        return folder_ + ": " + NOT_OURS;
+    }
+    return put(key(key_space::format), FORMAT);
+}
+
+problem writer::read_inventory() {
+    const std::string prefix = key(key_space::node);
+    std::vector<std::string> parcels;
+    std::vector<std::uint32_t> positions;
+    problem failure = guarded([&] {
+        const errcode code = view(txn_, table_).scan(prefix, "", [&](std::string_view found, std::string_view value) {
+            std::uint32_t position = 0;
+            for (const char byte : found.substr(prefix.size())) {
+                position = position << 8 | static_cast<std::uint8_t>(byte);
+            }
+            positions.push_back(position);
+            parcels.emplace_back(value);
+            return true;
+        });
+        return code == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED;
+    });
+    for (std::size_t i = 0; failure.empty() && i < parcels.size(); ++i) {
+        local_node node{};
+        const errcode code = parcel_decode(parcels[i].data(), static_cast<std::uint32_t>(parcels[i].size()), &node,
+                                           local_node_descriptor());
+        if (code != ERRCODE_SUCCESS) {
+            return folder_ + ": the inventory cannot be read: " + errcode_strerror(code);
+        }
+        nodes_.emplace_back(node.Id, positions[i]);
+        parcel_free_indirections(&node, local_node_descriptor());
+    }
+    return failure;
+}
+
+problem writer::clear() {
+    nodes_.clear();
+    kept_schemas_.clear();
+    known_branches_.clear();
+    problem failure = guarded([&] { return mdb_drop(txn_, table_, 0); });
+    return failure.empty() ? put(key(key_space::format), FORMAT) : failure;
+}
+
+// An absent key gives an empty value.
+problem writer::get(std::string_view key, std::string_view *value) {
+    return guarded([&] {
+        MDB_val wanted = detail::to_value(key);
+        MDB_val found{};
+        const int code = mdb_get(txn_, table_, &wanted, &found);
+        *value = code == 0 ? detail::to_view(found) : std::string_view{};
+        return code == MDB_NOTFOUND ? 0 : code;
+    });
+}
+
+problem writer::put(std::string_view key, std::string_view value) {
+    return guarded([&] {
+        MDB_val to = detail::to_value(key);
+        MDB_val bytes = detail::to_value(value);
+        return mdb_put(txn_, table_, &to, &bytes, 0);
+    });
+}
+
+problem writer::put_record(std::string_view key, const void *record, const parcel_descriptor *descriptor) {
+    parcel_.clear();
+    if (const errcode failure = parcel_encode(record, descriptor, &parcel_); failure != ERRCODE_SUCCESS) {
+        return std::string(descriptor->name) + ": " + errcode_strerror(failure);
+    }
+    if (problem failure = keep_schema(descriptor); !failure.empty()) {
+        return failure;
+    }
+    return put(key, {reinterpret_cast<const char *>(parcel_.data()), parcel_.size()});
+}
+
+problem writer::keep_schema(const parcel_descriptor *descriptor) {
+    if (!kept_schemas_.insert(descriptor).second) {
+        return "";
+    }
+    return put(schema_key(parcel_fingerprint(descriptor)), descriptor->schema);
+}
+
+problem writer::put_platform(const void *local_platform_record) {
+    return put_record(key(key_space::platform), local_platform_record, local_platform_descriptor());
+}
+
+problem writer::put_node(std::uint32_t id, const void *local_node_record) {
+    auto place = std::find_if(nodes_.begin(), nodes_.end(), [&](const auto &each) { return each.first == id; });
+    if (place == nodes_.end()) {
+        nodes_.emplace_back(id, nodes_.empty() ? 0 : nodes_.back().second + 1);
+        place = nodes_.end() - 1;
+    }
+    return put_record(key(key_space::node, place->second), local_node_record, local_node_descriptor());
+}
+
+problem writer::put_interface(std::uint32_t handle, const void *local_interface_record) {
+    return put_record(key(key_space::interface, handle), local_interface_record, local_interface_descriptor());
+}
+
+problem writer::put_publisher(root root, std::uint32_t node, publisher_state state) {
+    known_branches_.emplace(root, node);
+    const local_publisher record{static_cast<std::uint32_t>(state)};
+    return put_record(branch_key(key_space::publisher, root, node), &record, local_publisher_descriptor());
+}
+
+problem writer::ensure_publisher(root root, std::uint32_t node) {
+    if (!known_branches_.emplace(root, node).second) {
+        return "";
+    }
+    std::string_view known;
+    if (problem failure = get(branch_key(key_space::publisher, root, node), &known); !failure.empty()) {
+        return failure;
+    }
+    return known.empty() ? put_publisher(root, node, publisher_state::running) : "";
+}
+
+problem writer::put_item(root root, std::uint32_t node, std::string_view path, const void *record,
+                         const parcel_descriptor *descriptor) {
+    if (problem failure = ensure_publisher(root, node); !failure.empty()) {
+        return failure;
+    }
+    std::string to = branch_key(key_space::item, root, node);
+    to += path;
+    return put_record(to, record, descriptor);
+}
+
+problem writer::commit() {
+    return guarded([&] {
+        MDB_txn *txn = txn_;
+        txn_ = nullptr;
+        return mdb_txn_commit(txn);
+    });
+}
+
+}  // namespace store

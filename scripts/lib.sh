@@ -1,0 +1,54 @@
+# What demo and check share: installing what is missing, and steps that fail with one clear line.
+# Sourced; expects $me, the script's name.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+logs=build/logs
+
+fail() {
+  echo "$me: $*" >&2
+  exit 1
+}
+
+# install PACKAGE...: installs the Debian packages that are missing.
+install() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  local root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || fail "needs root or sudo to install: ${missing[*]}"
+    root=(sudo)
+  fi
+  step "installing ${missing[*]}" install_packages "${missing[@]}"
+}
+
+install_packages() {
+  "${root[@]}" apt-get update -q
+  "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -qy --no-install-recommends "$@"
+}
+
+# step WHAT COMMAND...: runs a command with its output in a log; on failure shows the log's end and
+# says in one line what failed.
+step() {
+  local what=$1 log
+  shift
+  mkdir -p "$logs"
+  log="$logs/$(tr -c 'a-z0-9\n' '-' <<<"${what,,}" | cut -c1-60).log"
+  echo "== $what"
+  if ! "$@" >"$log" 2>&1; then
+    tail -n 40 "$log" >&2
+    fail "$what failed; the whole log is in $log"
+  fi
+}
+
+build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libcli11-dev)
+
+# build PRESET [CMAKE-OPTION...]: configures and builds a preset.
+build() {
+  local preset=$1
+  shift
+  step "configuring $preset" cmake --preset "$preset" "$@"
+  step "building $preset" cmake --build --preset "$preset"
+}

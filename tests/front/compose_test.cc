@@ -1,0 +1,239 @@
+// Tests of front/compose.h.
+#include "front/compose.h"
+#include "front/front_test.h"
+
+namespace {
+
+class ComposeTest : public FrontTest {
+protected:
+    using family = void (*)(pm_show_path &, const char *, const char *);
+
+    // The path that a family composes for a command line.
+    std::string composed(family compose, const std::string &arguments) {
+        given(arguments);
+        pm_show_path path;
+        compose(path, "plain/", "plain-filter/");
+        return path;
+    }
+    std::string srpolicy(const std::string &arguments) { return composed(pm_show_compose_srpolicy, arguments); }
+    std::string endpoint(const std::string &arguments) { return composed(pm_show_compose_endpoint, arguments); }
+    std::string rsvpte(const std::string &arguments) { return composed(pm_show_compose_rsvpte, arguments); }
+
+    std::string session(const std::string &arguments) {
+        given(arguments);
+        pm_show_path path;
+        pm_show_compose_session(path, "session/");
+        return path;
+    }
+
+    // The path of a profile command line, followed by " single" when it names one item, or the
+    // failure.
+    std::string profile(const std::string &arguments) {
+        given(arguments);
+        pm_show_path path;
+        bool single = false;
+        const errcode code = pm_show_compose_named_profile(path, &single);
+        if (code != ERRCODE_SUCCESS) {
+            return "failure " + std::to_string(code);
+        }
+        return path + std::string(single ? " single" : "");
+    }
+};
+
+TEST_F(ComposeTest, TheBoundedFormatterTerminatesTheLastByteOfTheBuffer) {
+    char buffer[8] = {'x', 'x', 'x', 'x', 'x', 'x', 'x', 'x'};
+    pm_snprintf(buffer, sizeof buffer, "%s-%u", "a", 7U);
+    EXPECT_STREQ(buffer, "a-7");
+    EXPECT_EQ(buffer[4], 'x');
+    EXPECT_EQ(buffer[7], '\0');
+}
+
+TEST_F(ComposeTest, TheBoundedFormatterCutsWhatDoesNotFit) {
+    char buffer[4];
+    pm_snprintf(buffer, sizeof buffer, "%s", "abcdef");
+    EXPECT_STREQ(buffer, "abc");
+}
+
+TEST_F(ComposeTest, TheBoundedFormatterLeavesAnAbsentBufferAlone) {
+    pm_snprintf(nullptr, 8, "%s", "abc");
+    char buffer[1] = {'x'};
+    pm_snprintf(buffer, 0, "%s", "abc");
+    EXPECT_EQ(buffer[0], 'x');
+}
+
+TEST_F(ComposeTest, APlainPathIsThePrefixAndTheName) {
+    EXPECT_EQ(srpolicy(""), "plain/");
+    EXPECT_EQ(srpolicy("-i pol1"), "plain/pol1");
+    EXPECT_EQ(endpoint("-i ep1"), "plain/ep1");
+    EXPECT_EQ(rsvpte("-i tun1"), "plain/tun1");
+}
+
+TEST_F(ComposeTest, APlainPathIsCutAt511Bytes) {
+    EXPECT_EQ(srpolicy("-i " + std::string(600, 'x')), "plain/" + std::string(505, 'x'));
+}
+
+TEST_F(ComposeTest, ASessionPathEndsInTheSessionIdInHex) {
+    EXPECT_EQ(session("-s 0x1f"), "session/1f");
+    EXPECT_EQ(session("-s 0xffffffff"), "session/ffffffff");
+    EXPECT_EQ(session("-s 0"), "session/");
+    EXPECT_EQ(session("-i ignored"), "session/");
+}
+
+// The address component comes from the platform also when no address was given.
+TEST_F(ComposeTest, AnSrPolicyKeyHasElevenComponentsInOrder) {
+    fake.addresses["10.0.0.1"] = {IP_FAMILY_IPV4, {10, 0, 0, 1}};
+    EXPECT_EQ(srpolicy("-f 1 -e 10.0.0.1 -o 2 -g 3 -m 4 -n list -O -h 5 -j -u 6 -k 7 -i pol1"),
+              "plain-filter/0x1,0a000001,0x2,0x3,0x4,list,TRUE,0x5,0x1,0x6,0x7/pol1");
+    EXPECT_EQ(fake.address_seen.family, IP_FAMILY_IPV4);
+    EXPECT_EQ(fake.address_seen.octets[0], 10);
+}
+
+TEST_F(ComposeTest, EachSrPolicyComponentAloneLeavesTheOthersWild) {
+    fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
+    const std::string w = "________";
+    const auto key = [&w](int position, const std::string &text) {
+        std::string result = "plain-filter/";
+        for (int at = 1; at <= 11; ++at) {
+            result += (at == position ? text : w) + (at < 11 ? "," : "/");
+        }
+        return result;
+    };
+    EXPECT_EQ(srpolicy("-f 0xabc"), key(1, "0xabc"));
+    EXPECT_EQ(srpolicy("-o 30"), key(3, "0x1e"));
+    EXPECT_EQ(srpolicy("-g 0xffffffff"), key(4, "0xffffffff"));
+    EXPECT_EQ(srpolicy("-m 100"), key(5, "0x64"));
+    EXPECT_EQ(srpolicy("-n list"), key(6, "list"));
+    EXPECT_EQ(srpolicy("-O"), key(7, "TRUE"));
+    EXPECT_EQ(srpolicy("-h 0"), key(8, "0x0"));
+    EXPECT_EQ(srpolicy("-j"), key(9, "0x1"));
+    EXPECT_EQ(srpolicy("-r"), key(9, "0x0"));
+    EXPECT_EQ(srpolicy("-u 1"), key(10, "0x1"));
+    EXPECT_EQ(srpolicy("-k 0x100000"), key(11, "0x100000"));
+}
+
+TEST_F(ComposeTest, AnAddressAloneIsAFilterEvenWhenItCouldNotBeRead) {
+    fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
+    const printed output = capture([this] {
+        EXPECT_EQ(srpolicy("-e nonsense"),
+                  "plain-filter/________,________,________,________,________,________,________,________,________,"
+                  "________,________/");
+        EXPECT_EQ(endpoint("-e nonsense"), "plain-filter/________,________,________,________/");
+        EXPECT_EQ(rsvpte("-e nonsense"), "plain-filter/________,________/");
+    });
+    EXPECT_EQ(output.err, "Invalid IP addressInvalid IP addressInvalid IP address");
+}
+
+TEST_F(ComposeTest, TheAddressComponentIsWrittenWithoutAnAddressWhenThePlatformHasATextForIt) {
+    fake.address_text = "00000000";
+    EXPECT_EQ(srpolicy("-n list"),
+              "plain-filter/________,00000000,________,________,________,list,________,________,________,________,"
+              "________/");
+    EXPECT_EQ(fake.address_seen.family, 0U);
+    EXPECT_EQ(endpoint("-n list"), "plain-filter/________,00000000,list,________/");
+    EXPECT_EQ(rsvpte("-a 1"), "plain-filter/0x1,00000000/");
+}
+
+TEST_F(ComposeTest, OptionsOfOtherFamiliesAreNoSrPolicyFilter) {
+    EXPECT_EQ(srpolicy("-a 1 -V red -s 5 -D 1 -T 2 -b -i pol1"), "plain/pol1");
+}
+
+TEST_F(ComposeTest, AnEndpointKeyHasFourComponentsInOrder) {
+    fake.addresses["10.0.0.1"] = {IP_FAMILY_IPV4, {10, 0, 0, 1}};
+    EXPECT_EQ(endpoint("-V red -e 10.0.0.1 -n list -h 3 -i ep1"), "plain-filter/red,0a000001,list,0x3/ep1");
+}
+
+TEST_F(ComposeTest, EachEndpointComponentAloneLeavesTheOthersWild) {
+    fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
+    EXPECT_EQ(endpoint("-V red"), "plain-filter/red,________,________,________/");
+    EXPECT_EQ(endpoint("-n list"), "plain-filter/________,________,list,________/");
+    EXPECT_EQ(endpoint("-h 2"), "plain-filter/________,________,________,0x2/");
+}
+
+TEST_F(ComposeTest, OptionsOfOtherFamiliesAreNoEndpointFilter) {
+    EXPECT_EQ(endpoint("-f 1 -o 1 -g 1 -m 1 -O -j -u 1 -k 1 -a 1"), "plain/");
+}
+
+TEST_F(ComposeTest, AnRsvpTeKeyIsTheNumberThenTheAddress) {
+    fake.addresses["10.0.0.1"] = {IP_FAMILY_IPV4, {10, 0, 0, 1}};
+    EXPECT_EQ(rsvpte("-e 10.0.0.1 -a 12 -i tun1"), "plain-filter/0xc,0a000001/tun1");
+    EXPECT_EQ(rsvpte("-e 10.0.0.1"), "plain-filter/________,0a000001/");
+    fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
+    EXPECT_EQ(rsvpte("-a 12"), "plain-filter/0xc,________/");
+}
+
+TEST_F(ComposeTest, OptionsOfOtherFamiliesAreNoRsvpTeFilter) {
+    EXPECT_EQ(rsvpte("-f 1 -o 1 -g 1 -m 1 -n list -O -h 1 -j -u 1 -k 1 -V red"), "plain/");
+}
+
+TEST_F(ComposeTest, TextComponentsAreCutAt63Bytes) {
+    fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
+    const std::string cut(63, 'x');
+    EXPECT_EQ(endpoint("-V " + cut + "y -n " + cut + "z"), "plain-filter/" + cut + ",________," + cut + ",________/");
+    EXPECT_EQ(srpolicy("-n " + cut + "z"),
+              "plain-filter/________,________,________,________,________," + cut +
+                  ",________,________,________,________,________/");
+}
+
+TEST_F(ComposeTest, AnAddressComponentIsCutAt255Bytes) {
+    fake.address_text = std::string(255, 'a') + "bc";
+    EXPECT_EQ(rsvpte("-a 1"), "plain-filter/0x1," + std::string(255, 'a') + "/");
+}
+
+TEST_F(ComposeTest, TheWidestSrPolicyKeyIsWholeAndTheNameIsCut) {
+    fake.address_text = std::string(255, 'a');
+    const std::string list(63, 'l');
+    const std::string name(300, 'n');
+    const std::string number = "0xffffffff";
+    const std::string filtered = "plain-filter/" + number + "," + fake.address_text + "," + number + "," + number +
+                                 "," + number + "," + list + ",TRUE," + number + ",0x1," + number + "," + number + "/";
+    EXPECT_EQ(srpolicy("-f -1 -o -1 -g -1 -m -1 -n " + list + " -O -h -1 -j -u -1 -k -1 -i " + name),
+              (filtered + name).substr(0, 511));
+}
+
+TEST_F(ComposeTest, AGenericNamedProfileIsOneItem) {
+    EXPECT_EQ(profile("-P -D 1 -T 4 -Q gold"), "name-profile/0x1/0x4/<gold> single");
+}
+
+TEST_F(ComposeTest, GenericNamedProfilesWithoutANameAreAListing) {
+    EXPECT_EQ(profile("-P -W 2 -T 4"), "name-profile/0x2/0x4/");
+}
+
+TEST_F(ComposeTest, AGenericNamedProfileHasTheDefaultKindWhenNoneIsGiven) {
+    EXPECT_EQ(profile("-P -T 4 -Q gold"), "name-profile/0x4/0x4/<gold> single");
+}
+
+TEST_F(ComposeTest, ANamedProfileWithKindTypeAndNameIsOneItemWithItsKeyWrittenTwice) {
+    EXPECT_EQ(profile("-P -D 0 -T 2 -Q gold"), "name-profile-filter/0x0,0x2,<gold>/0x0,0x2,<gold> single");
+    EXPECT_EQ(profile("-P -L 1 -T 0 -Q gold"), "name-profile-filter/0x1,0x0,<gold>/0x1,0x0,<gold> single");
+    EXPECT_EQ(profile("-P -W 2 -T 3 -Q gold"), "name-profile-filter/0x2,0x3,<gold>/0x2,0x3,<gold> single");
+}
+
+TEST_F(ComposeTest, TheProbeKindNamesOneItemButStaysWildInTheKey) {
+    EXPECT_EQ(profile("-P -M 3 -T 3 -Q gold"), "name-profile-filter/________,0x3,<gold>/________,0x3,<gold> single");
+}
+
+TEST_F(ComposeTest, ANamedProfileWithoutKindTypeOrNameIsAListing) {
+    EXPECT_EQ(profile("-P"), "name-profile-filter/________,________,________");
+    EXPECT_EQ(profile("-P -T 2 -Q gold"), "name-profile-filter/________,0x2,<gold>");
+    EXPECT_EQ(profile("-P -D 0 -Q gold"), "name-profile-filter/0x0,________,<gold>");
+    EXPECT_EQ(profile("-P -D 0 -T 2"), "name-profile-filter/0x0,0x2,________");
+}
+
+TEST_F(ComposeTest, AProfileNameIsCutAt255BytesInTheKeyAndAt511InAPath) {
+    const std::string name(600, 'q');
+    EXPECT_EQ(profile("-P -Q " + name), "name-profile-filter/________,________,<" + name.substr(0, 254));
+    EXPECT_EQ(profile("-P -T 4 -Q " + name), "name-profile/0x4/0x4/<" + name.substr(0, 489) + " single");
+}
+
+TEST_F(ComposeTest, AProfileNameThatCannotBeEncodedIsReported) {
+    fake.encode_code = 22;
+    printed output = capture([this] { EXPECT_EQ(profile("-P -T 4 -Q gold"), "failure 22"); });
+    EXPECT_EQ(output.err,
+              "pm_show_compose_generic_named_profile_opstore_path: Error encoding name name gold: errcode 22 (0x16)\n");
+    EXPECT_EQ(output.out, "");
+    output = capture([this] { EXPECT_EQ(profile("-P -D 0 -T 2 -Q gold"), "failure 22"); });
+    EXPECT_EQ(output.err, "pm_show_compose_name_profile_filter: Error encoding name name gold: errcode 22 (0x16)\n");
+    EXPECT_EQ(output.out, "");
+}
+
+}  // namespace

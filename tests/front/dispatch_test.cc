@@ -1,0 +1,82 @@
+// Tests of pm_show_dispatch of front/dispatch.h.
+#include "front/dispatch.h"
+#include "front/front_test.h"
+
+namespace {
+
+class DispatchTest : public FrontTest {
+protected:
+    // Runs a command line; its exit status is in `status`.
+    printed run(const std::string &arguments) {
+        return capture([&] {
+            given(arguments);
+            status = pm_show_dispatch();
+        });
+    }
+
+    int status = 77;
+};
+
+TEST_F(DispatchTest, AnInvalidCommandTypeEndsWithAnErrorAndReadsNothing) {
+    const printed output = run("-c 29");
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(output.err, "Show command type invalid 29\n");
+    EXPECT_EQ(output.out, "");
+    EXPECT_EQ(fake.calls, std::vector<std::string>{});
+}
+
+TEST_F(DispatchTest, AnInvalidSubtypeEndsWithAnErrorAndReadsNothing) {
+    const printed output = run("-c 20 -t 30");
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(output.err, "Show command subtype invalid 30\n");
+    EXPECT_EQ(output.out, "");  // and no legend
+    EXPECT_EQ(fake.calls, std::vector<std::string>{});
+}
+
+TEST_F(DispatchTest, AnInvalidSubtypeOfLiveHistoryEndsWithAnError) {
+    const printed output = run("-c 27 -t 3");
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(output.err, "Liveness history only supported for SR Policy and Endpoint");
+    EXPECT_EQ(output.out, "");
+}
+
+TEST_F(DispatchTest, AProfileNameThatCannotBeEncodedShowsNothing) {
+    fake.encode_code = 22;
+    const printed output = run("-c 23 -P -T 4 -Q gold");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(output.err,
+              "pm_show_compose_generic_named_profile_opstore_path: Error encoding name name gold: errcode 22 (0x16)\n");
+    EXPECT_EQ(output.out, "");
+    EXPECT_EQ(fake.calls, std::vector<std::string>{});
+}
+
+TEST_F(DispatchTest, ACommandWhoseDisplayIsNotBuiltSaysSo) {
+    const printed output = run("-c 37");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(output.err, "perf-show: show command type 37 is not available yet\n");
+    EXPECT_EQ(output.out, "");
+    EXPECT_EQ(fake.calls, std::vector<std::string>{});
+}
+
+TEST_F(DispatchTest, ABadOptionDoesNotKeepTheCommandFromRunning) {
+    const printed output = run("-z -c 38");
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(output.err, "Unrecognised argument 63Show command type invalid 38\n");
+}
+
+TEST_F(DispatchTest, AShowIsReadFromEveryNodeAndEndsWithStatus0AlsoWhenItFails) {
+    fake.nodes = {{1}, {2}};
+    fake.item_code = ERRCODE_NOT_FOUND;
+    const printed output = run("-c 9");
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(output.err, "");
+    EXPECT_EQ(output.out, "\n" + std::string(pm_show_separator) + "lc1\n" + pm_show_separator + "Item not found\n" +
+                              "\n" + std::string(pm_show_separator) + "lc2\n" + pm_show_separator +
+                              "Item not found\n" + "\n");
+    EXPECT_EQ(fake.calls, (std::vector<std::string>{"inventory 7", "partner of central-services", "client_present",
+                                                    "bind /oper/perf_meas/main/node/1/ 4", "get summary 0", "unbind",
+                                                    "bind /oper/perf_meas/main/node/2/ 4", "get summary 0",
+                                                    "unbind"}));
+}
+
+}  // namespace

@@ -1,0 +1,50 @@
+// Records of any type for tests: filled at random from the type's schema, and compared field by
+// field. Works from the parsed schema and the layout table, independently of the codec's plans.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "platform/local/parcel_notation.h"
+#include "platform/parcel.h"
+
+// A record type's schema and layout, ready to walk a structure.
+class record_type {
+public:
+    explicit record_type(const parcel_descriptor *descriptor);
+
+    [[nodiscard]] const parcel_notation::schema &schema() const { return schema_; }
+    [[nodiscard]] const parcel_layout &layout_of(parcel_notation::definition_index index) const;
+    [[nodiscard]] std::size_t size() const { return descriptor_->layout[0].size; }
+    [[nodiscard]] std::size_t size_of(parcel_notation::type_index index) const;
+
+private:
+    const parcel_descriptor *descriptor_;
+    parcel_notation::schema schema_;
+};
+
+// A record whose every field has a random value; arrays have 0 to 3 elements, optionals are absent
+// half the time, unions take every discriminator including one that no arm lists.
+class random_record {
+public:
+    random_record(const parcel_descriptor *descriptor, std::uint64_t seed);
+
+    [[nodiscard]] void *data() const { return data_; }
+
+private:
+    void *allocate(std::size_t size);
+    std::uint64_t below(std::uint64_t bound) { return random_() % bound; }
+    void fill_type(parcel_notation::type_index index, std::uint8_t *at, int depth);
+    void fill_definition(parcel_notation::definition_index index, std::uint8_t *at, int depth);
+
+    record_type type_;
+    std::mt19937_64 random_;
+    std::vector<std::unique_ptr<std::uint64_t[]>> blocks_;
+    void *data_;
+};
+
+// Where two records of a type differ first, as a member path; empty when they are the same.
+[[nodiscard]] std::string first_difference(const parcel_descriptor *descriptor, const void *a, const void *b);
