@@ -348,18 +348,17 @@ TEST_F(GenericShowTest, TheDisplaysResultIsTheResultOfASingleItem) {
     }
 }
 
-TEST_F(GenericShowTest, TheStoresAnswersToASingleItem) {
+TEST_F(GenericShowTest, AStoreWithoutTheSingleItemSaysWhyAndItsCodeIsTheResult) {
     const struct {
         errcode code;
         const char *text;
-        errcode result;
     } answers[] = {
-        {0x40812a00, "", 0},
-        {0x40818600, "PM process is not running\n", 0},
-        {0x40819000, "PM process is not running\n", 0},
-        {0x40818a00, "infra/perf-measure/src/pm_show_client:732, (errcode 1082231296)\n", 0},
-        {6, "Item not found\n", 6},
-        {41, "infra/perf-measure/src/pm_show_client:732, (errcode 41)\n", 0},
+        {0x40812a00, ""},
+        {0x40818600, "PM process is not running\n"},
+        {0x40819000, "PM process is not running\n"},
+        {0x40818a00, "infra/perf-measure/src/pm_show_client:732, (errcode 1082231296)\n"},
+        {6, "Item not found\n"},
+        {41, "infra/perf-measure/src/pm_show_client:732, (errcode 41)\n"},
     };
     for (const auto &answer : answers) {
         SetUp();
@@ -367,7 +366,7 @@ TEST_F(GenericShowTest, TheStoresAnswersToASingleItem) {
         const printed output = show(single_request());
         EXPECT_EQ(output.out, node + answer.text);
         EXPECT_EQ(output.err, "");
-        EXPECT_EQ(result, answer.result);
+        EXPECT_EQ(result, answer.code);
         EXPECT_EQ(fake.calls.back(), "unbind");
     }
 }

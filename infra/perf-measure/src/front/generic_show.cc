@@ -200,18 +200,18 @@ errcode show_single_item(const pm_show_request &request) {
     case ERRCODE_SUCCESS:
         return show_fetched_item(request, data_type, data.get(), length);
     case OPSTORE_NOT_PUBLISHED:
-        return ERRCODE_SUCCESS;
+        break;
     case OPSTORE_UNREACHABLE:
     case OPSTORE_STOPPED:  // OPSTORE_STARTING is missing on purpose, unlike in a listing
         print_not_running();
-        return ERRCODE_SUCCESS;
+        break;
     case ERRCODE_NOT_FOUND:
         pm_print<"Item not found\n">();
-        return ERRCODE_NOT_FOUND;
+        break;
     default:
         print_unexpected(REPORTED_ITEM_LINE, code);
-        return ERRCODE_SUCCESS;
     }
+    return code;
 }
 
 bool store_client_present() {

@@ -228,7 +228,7 @@ problem writer::put(std::string_view key, std::string_view value) {
 problem writer::put_record(std::string_view key, const void *record, const parcel_descriptor *descriptor) {
     parcel_.clear();
     if (const errcode failure = parcel_encode(record, descriptor, &parcel_); failure != ERRCODE_SUCCESS) {
-        return std::string(descriptor->name) + ": " + errcode_strerror(failure);
+        return failure == ERRCODE_RANGE ? TOO_DEEP : std::string(descriptor->name) + ": " + errcode_strerror(failure);
     }
     if (problem failure = keep_schema(descriptor); !failure.empty()) {
         return failure;

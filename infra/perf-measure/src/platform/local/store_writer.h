@@ -18,6 +18,9 @@ namespace store {
 
 using problem = std::string;
 
+// What put_item says of a record whose arrays nest beyond the codec's limit.
+inline constexpr char TOO_DEEP[] = "nested too deeply";
+
 class writer {
 public:
     writer() = default;

@@ -1,0 +1,256 @@
+// See dataset_dumper.h.
+#include "dataset_dumper.h"
+
+#include <cstring>
+#include <stdexcept>
+#include <vector>
+
+#include "dataset_names.h"
+#include "platform/local/local_store_descriptors.h"
+#include "platform/local/local_store_records.h"
+#include "platform/local/parcel_codec.h"
+#include "progress.h"
+#include "record_shape.h"
+#include "record_writer.h"
+#include "schema/pm_descriptors.h"
+#include "store_reader.h"
+#include "value_text.h"
+
+namespace perf_store {
+
+namespace {
+
+// A decoded parcel, freed at its end.
+class decoded {
+public:
+    decoded(std::string_view parcel, const parcel_descriptor *descriptor)
+        : descriptor_(descriptor), bytes_(descriptor->layout[0].size / sizeof(std::uint64_t) + 1),
+          code_(parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), bytes_.data(), descriptor)) {}
+    ~decoded() { parcel_free_indirections(bytes_.data(), descriptor_); }
+    decoded(const decoded &) = delete;
+    decoded &operator=(const decoded &) = delete;
+
+    [[nodiscard]] errcode code() const { return code_; }
+    [[nodiscard]] const void *data() const { return bytes_.data(); }
+    template <class Record>
+    [[nodiscard]] const Record &as() const {
+        return *static_cast<const Record *>(data());
+    }
+
+private:
+    const parcel_descriptor *descriptor_;
+    std::vector<std::uint64_t> bytes_;
+    errcode code_;
+};
+
+class dumper {
+public:
+    dumper(const dump_filter &filter, output_file *out) : filter_(filter), out_(*out), line_(out->buffer()) {}
+
+    std::string run() {
+        line_ += "{\"dataset\":{\"version\":";
+        append_number(DATASET_VERSION, &line_);
+        line_ += "}}\n";
+        std::string problem;
+        if (filter_.everything()) {
+            problem = each(store::key_space::platform, [this](auto key, auto value) { return dump_platform(key, value); });
+            and_then(&problem, store::key_space::node, [this](auto key, auto value) { return dump_node(key, value); });
+            and_then(&problem, store::key_space::interface,
+                     [this](auto key, auto value) { return dump_interface(key, value); });
+        }
+        dump_branches(&problem, store::key_space::publisher,
+                      [this](auto key, auto value) { return dump_publisher(key, value); });
+        dump_branches(&problem, store::key_space::item, [this](auto key, auto value) { return dump_item(key, value); });
+        return problem;
+    }
+
+private:
+    template <class Dump>
+    std::string each(store::key_space space, Dump dump) {
+        return for_each_key(store::key(space), dump);
+    }
+
+    template <class Dump>
+    void and_then(std::string *problem, store::key_space space, Dump dump) {
+        if (problem->empty()) {
+            *problem = each(space, dump);
+        }
+    }
+
+    // The keys of all selected branches, by root and node.
+    template <class Dump>
+    void dump_branches(std::string *problem, store::key_space space, Dump dump) {
+        for (const store::root_name &root : store::ROOTS) {
+            if (!problem->empty() || (filter_.root && *filter_.root != root.id)) {
+                continue;
+            }
+            std::string prefix = store::key(space) + static_cast<char>(root.id);
+            if (filter_.node) {
+                prefix = store::branch_key(space, root.id, *filter_.node);
+                if (space == store::key_space::item) {
+                    prefix += filter_.path_prefix;
+                }
+            }
+            *problem = for_each_key(prefix, dump);
+        }
+    }
+
+    void begin_object(const char *name) {
+        line_ += "{\"";
+        line_ += name;
+        line_ += "\":{";
+        first_ = true;
+    }
+    void begin_member(const char *name) {
+        line_ += first_ ? "\"" : ",\"";
+        line_ += name;
+        line_ += "\":";
+        first_ = false;
+    }
+    void add_number(const char *name, std::uint32_t value) {
+        begin_member(name);
+        append_number(value, &line_);
+    }
+    void add_text(const char *name, std::string_view text) {
+        begin_member(name);
+        if (!append_json_text(text, &line_)) {
+            throw std::runtime_error("a text is not UTF-8");
+        }
+    }
+    std::string end_object() {
+        line_ += "}}\n";
+        return out_.flush_when_full();
+    }
+
+    // Decodes a record and passes it to `dump`; a failure names the object.
+    template <class Dump>
+    std::string with_record(const std::string &what, std::string_view value, const parcel_descriptor *descriptor, Dump dump) {
+        const decoded record(value, descriptor);
+        if (record.code() != ERRCODE_SUCCESS) {
+            return what + ": " + errcode_strerror(record.code());
+        }
+        try {
+            return dump(record);
+        } catch (const std::runtime_error &problem) {
+            return what + ": " + problem.what();
+        }
+    }
+
+    std::string dump_platform(std::string_view /*key*/, std::string_view value) {
+        return with_record("platform", value, local_platform_descriptor(), [&](const decoded &decoded) {
+            const auto &record = decoded.as<local_platform>();
+            begin_object("platform");
+            if (record.MyNode != nullptr) {
+                add_number("my_node", *record.MyNode);
+            }
+            add_number("router_type", record.RouterType);
+            begin_member("rp_plus_datapath");
+            line_ += record.RpPlusDatapath != 0 ? "true" : "false";
+            if (record.ActiveRp != nullptr) {
+                add_number("active_rp", *record.ActiveRp);
+            }
+            if (record.Partners.count != 0) {
+                begin_member("process_group_partners");
+                line_ += '{';
+                first_ = true;
+                for (const local_partner &partner : record.Partners) {
+                    add_number(partner.Group, partner.Node);
+                }
+                line_ += '}';
+            }
+            return end_object();
+        });
+    }
+
+    std::string dump_node(std::string_view /*key*/, std::string_view value) {
+        return with_record("node", value, local_node_descriptor(), [&](const decoded &decoded) {
+            const auto &record = decoded.as<local_node>();
+            begin_object("node");
+            add_number("id", record.Id);
+            add_text("name", record.Name != nullptr ? record.Name : "");
+            add_number("sw_state", record.SwState);
+            begin_member("location");
+            for (std::size_t i = 0; i < record.Location.size(); ++i) {
+                line_ += i == 0 ? '[' : ',';
+                append_number(record.Location[i], &line_);
+            }
+            line_ += ']';
+            add_number("processor", record.Processor);
+            return end_object();
+        });
+    }
+
+    std::string dump_interface(std::string_view key, std::string_view value) {
+        return with_record("interface", value, local_interface_descriptor(), [&](const decoded &decoded) {
+            const char *name = decoded.as<local_interface>().Name;
+            begin_object("interface");
+            add_number("handle", parse_number(key.substr(1)));
+            add_text("name", name != nullptr ? name : "");
+            return end_object();
+        });
+    }
+
+    std::string dump_publisher(std::string_view key, std::string_view value) {
+        const item_key branch = parse_item_key(key);
+        return with_record("publisher", value, local_publisher_descriptor(), [&](const decoded &decoded) {
+            const auto state = static_cast<store::publisher_state>(decoded.as<local_publisher>().State);
+            const char *word = nullptr;
+            for (const state_name &each : PUBLISHER_STATES) {
+                word = each.state == state ? each.word : word;
+            }
+            if (word == nullptr) {
+                throw std::runtime_error("unknown state");
+            }
+            begin_object("publisher");
+            add_text("root", branch.root.word);
+            add_number("node", branch.node);
+            add_text("state", word);
+            return end_object();
+        });
+    }
+
+    std::string dump_item(std::string_view key, std::string_view value) {
+        const item_key item = parse_item_key(key);
+        if (!item.path.starts_with(filter_.path_prefix)) {
+            return "";
+        }
+        const std::string what =
+            std::string("item ") + item.root.word + " " + std::to_string(item.node) + " " + std::string(item.path);
+        parcel_header header{};
+        if (const errcode failure = parcel_read_header(value.data(), value.size(), &header); failure != ERRCODE_SUCCESS) {
+            return what + ": " + errcode_strerror(failure);
+        }
+        const parcel_descriptor *type = pm_find_descriptor(header.type);
+        if (type == nullptr) {
+            return what + ": unknown record type " + std::string(header.type);
+        }
+        progress_.advance(++items_, 0);
+        return with_record(what, value, type, [&](const decoded &decoded) {
+            begin_object("item");
+            add_text("root", item.root.word);
+            add_number("node", item.node);
+            add_text("path", item.path);
+            add_text("type", type->name);
+            begin_member("record");
+            append_record(decoded.data(), shape_of(type).record(), &line_);
+            return end_object();
+        });
+    }
+
+    const dump_filter &filter_;
+    output_file &out_;
+    std::string &line_;
+    bool first_ = true;
+    std::uint64_t items_ = 0;
+    progress progress_{"dumping", 0};
+};
+
+}  // namespace
+
+std::string dump_store(const dump_filter &filter, output_file *out) {
+    std::string problem = dumper(filter, out).run();
+    const std::string flushed = out->flush();
+    return problem.empty() ? flushed : problem;
+}
+
+}  // namespace perf_store

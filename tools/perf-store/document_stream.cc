@@ -1,0 +1,108 @@
+// See document_stream.h.
+#include "document_stream.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace perf_store {
+
+namespace {
+
+constexpr std::size_t PIECE = 1 << 20;       // bytes read at a time
+constexpr std::size_t TOKEN_LENGTH = 16;     // an error this close to the end may be a token cut in two
+
+}  // namespace
+
+document_stream::document_stream(std::string path) : name_(std::move(path)), buffer_(PIECE + 1) {
+    if (name_ == "-") {
+        name_ = "<stdin>";
+        file_ = STDIN_FILENO;
+    } else {
+        file_ = ::open(name_.c_str(), O_RDONLY | O_CLOEXEC);
+    }
+    if (file_ < 0) {
+        problem_ = name_ + ": " + std::strerror(errno);
+    }
+}
+
+document_stream::~document_stream() {
+    if (file_ > STDIN_FILENO) {
+        ::close(file_);
+    }
+}
+
+std::uint64_t document_stream::bytes_in_all() const {
+    struct stat status {};
+    return ::fstat(file_, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+// Reads more of the file behind what is buffered. False on failure.
+bool document_stream::read_more() {
+    std::memmove(buffer_.data(), buffer_.data() + at_, filled_ - at_);
+    filled_ -= at_;
+    at_ = 0;
+    if (buffer_.size() - 1 - filled_ < PIECE / 2) {
+        buffer_.resize(buffer_.size() * 2);
+    }
+    ssize_t got = 0;
+    do {
+        got = ::read(file_, buffer_.data() + filled_, buffer_.size() - 1 - filled_);
+    } while (got < 0 && errno == EINTR);
+    if (got < 0) {
+        problem_ = name_ + ": " + std::strerror(errno);
+        return false;
+    }
+    at_end_ = got == 0;
+    filled_ += static_cast<std::size_t>(got);
+    bytes_read_ += static_cast<std::uint64_t>(got);
+    buffer_[filled_] = '\0';
+    return true;
+}
+
+void document_stream::pass_document() {
+    line_ += static_cast<std::uint64_t>(
+        std::count(buffer_.data() + at_, buffer_.data() + at_ + length_, '\n'));
+    at_ += length_;
+    length_ = 0;
+}
+
+stream_result document_stream::next(json_document *document) {
+    if (!problem_.empty()) {
+        return stream_result::failure;
+    }
+    pass_document();
+    for (;;) {
+        const char *what = nullptr;
+        const std::size_t left = filled_ - at_;
+        const bool read = left > 0 && document->read(buffer_.data() + at_, &length_, &what);
+        if (read && length_ > 0) {
+            return stream_result::document;
+        }
+        // What is buffered ends in white space or within a document, unless it is no JSON at all.
+        const bool may_be_cut = left == 0 || read || length_ + TOKEN_LENGTH >= left;
+        if (!at_end_ && may_be_cut) {
+            length_ = 0;
+            if (!read_more()) {
+                return stream_result::failure;
+            }
+            continue;
+        }
+        if (left == 0 || (read && std::strlen(buffer_.data() + at_) == left)) {
+            return stream_result::end;
+        }
+        problem_ = place(length_) + (read ? "a zero byte" : what);
+        return stream_result::failure;
+    }
+}
+
+std::string document_stream::place(std::size_t offset) const {
+    const char *begin = buffer_.data() + at_;
+    const auto line = line_ + static_cast<std::uint64_t>(std::count(begin, begin + offset, '\n'));
+    return name_ + ":" + std::to_string(line) + ": ";
+}
+
+}  // namespace perf_store

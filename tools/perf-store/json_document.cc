@@ -1,0 +1,119 @@
+// See json_document.h. RapidJSON parses; its events build the nodes.
+#include "json_document.h"
+
+#include <cstring>
+#include <rapidjson/error/en.h>
+#include <rapidjson/reader.h>
+
+namespace perf_store {
+
+namespace {
+
+constexpr unsigned PARSE_FLAGS = rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseValidateEncodingFlag |
+                                 rapidjson::kParseIterativeFlag | rapidjson::kParseStopWhenDoneFlag;
+
+}  // namespace
+
+const char *json_kind_name(json_kind kind) {
+    static constexpr const char *NAMES[] = {"null", "a boolean", "a number", "text", "an object", "an array"};
+    return NAMES[static_cast<std::size_t>(kind)];
+}
+
+// Takes RapidJSON's events.
+class json_builder {
+public:
+    json_builder(json_document *document, const rapidjson::StringStream &stream) : out_(*document), stream_(stream) {
+        out_.nodes_.clear();
+        out_.texts_.clear();
+    }
+
+    bool Null() { return leaf(json_kind::null); }
+    bool Bool(bool value) {
+        leaf(json_kind::boolean);
+        out_.nodes_.back().value = value;
+        return true;
+    }
+    bool RawNumber(const char *text, rapidjson::SizeType length, bool /*copy*/) {
+        return keep(json_kind::number, text, length);
+    }
+    bool String(const char *text, rapidjson::SizeType length, bool /*copy*/) {
+        return keep(json_kind::text, text, length);
+    }
+    bool Key(const char *text, rapidjson::SizeType length, bool /*copy*/) {
+        return keep(json_kind::text, text, length);
+    }
+    bool StartObject() { return open(json_kind::object); }
+    bool StartArray() { return open(json_kind::array); }
+    bool EndObject(rapidjson::SizeType members) { return close(members); }
+    bool EndArray(rapidjson::SizeType elements) { return close(elements); }
+    // Numbers come as raw text; the reader still needs these.
+    bool Int(int) { return false; }
+    bool Uint(unsigned) { return false; }
+    bool Int64(std::int64_t) { return false; }
+    bool Uint64(std::uint64_t) { return false; }
+    bool Double(double) { return false; }
+
+    // Texts may have moved while they were collected: gives the nodes their final place.
+    void settle() {
+        std::size_t at = 0;
+        for (json_node &node : out_.nodes_) {
+            if (node.kind == json_kind::text || node.kind == json_kind::number) {
+                node.text = {out_.texts_.data() + at, node.count};
+                at += node.count;
+                node.count = 0;
+            }
+        }
+    }
+
+private:
+    bool leaf(json_kind kind) {
+        json_node node;
+        node.kind = kind;
+        node.offset = static_cast<std::uint32_t>(stream_.Tell());
+        out_.nodes_.push_back(node);
+        out_.nodes_.back().next = static_cast<std::uint32_t>(out_.nodes_.size());
+        return true;
+    }
+    bool keep(json_kind kind, const char *text, rapidjson::SizeType length) {
+        leaf(kind);
+        out_.nodes_.back().count = length;  // until settle()
+        out_.texts_.insert(out_.texts_.end(), text, text + length);
+        return true;
+    }
+    bool open(json_kind kind) {
+        open_.push_back(static_cast<std::uint32_t>(out_.nodes_.size()));
+        return leaf(kind);
+    }
+    bool close(rapidjson::SizeType count) {
+        json_node &node = out_.nodes_[open_.back()];
+        open_.pop_back();
+        node.count = count;
+        node.next = static_cast<std::uint32_t>(out_.nodes_.size());
+        return true;
+    }
+
+    json_document &out_;
+    const rapidjson::StringStream &stream_;
+    std::vector<std::uint32_t> open_;
+};
+
+bool json_document::read(const char *begin, std::size_t *length, const char **problem) {
+    rapidjson::StringStream stream(begin);
+    rapidjson::Reader reader;
+    json_builder builder(this, stream);
+    const rapidjson::ParseResult result = reader.Parse<PARSE_FLAGS>(stream, builder);
+    if (result.Code() == rapidjson::kParseErrorDocumentEmpty) {
+        *length = 0;
+        return true;
+    }
+    if (result.IsError()) {
+        *length = result.Offset();
+        *problem = rapidjson::GetParseError_En(result.Code());
+        return false;
+    }
+    builder.settle();
+    *length = stream.Tell();
+    return true;
+}
+
+}  // namespace perf_store

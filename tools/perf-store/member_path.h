@@ -1,0 +1,54 @@
+// Where in a document an error stands: "item.record.CandidatePaths[2].Preference".
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace perf_store {
+
+// What is wrong with a document, and at which byte of it.
+class input_error : public std::runtime_error {
+public:
+    input_error(const std::string &what, std::size_t offset) : std::runtime_error(what), offset_(offset) {}
+    [[nodiscard]] std::size_t offset() const { return offset_; }
+
+private:
+    std::size_t offset_;
+};
+
+// The members that are being read, outermost first.
+class member_path {
+public:
+    void enter(std::string_view name) { steps_.push_back({name, 0}); }
+    void enter(std::uint32_t index) { steps_.push_back({{}, index}); }
+    void leave() { steps_.pop_back(); }
+    void clear() { steps_.clear(); }
+
+    // Throws an input_error that names the path.
+    [[noreturn]] void fail(const std::string &what, std::size_t offset) const { throw input_error(text() + what, offset); }
+
+private:
+    struct step {
+        std::string_view name;  // empty for an element of an array
+        std::uint32_t index;
+    };
+
+    [[nodiscard]] std::string text() const {
+        std::string result;
+        for (const step &each : steps_) {
+            if (each.name.empty()) {
+                result += "[" + std::to_string(each.index) + "]";
+            } else {
+                result += (result.empty() ? "" : ".") + std::string(each.name);
+            }
+        }
+        return result.empty() ? result : result + ": ";
+    }
+
+    std::vector<step> steps_;
+};
+
+}  // namespace perf_store

@@ -1,0 +1,97 @@
+// See store_reader.h.
+#include "store_reader.h"
+
+#include <cstring>
+#include <vector>
+
+namespace perf_store {
+
+namespace {
+
+constexpr std::size_t BATCH_BYTES = 1 << 20;
+
+struct entry {
+    std::size_t key_length;
+    std::size_t value_length;
+};
+
+// Keys and values of one batch, one behind the other.
+struct batch {
+    std::vector<char> bytes;
+    std::vector<entry> entries;
+};
+
+errcode read_batch(store::environment *store, std::string_view prefix, std::string_view after, batch *out) {
+    out->bytes.clear();
+    out->entries.clear();
+    return store->read([&](const store::view &state) {
+        return state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
+            if (out->bytes.size() >= BATCH_BYTES) {
+                return false;
+            }
+            const std::size_t at = out->bytes.size();
+            out->bytes.resize(at + key.size() + value.size());
+            std::memcpy(out->bytes.data() + at, key.data(), key.size());
+            std::memcpy(out->bytes.data() + at + key.size(), value.data(), value.size());
+            out->entries.push_back({key.size(), value.size()});
+            return true;
+        });
+    });
+}
+
+}  // namespace
+
+std::string describe_store(errcode code) {
+    return std::string(store::configured_url()) + ": " + errcode_strerror(code);
+}
+
+std::string for_each_key(std::string_view prefix,
+                         const std::function<std::string(std::string_view, std::string_view)> &visit) {
+    store::environment *store = nullptr;
+    if (const errcode failure = store::environment::shared(&store); failure != ERRCODE_SUCCESS) {
+        return describe_store(failure);
+    }
+    batch batch;
+    std::string last;
+    do {
+        if (const errcode failure = read_batch(store, prefix, last, &batch); failure != ERRCODE_SUCCESS) {
+            return describe_store(failure);
+        }
+        const char *at = batch.bytes.data();
+        for (const entry &each : batch.entries) {
+            const std::string_view key(at, each.key_length);
+            if (key <= std::string_view(last)) {  // a damaged tree could go round in circles
+                return describe_store(OPSTORE_DAMAGED);
+            }
+            last = key;
+            if (std::string stop = visit(key, {at + each.key_length, each.value_length}); !stop.empty()) {
+                return stop;
+            }
+            at += each.key_length + each.value_length;
+        }
+    } while (!batch.entries.empty());
+    return "";
+}
+
+std::uint32_t parse_number(std::string_view text) {
+    std::uint32_t number = 0;
+    for (const char byte : text.substr(0, sizeof number)) {
+        number = number << 8 | static_cast<std::uint8_t>(byte);
+    }
+    return number;
+}
+
+item_key parse_item_key(std::string_view key) {
+    constexpr std::size_t ROOT_AT = 1;
+    constexpr std::size_t NODE_AT = 2;
+    constexpr std::size_t PATH_AT = NODE_AT + sizeof(std::uint32_t);
+    item_key result{};
+    for (const store::root_name &each : store::ROOTS) {
+        if (key.size() >= PATH_AT && key[ROOT_AT] == static_cast<char>(each.id)) {
+            result = {each, parse_number(key.substr(NODE_AT)), key.substr(PATH_AT)};
+        }
+    }
+    return result;
+}
+
+}  // namespace perf_store

@@ -1,0 +1,34 @@
+// The store read in batches: whatever waits for output, no transaction is open.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/local/store.h"
+
+namespace perf_store {
+
+// Says what is wrong with the store that `url` names, as the user should read it.
+[[nodiscard]] std::string describe_store(errcode code);
+
+// Calls visit(key, value) for every key that begins with `prefix`, in order. Each batch is one
+// consistent state. Stops when visit returns a text, which is the result; a failure of the store gives
+// its description.
+[[nodiscard]] std::string for_each_key(std::string_view prefix,
+                                       const std::function<std::string(std::string_view key, std::string_view value)> &visit);
+
+// An item's key taken apart.
+struct item_key {
+    store::root_name root;
+    std::uint32_t node;
+    std::string_view path;
+};
+[[nodiscard]] item_key parse_item_key(std::string_view key);
+// A publisher's key has the same form without a path.
+
+// The big-endian number at the front of `text`.
+[[nodiscard]] std::uint32_t parse_number(std::string_view text);
+
+}  // namespace perf_store
