@@ -4,14 +4,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <lmdb.h>
 #include <string>
 #include <vector>
 
-#include "platform/local/local_store_descriptors.h"
-#include "platform/local/local_store_records.h"
-#include "platform/local/parcel_codec.h"
 #include "platform/local/store.h"
+#include "platform/local/store_writer.h"
 #include "platform/opstore.h"
 #include "sample_records.h"
 #include "schema/pm_descriptors.h"
@@ -28,12 +25,6 @@ void require(bool condition) {
     }
 }
 
-void put(MDB_txn *txn, MDB_dbi table, const std::string &key, const void *data, std::size_t size) {
-    MDB_val k{key.size(), const_cast<char *>(key.data())};
-    MDB_val v{size, const_cast<void *>(data)};
-    require(mdb_put(txn, table, &k, &v, 0) == 0);
-}
-
 // A store of ITEMS interfaces, made once and removed at exit.
 class sample_store {
 public:
@@ -41,16 +32,15 @@ public:
         char name[] = "/tmp/perf-bench-XXXXXX";
         require(mkdtemp(name) != nullptr);
         folder_ = name;
-        setenv("OPSTORE_URL", ("lmdb:" + folder_).c_str(), 1);
-        MDB_env *env = nullptr;
-        MDB_txn *txn = nullptr;
-        MDB_dbi table = 0;
-        require(mdb_env_create(&env) == 0 && mdb_env_set_mapsize(env, 1UL << 30) == 0);
-        require(mdb_env_open(env, name, 0, 0600) == 0 && mdb_txn_begin(env, nullptr, 0, &txn) == 0);
-        require(mdb_dbi_open(txn, nullptr, 0, &table) == 0);
-        fill(txn, table);
-        require(mdb_txn_commit(txn) == 0);
-        mdb_env_close(env);
+        const std::string url = "lmdb:" + folder_;
+        setenv("OPSTORE_URL", url.c_str(), 1);
+        store::writer writer;
+        require(writer.begin(url.c_str()).empty());
+        for (std::uint32_t i = 0; i < ITEMS; ++i) {
+            const std::string path = "intf/detail/eth0/1/0/" + std::to_string(i);
+            require(writer.put_item(store::root::main, 1, path, &sample_interface(), pm_intf_parcel_descriptor()).empty());
+        }
+        require(writer.commit().empty());
     }
     ~sample_store() { std::filesystem::remove_all(folder_); }
     sample_store(const sample_store &) = delete;
@@ -62,19 +52,6 @@ public:
     }
 
 private:
-    static void fill(MDB_txn *txn, MDB_dbi table) {
-        std::vector<std::uint8_t> parcel;
-        const local_publisher running{};
-        put(txn, table, store::key(store::key_space::format), store::FORMAT, std::strlen(store::FORMAT));
-        require(parcel_encode(&running, local_publisher_descriptor(), &parcel) == 0);
-        put(txn, table, branch_key(store::key_space::publisher, store::root::main, 1), parcel.data(), parcel.size());
-        parcel.clear();
-        require(parcel_encode(&sample_interface(), pm_intf_parcel_descriptor(), &parcel) == 0);
-        for (std::uint32_t i = 0; i < ITEMS; ++i) {
-            put(txn, table, prefix() + "eth0/1/0/" + std::to_string(i), parcel.data(), parcel.size());
-        }
-    }
-
     std::string folder_;
 };
 

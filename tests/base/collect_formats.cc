@@ -33,6 +33,19 @@ void collect(const std::string &text, std::set<std::string> *formats) {
     }
 }
 
+// The calls of printing routines that name no format where it can be seen; there must be none.
+bool hides_a_format(const std::string &text) {
+    for (const char *call : {"pm_print<", "pm_print_indented<", "pm_print_error<", "pm_format_text<"}) {
+        for (std::size_t at = text.find(call); at != std::string::npos; at = text.find(call, at + 1)) {
+            const std::size_t behind = at + std::string(call).size();
+            if (text[behind] != '"' && text.compare(behind, 6, "Format") != 0) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -43,7 +56,12 @@ int main(int argc, char **argv) {
             std::cerr << "collect_formats: cannot read " << argv[i] << "\n";
             return 1;
         }
-        collect(std::string(std::istreambuf_iterator<char>(in), {}), &formats);
+        const std::string text(std::istreambuf_iterator<char>(in), {});
+        if (hides_a_format(text)) {
+            std::cerr << "collect_formats: " << argv[i] << ": a format must stand right behind the '<'\n";
+            return 1;
+        }
+        collect(text, &formats);
     }
     for (const std::string &format : formats) {
         std::cout << "check<" << format << ">();\n";

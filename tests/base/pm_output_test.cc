@@ -110,6 +110,22 @@ TEST(OutputDeath, AnAssertionWritesOutWhatWasPrintedAndNamesItsPlace) {
         "printed before\nAssertion failed: NULL != time, pm_utils:[0-9]+, f\\(time\\)\n");
 }
 
+TEST(OutputDeath, AnAssertionReportsAndAbortsAlsoWhenNobodyReads) {
+    EXPECT_DEATH(
+        {
+            int pipe_ends[2];
+            if (pipe(pipe_ends) != 0) {
+                std::_Exit(9);
+            }
+            std::signal(SIGPIPE, SIG_IGN);
+            close(pipe_ends[0]);
+            dup2(pipe_ends[1], STDOUT_FILENO);
+            pm_print<"printed before\n">();
+            PM_ASSERT(false, "NULL != time", "pm_utils", "f(time)");
+        },
+        "^Assertion failed: NULL != time, pm_utils:[0-9]+, f\\(time\\)\n$");
+}
+
 TEST(Output, AnAssertionThatHoldsDoesNothing) { PM_ASSERT(true, "true", "pm_utils", "f()"); }
 
 }  // namespace

@@ -26,6 +26,7 @@ protected:
     void SetUp() override {
         reset_platform_fake();
         reset_platform_text_fake();
+        free_texts();
         pm_show_options = {};
         pm_show_opstore_handle = nullptr;
         pm_show_opstore_present = 0;

@@ -128,6 +128,12 @@ TEST_F(WalkerTest, APartnerThatCannotBeFoundLeavesNoNodeOut) {
     EXPECT_EQ(output.err, "");
 }
 
+TEST_F(WalkerTest, WithoutAPartnerNoNodeIsLeftOut) {
+    fake.partner = NODEID_NONE;
+    fake.nodes = {{1}, {NODEID_NONE}};
+    EXPECT_EQ(walk(single_request()).out, walked({"lc1", "lc4294967295"}, "\n"));
+}
+
 TEST_F(WalkerTest, NodesWhoseSoftwareIsNotUpPrintNothing) {
     fake.nodes[0].sw_state = 5;
     fake.nodes[1].state_code = 41;

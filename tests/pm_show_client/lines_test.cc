@@ -130,6 +130,13 @@ TEST_F(TimeText, ANanosecondStampReadsItsDateAsMilliseconds) {
     EXPECT_STREQ(pm_time_nsec_str(5), "Jan 01 1970 00:00:00.000000005");
 }
 
+TEST_F(TimeText, TheTwoKindsDoNotOverwriteEachOther) {
+    const char *msec = pm_time_str(1);
+    const char *nsec = pm_time_nsec_str(2);
+    EXPECT_STREQ(msec, "Jan 01 1970 00:00:00.001");
+    EXPECT_STREQ(nsec, "Jan 01 1970 00:00:00.000000002");
+}
+
 TEST_F(TimeText, TwoInOneStatementAreTheLaterOne) {
     const char *first = pm_time_str(1);
     const char *second = pm_time_str(2);

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "pm_utils/text_ring.h"
+
 namespace {
 
 constexpr pm_address_type ETHERNET{1, {0x00, 0x1A, 0xB2, 0x33, 0x44, 0xFF}};
@@ -137,6 +139,14 @@ TEST(PrefixStr, AppendsTheLength) {
 TEST(PrefixStr, LengthIsAByteWhateverTheFamily) {
     const pm_prefix_t prefix{2, 255, {10, 1}};
     EXPECT_STREQ(pm_prefix_str(&prefix), "10.1.0.0/255");
+}
+
+TEST(PrefixStr, LastByteOfItsSlotIsCleared) {
+    const pm_prefix_t prefix{2, 16, {10, 1}};
+    for (std::size_t slot = 0; slot < PM_TEXT_RING_SLOTS; ++slot) {
+        pm_next_text_slot()[255] = 'x';
+    }
+    EXPECT_EQ(pm_prefix_str(&prefix)[255], '\0');
 }
 
 TEST(PrefixStr, NullIsTheEmptyPrefix) {

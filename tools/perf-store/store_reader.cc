@@ -64,7 +64,8 @@ std::string for_each_key(std::string_view prefix,
                 return describe_store(OPSTORE_DAMAGED);
             }
             last = key;
-            if (std::string stop = visit(key, {at + each.key_length, each.value_length}); !stop.empty()) {
+            const std::string_view value(at + each.key_length, each.value_length);
+            if (std::string stop = visit(key, store::unseal(key, value)); !stop.empty()) {
                 return stop;
             }
             at += each.key_length + each.value_length;

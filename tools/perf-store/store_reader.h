@@ -13,11 +13,11 @@ namespace perf_store {
 // Says what is wrong with the store that `url` names, as the user should read it.
 [[nodiscard]] std::string describe_store(errcode code);
 
-// Calls visit(key, value) for every key that begins with `prefix`, in order. Each batch is one
-// consistent state. Stops when visit returns a text, which is the result; a failure of the store gives
+// Calls visit(key, parcel) for every record whose key begins with `prefix`, in order. Each batch is one
+// consistent state. A value that is not its key's is visited as an empty parcel. Stops when visit returns a text, which is the result; a failure of the store gives
 // its description.
 [[nodiscard]] std::string for_each_key(std::string_view prefix,
-                                       const std::function<std::string(std::string_view key, std::string_view value)> &visit);
+                                       const std::function<std::string(std::string_view key, std::string_view parcel)> &visit);
 
 // An item's key taken apart.
 struct item_key {

@@ -185,8 +185,7 @@ inline void convert(field &out, Argument argument, int precision) {
         out.length = precision >= 0 ? ::strnlen(text, static_cast<std::size_t>(precision)) : std::strlen(text);
     } else {
         static_assert(std::is_integral_v<Argument> || std::is_enum_v<Argument>, "a number conversion takes a number");
-        using wide = std::conditional_t<std::is_signed_v<Argument>, std::int64_t, std::uint64_t>;
-        const auto value = static_cast<std::uint64_t>(static_cast<wide>(argument));
+        const auto value = static_cast<std::uint64_t>(argument);
         char *end = out.digits.data() + out.digits.size();
         char *begin = end;
         if constexpr (Piece.conversion == 'c') {
@@ -276,7 +275,7 @@ inline void write_piece(Writer &writer, const prepared<Format> &text) {
         writer.put(Format.text + Piece.begin, Piece.length);
     } else {
         const field &field = text.fields[Index];
-        if constexpr (Piece.width != NONE && !(Piece.left && Piece.width != ARGUMENT)) {
+        if constexpr (Piece.width != NONE && !Piece.left) {
             writer.fill(' ', field.blanks_before);
         }
         if constexpr (Piece.conversion == 'd') {
@@ -379,7 +378,7 @@ inline void pm_format(Writer &writer, Arguments... arguments) {
     pm_format_detail::write<Format>(writer, text);
 }
 
-// Formats into a buffer of `size` bytes, terminator included; a text that does not fit is cut.
+// Formats into a buffer of `size` bytes, at least one, terminator included; a text that does not fit is cut.
 // Returns the length of what was written.
 template <pm_format_literal Format, class... Arguments>
 inline std::size_t pm_format_text(char *buffer, std::size_t size, Arguments... arguments) {

@@ -49,8 +49,8 @@ void choose_nodes(pm_show_nodes nodes) {
     if (nodes == pm_show_nodes::LOCAL) {
         pm_show_options.local_node_only = true;
     }
-    if (nodes == pm_show_nodes::INTERFACE && pm_show_options.name != nullptr) {
-        static_cast<void>(pm_show_resolve_node());  // without the interface's node all nodes are read
+    if (nodes == pm_show_nodes::INTERFACE) {
+        static_cast<void>(pm_show_resolve_node());  // without an interface, or its node, all nodes are read
     }
 }
 

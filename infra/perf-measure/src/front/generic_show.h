@@ -25,8 +25,9 @@ extern opstore_handle pm_show_opstore_handle;
 // 1 once the store's client has been found usable; it is not tested again.
 extern std::uint8_t pm_show_opstore_present;
 
-// Reads one node. A listing gives 0 once its record is allocated; a single item gives the display's
-// result, ERRCODE_NOT_FOUND, the decode error, or 0 when the store's answer was reported.
+// Reads one node. A listing gives 0 once its record is allocated, ERRCODE_INVALID_ARGUMENT without
+// memory. A single item gives the display's result, the store's code when the store has no such
+// item, or the code of a failed decode; 0 without memory or for an item that is no parcel.
 // ERRCODE_INVALID_ARGUMENT for an incomplete request; else the code that kept the store from being
 // bound.
 //

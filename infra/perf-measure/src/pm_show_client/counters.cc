@@ -8,13 +8,11 @@ namespace {
 
 constexpr int STEP = 2;  // indent of a group's lines within it
 
-void print_heading(int indent, const char *heading) { pm_print<"%*s%s:\n">(indent, "", heading); }
-
 // Groups that the three kinds of sessions share; the records name these counters alike.
 
 template <class Counters>
 void print_packets(const Counters &counters, int indent) {
-    print_heading(indent, "Packets");
+    pm_print_heading(indent, "Packets");
     pm_print_counter(indent + STEP, "Total sent", counters.QueryPacketsSent);
     pm_print_counter(indent + STEP, "Total received", counters.QueryPacketsReceived);
 }
@@ -26,7 +24,7 @@ void print_error_totals(std::uint64_t sent, std::uint64_t received, int indent) 
 
 template <class Counters>
 void print_probes(const Counters &counters, int indent) {
-    print_heading(indent, "Probes");
+    pm_print_heading(indent, "Probes");
     pm_print_counter(indent + STEP, "Total started", counters.ProbesStarted);
     pm_print_counter(indent + STEP, "Total completed", counters.ProbesComplete);
     pm_print_counter(indent + STEP, "Total incomplete", counters.ProbesIncomplete);
@@ -120,14 +118,14 @@ void pm_show_error_reasons(const pm_delay_counters_info_parcel *counters, int di
         return;
     }
     if (direction == PM_DIRECTION_RX) {
-        print_heading(indent, "RX");
+        pm_print_heading(indent, "RX");
         print_probe_rx_reasons(counters->GenericCounters, indent + STEP);
         pm_print_counter(indent + STEP, "Reason control code error",
                          counters->GenericCounters.ReceivedPacketControlCodeError);
         pm_print_counter(indent + STEP, "Reason control code notif",
                          counters->GenericCounters.ReceivedPacketControlCodeNotification);
     } else if (direction == PM_DIRECTION_TX) {
-        print_heading(indent, "TX");
+        pm_print_heading(indent, "TX");
         print_delay_tx_reasons(*counters, indent + STEP);
     }
 }
@@ -138,10 +136,10 @@ void pm_show_srpolicy_liveness_reasons(const pm_srpolicy_liveness_counters_info_
         return;
     }
     if (direction == PM_DIRECTION_RX) {
-        print_heading(indent, "RX");
+        pm_print_heading(indent, "RX");
         print_probe_rx_reasons(*counters, indent + STEP);
     } else if (direction == PM_DIRECTION_TX) {
-        print_heading(indent, "TX");
+        pm_print_heading(indent, "TX");
         print_other_reason(counters->QueryPacketSentErrors, indent + STEP);
     }
 }
@@ -152,10 +150,10 @@ void pm_show_endpoint_liveness_reasons(const pm_endpoint_liveness_counters_info_
         return;
     }
     if (direction == PM_DIRECTION_RX) {
-        print_heading(indent, "RX");
+        pm_print_heading(indent, "RX");
         print_probe_rx_reasons(*counters, indent + STEP);
     } else if (direction == PM_DIRECTION_TX) {
-        print_heading(indent, "TX");
+        pm_print_heading(indent, "TX");
         print_missing_labels(counters->QueryPacketsSentErrorSlLabelMissing, indent + STEP);
         print_other_reason(counters->QueryPacketSentErrors, indent + STEP);
     }
@@ -163,7 +161,7 @@ void pm_show_endpoint_liveness_reasons(const pm_endpoint_liveness_counters_info_
 
 void pm_show_session_counters(const pm_delay_counters_info_parcel *counters, int indent) {
     print_packets(counters->GenericCounters, indent);
-    print_heading(indent, "Errors");
+    pm_print_heading(indent, "Errors");
     if (pm_show_options.detail) {
         pm_show_error_reasons(counters, PM_DIRECTION_TX, indent + 2 * STEP);
         pm_show_error_reasons(counters, PM_DIRECTION_RX, indent + 2 * STEP);
@@ -181,7 +179,7 @@ void pm_show_session_counters(const pm_delay_counters_info_parcel *counters, int
 
 void pm_show_srpolicy_liveness_counters(const pm_srpolicy_liveness_counters_info_parcel *counters, int indent) {
     print_packets(*counters, indent);
-    print_heading(indent, "Errors");
+    pm_print_heading(indent, "Errors");
     if (pm_show_options.detail) {
         pm_show_srpolicy_liveness_reasons(counters, PM_DIRECTION_TX, indent + 2 * STEP);
         pm_show_srpolicy_liveness_reasons(counters, PM_DIRECTION_RX, indent + 2 * STEP);
@@ -194,7 +192,7 @@ void pm_show_srpolicy_liveness_counters(const pm_srpolicy_liveness_counters_info
 
 void pm_show_endpoint_liveness_counters(const pm_endpoint_liveness_counters_info_parcel *counters, int indent) {
     print_packets(*counters, indent);
-    print_heading(indent, "Errors");
+    pm_print_heading(indent, "Errors");
     if (pm_show_options.detail) {
         pm_show_endpoint_liveness_reasons(counters, PM_DIRECTION_TX, indent + 2 * STEP);
         pm_show_endpoint_liveness_reasons(counters, PM_DIRECTION_RX, indent + 2 * STEP);

@@ -22,6 +22,8 @@ void calendar_text(std::uint64_t msec, char (&text)[CALENDAR_SIZE]) {
 
 }  // namespace
 
+void pm_print_heading(int indent, const char *heading) { pm_print<"%*s%s:\n">(indent, "", heading); }
+
 void pm_print_label_str(int width, int indent, const char *label, const char *text) {
     pm_print_indented<"%-*s: %s\n">(indent, width - indent, label, text);
 }

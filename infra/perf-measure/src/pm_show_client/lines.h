@@ -45,6 +45,9 @@ inline void pm_print_indented(int indent, Arguments... arguments) {
     }
 }
 
+// A heading: `indent` blanks, the text and a colon. It is not cut.
+void pm_print_heading(int indent, const char *heading);
+
 // Label lines. The unit that callers pass ("%", "pkts") is not printed.
 void pm_print_label_str(int width, int indent, const char *label, const char *text);
 void pm_print_label_u32(int width, int indent, const char *label, std::uint32_t value, const char *unit);
@@ -57,7 +60,8 @@ void pm_print_counter(int indent, const char *label, std::uint64_t value);
 void pm_print_label_address(const char *label, const pm_record_address &address, int indent, int width);
 
 // Text of a time stamp in milliseconds since the epoch, "Mar 05 2024 14:03:07.042" in the local
-// time zone; "N/A" for 0, which means never. The text stands in one static buffer of each routine.
+// time zone; "N/A" for 0, which means never. Each of the two routines has one static buffer, which
+// its next text overwrites (0 leaves it alone): one of each may be live in a statement.
 [[nodiscard]] const char *pm_time_str(std::uint64_t msec);
 
 // Text of a hop's time stamp. The date reads the value as milliseconds, the fraction of nine digits

@@ -11,10 +11,8 @@ namespace {
 
 constexpr std::int32_t CHECKPOINT_OPERATION_QUEUE = 2;  // of pm_queue_type_str
 
-void print_title(int indent, const char *title) { pm_print<"%*s%s:\n">(indent, "", title); }
-
-// A title of two words, "SR Policy Liveness Detection".
-void print_title(int indent, const char *first, const char *second) {
+// A heading of two parts, "SR Policy Liveness Detection".
+void print_heading(int indent, const char *first, const char *second) {
     pm_print<"%*s%s %s:\n">(indent, "", first, second);
 }
 
@@ -24,8 +22,6 @@ void print_u32(int indent, const char *label, std::uint32_t value) {
     pm_print_label_u32(PM_COUNTER_WIDTH, indent, label, value, "");
 }
 
-void print_u64(int indent, const char *label, std::uint64_t value) { pm_print_counter(indent, label, value); }
-
 // A 64-bit count that the report shows with its low 32 bits.
 void print_low_u32(int indent, const char *label, std::uint64_t value) {
     print_u32(indent, label, static_cast<std::uint32_t>(value));
@@ -34,16 +30,16 @@ void print_low_u32(int indent, const char *label, std::uint64_t value) {
 // The internal state of the process ---------------------------------------------------------------
 
 void print_checkpoint_queue(const pm_operation_queue &queue) {
-    print_title(2, pm_queue_type_str(CHECKPOINT_OPERATION_QUEUE));
+    pm_print_heading(2, pm_queue_type_str(CHECKPOINT_OPERATION_QUEUE));
     print_u32(4, "Size", queue.QueueSize);
     print_u32(4, "Enqueues", queue.NumberOfEnqueues);
     print_u32(4, "High water mark", queue.HighWaterMark);
-    // The report has a number here, not a calendar text; scripts parse it.
+    // A number without a meaning stands here, where a calendar text would belong; any number serves.
     print_low_u32(4, "High water mark time", queue.HighWaterMarkTS);
 }
 
 void print_timer_drift(const pm_summary_timer_drift_parcel &drift) {
-    print_title(2, "TX timer drift statistics");
+    pm_print_heading(2, "TX timer drift statistics");
     pm_print_indented<"%-44s: %u msec\n">(4, "Average drift", drift.AverageTimerDrift);
     pm_print_indented<"%-44s: %u msec\n">(4, "Maximum drift", drift.MaximumTimerDrift);
     pm_print_indented<"%-44s: %s\n">(4, "Time of maximum drift", pm_time_str(drift.MaximumTimerDriftTimestamp));
@@ -51,7 +47,7 @@ void print_timer_drift(const pm_summary_timer_drift_parcel &drift) {
 }
 
 void print_infrastructure(const pm_summary_parcel &summary) {
-    print_title(0, "Performance-Measurement Infrastructure Information");
+    pm_print_heading(0, "Performance-Measurement Infrastructure Information");
     print_checkpoint_queue(summary.CheckpointOperationQueue);
     print_timer_drift(summary.TXTimerDrift);
     print_empty_line();
@@ -60,7 +56,7 @@ void print_infrastructure(const pm_summary_parcel &summary) {
 // The sessions that the CPU runs ------------------------------------------------------------------
 
 void print_totals(const pm_summary_parcel &summary) {
-    print_title(0, "Measurement Information");
+    pm_print_heading(0, "Measurement Information");
     print_u32(2, "Total interfaces with PM sessions", summary.TotalInterfaces);
     print_u32(2, "Total SR Policies with PM sessions", summary.TotalSRPolicies);
     print_u32(2, "Total Endpoints with PM sessions", summary.TotalEndpoints);
@@ -70,7 +66,7 @@ void print_totals(const pm_summary_parcel &summary) {
 
 void print_delay(pm_transport_type_e transport, const pm_delay_transport_summary_parcel &summary) {
     const pm_delay_session_counter_parcel &sessions = summary.DelaySessionCounters;
-    print_title(4, pm_transport_type_str(transport), "Delay-Measurement");
+    print_heading(4, pm_transport_type_str(transport), "Delay-Measurement");
     print_u32(6, "Total sessions", sessions.TotalDelaySessions);
     print_u32(8, "Total running sessions", sessions.TotalProbeRunningDelaySessions);
     print_u32(8, "Total running IPv4 sessions", sessions.TotalProbeRunningIPv4DelaySessions);
@@ -78,7 +74,7 @@ void print_delay(pm_transport_type_e transport, const pm_delay_transport_summary
     print_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningSRv6DelaySessions);
     print_u32(8, "Total running MPLS sessions", sessions.TotalProbeRunningMPLSDelaySessions);
     print_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorDelaySessions);
-    print_title(6, "Counters");
+    pm_print_heading(6, "Counters");
     pm_show_session_counters(&summary.DelayTransportCounters, 8);
     print_empty_line();
 }
@@ -93,7 +89,7 @@ void print_delays(const pm_delay_summary_parcel &summary) {
 // The lines that liveness sessions of both transports begin with.
 template <class Sessions>
 void print_liveness_sessions(pm_transport_type_e transport, const Sessions &sessions) {
-    print_title(4, pm_transport_type_str(transport), pm_measurement_type_str(PM_MEASUREMENT_LIVENESS));
+    print_heading(4, pm_transport_type_str(transport), pm_measurement_type_str(PM_MEASUREMENT_LIVENESS));
     print_u32(6, "Total sessions", sessions.TotalSessions);
     print_u32(8, "Total running sessions", sessions.TotalProbeRunningSessions);
     print_u32(8, "Total running IPv4 sessions", sessions.TotalProbeRunningIPv4Sessions);
@@ -107,7 +103,7 @@ void print_srpolicy_liveness(const pm_srpolicy_liveness_summary_parcel &summary)
     print_u32(8, "Total running SR-MPLS sessions", sessions.TotalProbeRunningIPv4Sessions);
     print_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningIPv6Sessions);
     print_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorSessions);
-    print_title(6, "Counters");
+    pm_print_heading(6, "Counters");
     pm_show_srpolicy_liveness_counters(&summary.SRPolicyLivenessTransportCounters, 8);
     print_empty_line();
 }
@@ -117,36 +113,36 @@ void print_endpoint_liveness(const pm_endpoint_liveness_summary_parcel &summary)
     print_liveness_sessions(PM_TRANSPORT_ENDPOINT, sessions);
     print_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningSRv6Sessions);
     print_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorSessions);
-    print_title(6, "Counters");
+    pm_print_heading(6, "Counters");
     pm_show_endpoint_liveness_counters(&summary.EndpointLivenessTransportCounters, 8);
     print_empty_line();
 }
 
 void print_global_counters(const pm_cpu_global_counters_parcel &counters) {
-    print_title(4, "Global Counters");
-    print_u64(6, "Total packets sent", counters.QueryPacketsSent);
-    print_u64(6, "Total query packets received", counters.QueryPacketsReceived);
-    print_u64(6, "Total invalid session id", counters.ReceivedPacketErrorInvalidSessionID);
-    print_u64(6, "Total missing session", counters.ReceivedPacketErrorNoSession);
+    pm_print_heading(4, "Global Counters");
+    pm_print_counter(6, "Total packets sent", counters.QueryPacketsSent);
+    pm_print_counter(6, "Total query packets received", counters.QueryPacketsReceived);
+    pm_print_counter(6, "Total invalid session id", counters.ReceivedPacketErrorInvalidSessionID);
+    pm_print_counter(6, "Total missing session", counters.ReceivedPacketErrorNoSession);
     print_empty_line();
 }
 
 void print_probe_sessions(const pm_probe_summary_parcel &summary) {
     const pm_probe_session_counters_parcel &sessions = summary.PT_PA_Sessions_counter;
     const pm_probe_session_packet_counters_parcel &packets = summary.PT_PA_pkt_counters;
-    print_title(4, "Probe sessions");
+    pm_print_heading(4, "Probe sessions");
     print_u32(6, "Total sessions", sessions.TotalSessions);
-    print_title(8, "Path-tracing sessions");
+    pm_print_heading(8, "Path-tracing sessions");
     print_u32(10, "Total running sessions", sessions.TotalProbeRunningPTSessions);
     print_u32(10, "Total running error sessions", sessions.TotalProbeRunningWithErrorPTSessions);
-    print_title(8, "Path-assurance sessions");
+    pm_print_heading(8, "Path-assurance sessions");
     print_u32(10, "Total running sessions", sessions.TotalProbeRunningPASessions);
     print_u32(10, "Total running error sessions", sessions.TotalProbeRunningWithErrorPASessions);
-    print_title(6, "Counters");
-    print_title(8, "Path-tracing packets");
+    pm_print_heading(6, "Counters");
+    pm_print_heading(8, "Path-tracing packets");
     print_low_u32(10, "Total sent", packets.PT_QueryPacketsSent);
     print_low_u32(10, "Total sent errors", packets.PT_QueryPacketSentErrors);
-    print_title(8, "Path-assurance packets");
+    pm_print_heading(8, "Path-assurance packets");
     print_low_u32(10, "Total sent", packets.PA_QueryPacketsSent);
     print_low_u32(10, "Total sent errors", packets.PA_QueryPacketSentErrors);
     print_empty_line();
@@ -155,7 +151,7 @@ void print_probe_sessions(const pm_probe_summary_parcel &summary) {
 // The sessions offloaded to NPUs ------------------------------------------------------------------
 
 void print_npu_sessions(const pm_npu_srpolicy_liveness_session_counters_parcel &sessions) {
-    print_title(6, pm_transport_type_str(PM_TRANSPORT_SR_POLICY), pm_measurement_type_str(PM_MEASUREMENT_LIVENESS));
+    print_heading(6, pm_transport_type_str(PM_TRANSPORT_SR_POLICY), pm_measurement_type_str(PM_MEASUREMENT_LIVENESS));
     print_u32(8, "Total sessions", sessions.TotalSessions);
     print_u32(10, "Sessions created successfully", sessions.TotalCreatedSessions);
     print_u32(10, "Sessions create pending", sessions.TotalPendingCreateSessions);
@@ -168,23 +164,23 @@ void print_npu_counters(const pm_npu_global_counters &counters) {
     const pm_npu_packet_counters_parcel &packets = counters.NPUPacketCounters;
     const pm_npu_notification_counters_parcel &notifications = counters.NPUNotificationCounters;
     print_empty_line();
-    print_title(6, "NPU Counters");
+    pm_print_heading(6, "NPU Counters");
     print_u32(8, "Total sessions", counters.TotalSessions);
-    print_title(8, "Packets");
-    print_u64(10, "Total packets sent", packets.TotalPacketsSent);
-    print_u64(10, "Total packets received", packets.TotalPacketsReceived);
-    print_u64(10, "Total packets errors", packets.TotalPacketsErrors);
-    print_title(6, "Notifications");
-    print_u64(8, "Total notification packets", notifications.TotalNotificationPackets);
-    print_u64(8, "Total session state notifications", notifications.TotalNotifications);
-    print_u64(10, "Liveness up notifications", notifications.TotalLivenessUpNotifications);
-    print_u64(10, "Liveness down notifications", notifications.TotalLivenessDownNotifications);
-    print_u64(10, "Malformed notifications", notifications.TotalMalformedNotifications);
-    print_u64(10, "Notifications with invalid session ID", notifications.TotalInvalidSessionIDNotifications);
+    pm_print_heading(8, "Packets");
+    pm_print_counter(10, "Total packets sent", packets.TotalPacketsSent);
+    pm_print_counter(10, "Total packets received", packets.TotalPacketsReceived);
+    pm_print_counter(10, "Total packets errors", packets.TotalPacketsErrors);
+    pm_print_heading(6, "Notifications");
+    pm_print_counter(8, "Total notification packets", notifications.TotalNotificationPackets);
+    pm_print_counter(8, "Total session state notifications", notifications.TotalNotifications);
+    pm_print_counter(10, "Liveness up notifications", notifications.TotalLivenessUpNotifications);
+    pm_print_counter(10, "Liveness down notifications", notifications.TotalLivenessDownNotifications);
+    pm_print_counter(10, "Malformed notifications", notifications.TotalMalformedNotifications);
+    pm_print_counter(10, "Notifications with invalid session ID", notifications.TotalInvalidSessionIDNotifications);
 }
 
 void print_npus(const parcel_array<pm_npu_summary_parcel> &npus) {
-    print_title(2, "NPU Offloaded Sessions");
+    pm_print_heading(2, "NPU Offloaded Sessions");
     for (const pm_npu_summary_parcel &npu : npus) {
         if (&npu != npus.begin()) {
             print_empty_line();
@@ -210,7 +206,7 @@ int pm_show_summary(const void *decoded_parcel) {
         print_infrastructure(summary);
     }
     print_totals(summary);
-    print_title(2, "CPU Sessions");
+    pm_print_heading(2, "CPU Sessions");
     if (delay || !liveness) {
         print_delays(summary.DelaySummary);
     }

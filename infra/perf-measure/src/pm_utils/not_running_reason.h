@@ -31,11 +31,11 @@ enum pm_query_error_class : std::int32_t {
 // The session is in error, not merely waiting for the interface's protocols or its next hop's MAC.
 [[nodiscard]] bool pm_not_running_reason_is_hard(pm_probe_running_error_reason reason);
 
-// An operator has to be told.
+// The session shows the reason.
 [[nodiscard]] bool pm_not_running_reason_is_reportable(pm_probe_running_error_reason reason);
 
-// Passes without anyone's doing.
+// The reason may pass by itself.
 [[nodiscard]] bool pm_not_running_reason_is_transient(pm_probe_running_error_reason reason);
 
-// Stays until the session is deleted. No reason is of this kind, so this is always false.
+// Always false: no reason is of this kind.
 [[nodiscard]] bool pm_not_running_reason_is_permanent(pm_probe_running_error_reason reason);

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Values under the keys of one space, in key order.
+// Parcels under the keys of one space, in key order.
 errcode read_all(store::key_space space, std::vector<std::string> *values) {
     store::environment *store = nullptr;
     if (const errcode failure = store::environment::shared(&store); failure != ERRCODE_SUCCESS) {
@@ -22,9 +22,10 @@ errcode read_all(store::key_space space, std::vector<std::string> *values) {
     }
     const std::string prefix = store::key(space);
     return store->read([&](const store::view &state) {
-        return state.scan(prefix, "", [&](std::string_view, std::string_view value) {
-            values->emplace_back(value.size(), '\0');
-            std::memcpy(values->back().data(), value.data(), value.size());
+        return state.scan(prefix, "", [&](std::string_view key, std::string_view value) {
+            const std::string_view parcel = store::unseal(key, value);
+            values->emplace_back(parcel.size(), '\0');
+            std::memcpy(values->back().data(), parcel.data(), parcel.size());
             return true;
         });
     });

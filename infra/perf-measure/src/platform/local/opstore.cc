@@ -1,9 +1,11 @@
 // The database client over the embedded store. See platform/opstore.h.
 #include "platform/opstore.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,23 +16,30 @@
 
 namespace {
 
-constexpr std::size_t BATCH_BYTES = 256 * 1024;  // a batch ends early once it holds this much
+constexpr std::size_t BATCH_BYTES = 256 * 1024;  // a batch ends early rather than grow beyond this
 
 // One item of a batch: where its key (terminated) and its data stand in the batch's bytes.
 struct listed_item {
-    std::size_t key_at;
-    std::size_t data_at;
-    std::uint32_t length;
+    std::uint32_t key_at;
+    std::uint32_t key_length;
+    std::uint32_t data_at;
+    std::uint32_t data_length;
 };
 
 }  // namespace
 
 struct opstore_list {
-    std::vector<char> bytes;
+    std::unique_ptr<char[]> bytes;
+    std::size_t capacity = 0;
+    std::size_t used = 0;
     std::vector<listed_item> items;
     std::size_t next = 0;
     bool more = false;
     opstore_bind *owner = nullptr;
+
+    [[nodiscard]] std::string_view key_of(const listed_item &item) const {
+        return {bytes.get() + item.key_at, item.key_length};
+    }
 };
 
 struct opstore_bind {
@@ -83,35 +92,52 @@ errcode publisher_code(store::environment *store, const opstore_bind *handle) {
     return failure != ERRCODE_SUCCESS ? failure : code_of_state(static_cast<store::publisher_state>(publisher.State));
 }
 
-// Appends `text` to the batch's bytes; returns where it stands.
-std::size_t append(opstore_list *list, std::string_view text) {
-    const std::size_t at = list->bytes.size();
-    list->bytes.resize(at + text.size());
-    if (!text.empty()) {
-        std::memcpy(list->bytes.data() + at, text.data(), text.size());
+// Makes room for an item; false when the batch is full. A first item always gets its room.
+bool make_room(opstore_list *list, std::size_t size) {
+    if (size <= list->capacity - list->used) {
+        return true;
     }
-    return at;
+    if (!list->items.empty()) {
+        return false;
+    }
+    list->capacity = std::max(size, BATCH_BYTES);
+    list->bytes = std::make_unique_for_overwrite<char[]>(list->capacity);
+    return true;
+}
+
+void append(opstore_list *list, std::string_view key, std::string_view data) {
+    char *to = list->bytes.get() + list->used;
+    const auto key_at = static_cast<std::uint32_t>(list->used);
+    const auto key_length = static_cast<std::uint32_t>(key.size());
+    std::memcpy(to, key.data(), key.size());
+    to[key.size()] = '\0';
+    if (!data.empty()) {
+        std::memcpy(to + key.size() + 1, data.data(), data.size());
+    }
+    list->items.push_back({key_at, key_length, key_at + key_length + 1, static_cast<std::uint32_t>(data.size())});
+    list->used += key.size() + 1 + data.size();
 }
 
 // Fills the list with up to `wanted` items that begin with `prefix` and come after `after`.
 errcode fill(store::environment *store, opstore_list *list, std::string_view prefix, std::string_view after,
              std::uint32_t wanted) {
     bool disordered = false;
+    std::string_view last = after.empty() ? after : after.substr(prefix.size());
+    list->items.reserve(wanted);
     const errcode failure = store->read([&](const store::view &state) {
-        return state.scan(prefix, after, [&](std::string_view key, std::string_view data) {
-            if (list->items.size() == wanted || list->bytes.size() >= BATCH_BYTES) {
+        return state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
+            const std::string_view name = key.substr(prefix.size());
+            if (list->items.size() == wanted || !make_room(list, name.size() + 1 + value.size())) {
                 list->more = true;
                 return false;
             }
-            key.remove_prefix(prefix.size());
             // A damaged tree could go round in circles; keys that ascend make every listing end.
-            if (!list->items.empty() && key <= std::string_view(list->bytes.data() + list->items.back().key_at)) {
+            if (name <= last) {
                 disordered = true;
                 return false;
             }
-            const std::size_t key_at = append(list, key);
-            list->bytes.push_back('\0');
-            list->items.push_back({key_at, append(list, data), static_cast<std::uint32_t>(data.size())});
+            append(list, name, store::unseal(key, value));
+            last = list->key_of(list->items.back());
             return true;
         });
     });
@@ -164,6 +190,7 @@ errcode opstore_datalist(opstore_handle handle, const char *item_path, const cha
     }
     const std::string after = (flags & OPSTORE_LIST_AFTER) != 0 ? resume_point(handle, prefix, start_key) : "";
     auto *result = new opstore_list(std::move(handle->spare));
+    handle->spare = {};
     result->owner = handle;
     failure = fill(store, result, prefix, after, *count);
     if (failure != ERRCODE_SUCCESS) {
@@ -172,7 +199,7 @@ errcode opstore_datalist(opstore_handle handle, const char *item_path, const cha
     }
     if (!result->items.empty()) {
         handle->listed_prefix = std::move(prefix);
-        handle->last_key = result->bytes.data() + result->items.back().key_at;
+        handle->last_key = result->key_of(result->items.back());
     }
     *count = static_cast<std::uint32_t>(result->items.size());
     *list = result;
@@ -185,10 +212,10 @@ errcode opstore_datalist_next(opstore_list *list, const char **key, std::uint32_
         return ERRCODE_NOT_FOUND;
     }
     const listed_item &item = list->items[list->next++];
-    *key = list->bytes.data() + item.key_at;
+    *key = list->bytes.get() + item.key_at;
     *data_type = OPSTORE_TYPE_PARCEL;
-    *data = list->bytes.data() + item.data_at;
-    *length = item.length;
+    *data = list->bytes.get() + item.data_at;
+    *length = item.data_length;
     *extra = 0;
     return ERRCODE_SUCCESS;
 }
@@ -204,8 +231,8 @@ errcode opstore_datalist_free(opstore_list *list) {
     }
     opstore_list &spare = list->owner->spare;
     spare.bytes = std::move(list->bytes);
+    spare.capacity = list->capacity;
     spare.items = std::move(list->items);
-    spare.bytes.clear();
     spare.items.clear();
     delete list;
     return ERRCODE_SUCCESS;
@@ -225,7 +252,7 @@ errcode opstore_item_get(opstore_handle handle, const char *item_path, std::uint
     std::vector<char> parcel;
     failure = store->read([&](const store::view &state) {
         std::string_view value;
-        const errcode code = state.get(key, &value);
+        const errcode code = state.get_parcel(key, &value);
         if (code == ERRCODE_SUCCESS) {
             parcel.resize(value.size());
             std::memcpy(parcel.data(), value.data(), value.size());

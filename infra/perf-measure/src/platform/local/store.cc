@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/local/checksum.h"
 #include "platform/local/parcel_codec.h"
 
 namespace store {
@@ -104,6 +105,31 @@ errcode view::get(std::string_view key, std::string_view *value) const {
     return code_of(failure);
 }
 
+errcode view::get_parcel(std::string_view key, std::string_view *parcel) const {
+    std::string_view value;
+    const errcode failure = get(key, &value);
+    if (failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    *parcel = unseal(key, value);
+    return parcel->empty() ? OPSTORE_DAMAGED : ERRCODE_SUCCESS;
+}
+
+void seal(std::string_view key, std::string_view parcel, std::vector<std::uint8_t> *value) {
+    const std::uint64_t sum = checksum(key.data(), key.size());
+    value->resize(sizeof sum + parcel.size());
+    std::memcpy(value->data(), &sum, sizeof sum);
+    std::memcpy(value->data() + sizeof sum, parcel.data(), parcel.size());
+}
+
+std::string_view unseal(std::string_view key, std::string_view value) {
+    const std::uint64_t sum = checksum(key.data(), key.size());
+    if (value.size() < sizeof sum || std::memcmp(value.data(), &sum, sizeof sum) != 0) {
+        return {};
+    }
+    return value.substr(sizeof sum);
+}
+
 errcode check_file(const char *folder) {
     const std::string path = std::string(folder) + "/data.mdb";
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -195,7 +221,7 @@ errcode environment::get_record(std::string_view key, void *record, const parcel
     std::vector<std::uint8_t> parcel;
     const errcode failure = read([&](const view &state) {
         std::string_view value;
-        const errcode code = state.get(key, &value);
+        const errcode code = state.get_parcel(key, &value);
         if (code == ERRCODE_SUCCESS) {
             parcel.resize(value.size());
             std::memcpy(parcel.data(), value.data(), value.size());

@@ -62,6 +62,12 @@ enum class publisher_state : std::uint32_t { running, stopped, unreachable, star
 // The errcode of an LMDB or system failure.
 [[nodiscard]] errcode code_of(int failure);
 
+// A record is kept as the checksum of its key and its parcel, so that a record that has come to stand
+// under another key is noticed. `seal` makes such a value; `unseal` gives the parcel, empty when the
+// value is not that key's.
+void seal(std::string_view key, std::string_view parcel, std::vector<std::uint8_t> *value);
+[[nodiscard]] std::string_view unseal(std::string_view key, std::string_view value);
+
 // One consistent state of the store, inside environment::read. Views point into the store's map.
 class view {
 public:
@@ -69,6 +75,8 @@ public:
 
     // ERRCODE_NOT_FOUND when there is no such key.
     [[nodiscard]] errcode get(std::string_view key, std::string_view *value) const;
+    // The parcel of a record; OPSTORE_DAMAGED when another key's value stands there.
+    [[nodiscard]] errcode get_parcel(std::string_view key, std::string_view *parcel) const;
 
     // Calls visit(key, value) for the keys that begin with `prefix`, in order, from the first one
     // after `after` (from the first of all when it is empty), until visit returns false.

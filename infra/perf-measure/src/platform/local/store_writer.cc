@@ -180,7 +180,7 @@ problem writer::read_inventory() {
                 position = position << 8 | static_cast<std::uint8_t>(byte);
             }
             positions.push_back(position);
-            parcels.emplace_back(value);
+            parcels.emplace_back(unseal(found, value));
             return true;
         });
         return code == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED;
@@ -233,7 +233,8 @@ problem writer::put_record(std::string_view key, const void *record, const parce
     if (problem failure = keep_schema(descriptor); !failure.empty()) {
         return failure;
     }
-    return put(key, {reinterpret_cast<const char *>(parcel_.data()), parcel_.size()});
+    seal(key, {reinterpret_cast<const char *>(parcel_.data()), parcel_.size()}, &value_);
+    return put(key, {reinterpret_cast<const char *>(value_.data()), value_.size()});
 }
 
 problem writer::keep_schema(const parcel_descriptor *descriptor) {

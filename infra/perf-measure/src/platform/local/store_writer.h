@@ -68,7 +68,8 @@ private:
     std::vector<std::pair<std::uint32_t, std::uint32_t>> nodes_;  // id and position
     std::set<const parcel_descriptor *> kept_schemas_;
     std::set<std::pair<root, std::uint32_t>> known_branches_;
-    std::vector<std::uint8_t> parcel_;
+    std::vector<std::uint8_t> parcel_;  // of the record being written, and its sealed value
+    std::vector<std::uint8_t> value_;
 };
 
 }  // namespace store
