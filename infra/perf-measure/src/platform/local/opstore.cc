@@ -121,8 +121,6 @@ void append(opstore_list *list, std::string_view key, std::string_view data) {
 // Fills the list with up to `wanted` items that begin with `prefix` and come after `after`.
 errcode fill(store::environment *store, opstore_list *list, std::string_view prefix, std::string_view after,
              std::uint32_t wanted) {
-    bool disordered = false;
-    std::string_view last = after.empty() ? after : after.substr(prefix.size());
     list->items.reserve(wanted);
     const errcode failure = store->read([&](const store::view &state) {
         return state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
@@ -131,17 +129,14 @@ errcode fill(store::environment *store, opstore_list *list, std::string_view pre
                 list->more = true;
                 return false;
             }
-            // A damaged tree could go round in circles; keys that ascend make every listing end.
-            if (name <= last) {
-                disordered = true;
-                return false;
-            }
             append(list, name, store::unseal(key, value));
-            last = list->key_of(list->items.back());
             return true;
         });
     });
-    return disordered ? OPSTORE_DAMAGED : failure;
+    // A damaged tree could go round in circles; batches that ascend make every listing end.
+    const bool ascends = list->items.empty() || after.empty() ||
+                         list->key_of(list->items.back()) > after.substr(prefix.size());
+    return failure == ERRCODE_SUCCESS && !ascends ? OPSTORE_DAMAGED : failure;
 }
 
 // The full key after which a listing goes on, from the start of it that the caller kept.
