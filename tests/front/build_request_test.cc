@@ -273,7 +273,7 @@ TEST_F(BuildRequestTest, AProfileNameThatCannotBeEncodedLeavesNothingToShow) {
     pm_show_path item_path = "";
     const printed output =
         capture([&] { EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::NOTHING); });
-    EXPECT_EQ(output.err, "pm_show_compose_name_profile_filter: Error encoding name name gold: errcode 22 (0x16)\n");
+    EXPECT_EQ(output.err, "pm_show_compose_name_profile_filter: Error encoding name name gold: errcode 22 (0x16)");
 }
 
 TEST_F(BuildRequestTest, InvalidTypesAreRefusedWithTheirNumber) {
@@ -309,6 +309,53 @@ TEST_F(BuildRequestTest, LiveHistoryIsOfPoliciesAndEndpointsOnly) {
 
 TEST_F(BuildRequestTest, ASubtypeOfACommandWithoutSubtypesMeansNothing) {
     expect({"-c 9 -t 77", MAIN, "summary", "pm_summary_parcel", 1616, 0, SINGLE, ALL});
+}
+
+TEST_F(BuildRequestTest, AnEmptyNameIsANameAndThePathEndsAtThePrefix) {
+    expect_all({  // two blanks: an empty argument of -i between them
+        {"-i  -c 1", MAIN, "intf/detail/", "pm_intf_parcel", 288, 200, SINGLE, ALL},
+        {"-i  -c 7", RESP, "intf/", "pm_resp_intf_parcel", 168, 200, SINGLE, ALL},
+        {"-i  -c 16", MAIN, "rsvpte/counters/", "pm_rsvpte_counters_parcel", 24, 200, SINGLE, LOCAL},
+        {"-i  -c 17", MAIN, "srpolicy/detail/", "pm_srpolicy_parcel", 96, 200, SINGLE, ALL},
+        {"-i  -c 4 -t 3 -L 1", MAIN, "intf/loss/probe-history/", "pm_intf_history_parcel", 56, 200, SINGLE, ALL},
+        {"-i  -c 26 -h 2", MAIN, "endpoint/detail-filter/________,________,________,0x2/", "pm_endpoint_common", 56,
+         200, SINGLE, LOCAL},
+    });
+}
+
+// The commands that look for the node of the interface in -i.
+constexpr const char *looking_for_a_node[] = {
+    "-c 1", "-c 2", "-c 17", "-c 18", "-c 22 -t 3", "-c 4 -t 3", "-c 5 -t 3", "-c 20 -t 3",
+};
+
+TEST_F(BuildRequestTest, AnInterfaceNameThatDoesNotParseLeavesAllNodes) {
+    for (const char *const command : looking_for_a_node) {
+        SCOPED_TRACE(command);
+        SetUp();
+        given(std::string(command) + " -i nonsense");
+        pm_show_request request{};
+        pm_show_path item_path = "";
+        const printed output =
+            capture([&] { EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::READY); });
+        EXPECT_EQ(output.out + output.err, "");
+        EXPECT_EQ(fake.calls, std::vector<std::string>{"parse nonsense 0"});
+        EXPECT_EQ(pm_show_options.node_id, PM_SHOW_ALL_NODES);
+        EXPECT_FALSE(pm_show_options.local_node_only);
+        EXPECT_EQ(request.single_item, 1U);
+    }
+}
+
+TEST_F(BuildRequestTest, AllNodesKeepAnInterfaceFromBeingLookedFor) {
+    for (const char *const command : looking_for_a_node) {
+        SCOPED_TRACE(command);
+        given(std::string(command) + " -A -i X");
+        pm_show_request request{};
+        pm_show_path item_path = "";
+        EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::READY);
+        EXPECT_EQ(fake.calls, std::vector<std::string>{});
+        EXPECT_EQ(pm_show_options.node_id, PM_SHOW_ALL_NODES);
+        EXPECT_EQ(request.single_item, 1U);
+    }
 }
 
 TEST_F(BuildRequestTest, ANodeThatTheUserChoseIsNotReplacedByTheInterfacesNode) {

@@ -111,6 +111,24 @@ TEST_F(ComposeTest, EachSrPolicyComponentAloneLeavesTheOthersWild) {
     EXPECT_EQ(srpolicy("-k 0x100000"), key(11, "0x100000"));
 }
 
+TEST_F(ComposeTest, OfTheTwoOptionsOfOneSrPolicyComponentTheLaterCounts) {
+    fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
+    EXPECT_EQ(srpolicy("-j -r"),
+              "plain-filter/________,________,________,________,________,________,________,________,0x0,________,"
+              "________/");
+    EXPECT_EQ(srpolicy("-r -j"),
+              "plain-filter/________,________,________,________,________,________,________,________,0x1,________,"
+              "________/");
+}
+
+TEST_F(ComposeTest, AnAddressAloneLeavesTheOtherComponentsWild) {
+    fake.addresses["10.0.0.1"] = {IP_FAMILY_IPV4, {10, 0, 0, 1}};
+    EXPECT_EQ(srpolicy("-e 10.0.0.1"),
+              "plain-filter/________,0a000001,________,________,________,________,________,________,________,________,"
+              "________/");
+    EXPECT_EQ(endpoint("-e 10.0.0.1"), "plain-filter/________,0a000001,________,________/");
+}
+
 TEST_F(ComposeTest, AnAddressAloneIsAFilterEvenWhenItCouldNotBeRead) {
     fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
     const printed output = capture([this] {
@@ -225,14 +243,24 @@ TEST_F(ComposeTest, AProfileNameIsCutAt255BytesInTheKeyAndAt511InAPath) {
     EXPECT_EQ(profile("-P -T 4 -Q " + name), "name-profile/0x4/0x4/<" + name.substr(0, 489) + " single");
 }
 
+TEST_F(ComposeTest, ADoubledProfileKeyIsCutWithItsPathAt511Bytes) {
+    const auto q = [](std::size_t count) { return std::string(count, 'q'); };
+    EXPECT_EQ(profile("-P -D 1 -T 2 -Q " + q(235)),  // 20 + 245 + 1 + 245 bytes
+              "name-profile-filter/0x1,0x2,<" + q(235) + ">/0x1,0x2,<" + q(235) + "> single");
+    EXPECT_EQ(profile("-P -D 1 -T 2 -Q " + q(236)),
+              "name-profile-filter/0x1,0x2,<" + q(236) + ">/0x1,0x2,<" + q(235) + " single");
+    EXPECT_EQ(profile("-P -D 1 -T 2 -Q " + q(300)),  // the name is cut before
+              "name-profile-filter/0x1,0x2,<" + q(254) + "/0x1,0x2,<" + q(218) + " single");
+}
+
 TEST_F(ComposeTest, AProfileNameThatCannotBeEncodedIsReported) {
     fake.encode_code = 22;
     printed output = capture([this] { EXPECT_EQ(profile("-P -T 4 -Q gold"), "failure 22"); });
     EXPECT_EQ(output.err,
-              "pm_show_compose_generic_named_profile_opstore_path: Error encoding name name gold: errcode 22 (0x16)\n");
+              "pm_show_compose_generic_named_profile_opstore_path: Error encoding name name gold: errcode 22 (0x16)");
     EXPECT_EQ(output.out, "");
     output = capture([this] { EXPECT_EQ(profile("-P -D 0 -T 2 -Q gold"), "failure 22"); });
-    EXPECT_EQ(output.err, "pm_show_compose_name_profile_filter: Error encoding name name gold: errcode 22 (0x16)\n");
+    EXPECT_EQ(output.err, "pm_show_compose_name_profile_filter: Error encoding name name gold: errcode 22 (0x16)");
     EXPECT_EQ(output.out, "");
 }
 

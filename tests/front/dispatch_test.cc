@@ -18,11 +18,15 @@ protected:
 };
 
 TEST_F(DispatchTest, AnInvalidCommandTypeEndsWithAnErrorAndReadsNothing) {
-    const printed output = run("-c 29");
-    EXPECT_EQ(status, -1);
-    EXPECT_EQ(output.err, "Show command type invalid 29\n");
-    EXPECT_EQ(output.out, "");
-    EXPECT_EQ(fake.calls, std::vector<std::string>{});
+    for (const char *const type : {"0", "3", "19", "21", "29", "38"}) {
+        SCOPED_TRACE(type);
+        status = 77;
+        const printed output = run("-c " + std::string(type));
+        EXPECT_EQ(status, -1);
+        EXPECT_EQ(output.err, "Show command type invalid " + std::string(type) + "\n");
+        EXPECT_EQ(output.out, "");
+        EXPECT_EQ(fake.calls, std::vector<std::string>{});
+    }
 }
 
 TEST_F(DispatchTest, AnInvalidSubtypeEndsWithAnErrorAndReadsNothing) {
@@ -45,7 +49,7 @@ TEST_F(DispatchTest, AProfileNameThatCannotBeEncodedShowsNothing) {
     const printed output = run("-c 23 -P -T 4 -Q gold");
     EXPECT_EQ(status, 0);
     EXPECT_EQ(output.err,
-              "pm_show_compose_generic_named_profile_opstore_path: Error encoding name name gold: errcode 22 (0x16)\n");
+              "pm_show_compose_generic_named_profile_opstore_path: Error encoding name name gold: errcode 22 (0x16)");
     EXPECT_EQ(output.out, "");
     EXPECT_EQ(fake.calls, std::vector<std::string>{});
 }

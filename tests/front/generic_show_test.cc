@@ -239,6 +239,18 @@ TEST_F(GenericShowTest, AnAnswerToALaterRequestEndsTheListing) {
     EXPECT_EQ(result, 0U);
 }
 
+TEST_F(GenericShowTest, ABranchThatNoProcessServesAnyMoreEndsTheListingSilently) {
+    fake_batch not_published;
+    not_published.list_code = 0x40812a00;
+    fake.batches = {batch_of(1, 1, 1), not_published};
+    const printed output = show(list_request());
+    EXPECT_EQ(output.out, node + "\n[d1]");
+    EXPECT_EQ(output.err, "");
+    EXPECT_EQ(result, 0U);
+    EXPECT_EQ(calls_of("list").size(), 2U);
+    EXPECT_EQ(fake.calls.back(), "unbind");
+}
+
 TEST_F(GenericShowTest, AListingWithoutMemoryIsReportedAndUnbound) {
     fake.out_of_memory = true;
     const printed output = show(list_request());
@@ -316,6 +328,17 @@ TEST_F(GenericShowTest, ABatchThatCannotBeFreedAfterTheListingIsReported) {
     EXPECT_EQ(output.out, node + "[no record]");
     EXPECT_EQ(output.err, not_freed);
     EXPECT_EQ(result, 0U);
+}
+
+TEST_F(GenericShowTest, ABatchThatCannotBeFreedAfterAFailedDecodeIsReportedAfterIt) {
+    fake.batches = {batch_of(1, 2)};
+    fake.batches[0].free_code = 41;
+    fake.undecodable["d2"] = 0x40821a00;
+    const printed output = show(list_request());
+    EXPECT_EQ(output.out, node + "\n[d1]");
+    EXPECT_EQ(output.err, undecodable + std::string("errcode 1082268160 (0x40821a00)\n") + not_freed);
+    EXPECT_EQ(result, 0U);
+    EXPECT_EQ(calls_of("free list").size(), 1U);
 }
 
 TEST_F(GenericShowTest, AnUnlimitedListingIsOneRequest) {

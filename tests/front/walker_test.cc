@@ -41,6 +41,46 @@ TEST_F(WalkerTest, AChosenNodeWhoseReadFailsIsNotFollowedByBlankLines) {
     EXPECT_EQ(walk(single_request()).out, header("lc16") + "Item not found\n");
 }
 
+TEST_F(WalkerTest, AChosenNodeWhoseDisplayDidNotPrintNormallyIsNotFollowedByBlankLines) {
+    given("-N 0x10");
+    for (const int answer : {22, 125}) {
+        results["item"] = answer;
+        EXPECT_EQ(walk(single_request()).out, header("lc16") + "[item]") << answer;
+    }
+}
+
+TEST_F(WalkerTest, AListingOfAChosenNodeIsFollowedByBlankLines) {
+    given("-N 0x10");
+    fake.batches = {batch_of(1, 2)};
+    EXPECT_EQ(walk(list_request()).out, header("lc16") + "\n[d1]\n[d2]" + "\n\n");
+    EXPECT_EQ(calls_of("inventory"), calls{});
+}
+
+TEST_F(WalkerTest, AListingOfAChosenNodeWhoseDisplayDidNotPrintNormallyIsStillFollowedByBlankLines) {
+    given("-N 0x10");
+    fake.batches = {batch_of(1, 1)};
+    results["d1"] = 125;
+    EXPECT_EQ(walk(list_request()).out, header("lc16") + "\n[d1]" + "\n\n");
+}
+
+TEST_F(WalkerTest, AnEmptyListingOfAChosenNodeIsFollowedByBlankLines) {
+    given("-N 0x10");
+    EXPECT_EQ(walk(list_request()).out, header("lc16") + "[no record]" + "\n\n");
+    EXPECT_EQ(headers.size(), 1U);
+}
+
+TEST_F(WalkerTest, AListingThatIsNotRunningOnAChosenNodeIsFollowedByBlankLines) {
+    given("-N 0x10");
+    for (const errcode code : {0x40818600U, 0x40818a00U, 0x40819000U}) {
+        fake_batch not_running;
+        not_running.list_code = code;
+        fake.batches = {not_running};
+        const printed output = walk(list_request());
+        EXPECT_EQ(output.out, header("lc16") + "PM process is not running\n" + "\n\n") << code;
+        EXPECT_EQ(output.err, "") << code;
+    }
+}
+
 TEST_F(WalkerTest, AChosenNodeComesBeforeTheLocalNode) {
     given("-N 0x10");
     pm_show_options.local_node_only = true;
@@ -56,6 +96,20 @@ TEST_F(WalkerTest, ALocalCommandReadsTheLocalNode) {
     EXPECT_EQ(output.err, "");
     EXPECT_EQ(calls_of("inventory"), calls{});
     EXPECT_EQ(headers, std::vector<bool>{true});
+}
+
+TEST_F(WalkerTest, ALocalCommandReadsTheLocalNodeOnlyAlsoWithAllNodes) {
+    given("-A");
+    pm_show_options.local_node_only = true;
+    fake.my_node = 5;
+    EXPECT_EQ(walk(single_request()).out, walked({"lc5"}, "\n\n"));
+    EXPECT_EQ(calls_of("inventory"), calls{});
+}
+
+TEST_F(WalkerTest, AChosenNodeIsReadAloneAlsoWithAllNodes) {
+    given("-A -N 0x10");
+    EXPECT_EQ(walk(single_request()).out, walked({"lc16"}, "\n\n"));
+    EXPECT_EQ(calls_of("inventory"), calls{});
 }
 
 TEST_F(WalkerTest, ALocalNodeWhoseReadFailsIsNotFollowedByBlankLines) {
@@ -161,6 +215,12 @@ TEST_F(WalkerTest, AMissingStoreClientIsReportedForEveryNode) {
 TEST_F(WalkerTest, AnInventoryWithoutNodesEndsInALineEnd) {
     fake.nodes.clear();
     EXPECT_EQ(walk(single_request()).out, "\n");
+}
+
+TEST_F(WalkerTest, TheHeaderIsPendingFromTheStartAlsoWithoutNodes) {
+    fake.nodes.clear();
+    walk(single_request());
+    EXPECT_TRUE(pm_show_header_pending);
 }
 
 TEST_F(WalkerTest, ListingsFollowEachOtherNodeByNode) {

@@ -152,7 +152,9 @@ protected:
         bind(bind_path);
         opstore_list *batch = nullptr;
         std::uint32_t count = BATCH;
-        return opstore_datalist(handle_, "x/", "", &count, &batch, 0);
+        const errcode code = opstore_datalist(handle_, "x/", "", &count, &batch, 0);
+        EXPECT_EQ(opstore_datalist_free(batch), code == ERRCODE_SUCCESS ? ERRCODE_SUCCESS : ERRCODE_INVALID_ARGUMENT);
+        return code;
     }
 
     errcode get_code(const char *path) {

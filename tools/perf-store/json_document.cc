@@ -106,9 +106,10 @@ bool json_document::read(const char *begin, std::size_t *length, const char **pr
         *length = 0;
         return true;
     }
-    if (result.IsError()) {
-        *length = result.Offset();
-        *problem = rapidjson::GetParseError_En(result.Code());
+    if (result.IsError() || nodes_.empty()) {  // the parser takes a stray bracket for a document's end
+        const auto code = result.IsError() ? result.Code() : rapidjson::kParseErrorValueInvalid;
+        *length = result.IsError() ? result.Offset() : 0;
+        *problem = rapidjson::GetParseError_En(code);
         return false;
     }
     builder.settle();

@@ -123,15 +123,15 @@ constexpr pm_show_display pm_show_profile = nullptr;
 using enum pm_show_single;
 using enum pm_show_nodes;
 
-// Row N - 1 is command type N. The numbers 3, 19, 21 and 29 are taken by the subtypes.
+// Row N - 1 is command type N. The numbers 3, 19, 21 and 29 are no show commands.
 // clang-format off
 constexpr pm_show_command commands[] = {
     // type, root, item path, record, batch, single, nodes, display
     {1, MAIN, with_name("intf/detail/"), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf},
     {2, MAIN, with_name("intf/detail/"), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf},
     {3, nullptr, invalid},
-    {4, MAIN, by_subtype},   // probe history
-    {5, MAIN, by_subtype},   // aggregated history
+    {4, nullptr, by_subtype},   // probe history
+    {5, nullptr, by_subtype},   // aggregated history
     {6, MAIN, with_session("session/"), session_record, 200, WITH_SESSION_ID, ALL, pm_show_session},
     {7, RESP, with_name("intf/"), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf},
     {8, RESP, with_name("intf/"), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf},
@@ -146,14 +146,14 @@ constexpr pm_show_command commands[] = {
     {17, MAIN, srpolicy("srpolicy/detail/", "srpolicy/detail-filter/"), srpolicy_record, 200, WITH_NAME, INTERFACE, pm_show_srpolicy},
     {18, MAIN, srpolicy("srpolicy/counters/", "srpolicy/counters-filter/"), srpolicy_counters_record, 200, WITH_NAME, INTERFACE, pm_show_srpolicy_counters},
     {19, nullptr, invalid},
-    {20, MAIN, by_subtype},  // advertisement history
+    {20, nullptr, by_subtype},  // advertisement history
     {21, nullptr, invalid},
-    {22, MAIN, by_subtype},  // loss packet history
-    {23, MAIN, by_profile},
+    {22, nullptr, by_subtype},  // loss packet history
+    {23, nullptr, by_profile},
     {24, MAIN, fixed("dr/"), dr_record, 200, NEVER, LOCAL, pm_show_dr},
     {25, CHKPT, fixed("dr"), chkpt_dr_record, 200, NEVER, LOCAL, pm_show_chkpt_dr},
     {26, MAIN, endpoint("endpoint/detail/", "endpoint/detail-filter/"), endpoint_record, 200, WITH_NAME, LOCAL, pm_show_endpoint},
-    {27, MAIN, by_subtype},  // live history
+    {27, nullptr, by_subtype},  // live history
     {28, MAIN, endpoint("endpoint/counters/", "endpoint/counters-filter/"), endpoint_counters_record, 200, WITH_NAME, LOCAL, pm_show_endpoint_counters},
     {29, nullptr, invalid},
     {30, MAIN, fixed("pps_summary"), pps_summary_record, 0, ALWAYS, ALL, print_pps_summary},

@@ -151,7 +151,7 @@ errcode encode_profile_name(const char *routine, pm_heap_block<char> *encoded) {
     const errcode code = opstore_string_encode(pm_show_options.profile_name, &text, &length);
     encoded->reset(text);
     if (code != ERRCODE_SUCCESS) {
-        pm_print_error<"%s: Error encoding name name %s: %s (0x%x)\n">(routine, pm_show_options.profile_name,
+        pm_print_error<"%s: Error encoding name name %s: %s (0x%x)">(routine, pm_show_options.profile_name,
                                                                       errcode_strerror(code), code);
     }
     return code;
@@ -203,7 +203,7 @@ errcode pm_show_compose_named_profile(pm_show_path &out, bool *single) {
     }
     const bool any_kind = o.delay_kind || o.loss_kind || o.liveness_kind || o.probe_kind;
     *single = any_kind && o.profile_type_set && o.profile_name != nullptr;
-    if (*single) {  // the store wants the key once as the filter and once as the item
+    if (*single) {  // the doubled key is kept as it is
         compose_filtered(out, name_profile_filter_prefix, key, key);
     } else {
         join(out, name_profile_filter_prefix, key);

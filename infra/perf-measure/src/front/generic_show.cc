@@ -109,7 +109,7 @@ void report_listing_answer(errcode code) {
     }
 }
 
-// Requests the next batch. Its item count; 0 ends the listing, reported.
+// Requests the next batch. Its item count; 0 ends the listing, answered.
 std::uint32_t request_batch(listing &state) {
     std::uint32_t count = state.request.batch_size;
     errcode code = opstore_datalist(pm_show_opstore_handle, state.request.item_path, state.key, &count, &state.batch,

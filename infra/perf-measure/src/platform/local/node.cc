@@ -23,9 +23,7 @@ errcode read_all(store::key_space space, std::vector<std::string> *values) {
     const std::string prefix = store::key(space);
     return store->read([&](const store::view &state) {
         return state.scan(prefix, "", [&](std::string_view key, std::string_view value) {
-            const std::string_view parcel = store::unseal(key, value);
-            values->emplace_back(parcel.size(), '\0');
-            std::memcpy(values->back().data(), parcel.data(), parcel.size());
+            values->emplace_back(store::unseal(key, value));
             return true;
         });
     });

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/local/item_filter.h"
 #include "platform/local/local_store_descriptors.h"
 #include "platform/local/local_store_records.h"
 #include "platform/local/store.h"
@@ -118,18 +119,30 @@ void append(opstore_list *list, std::string_view key, std::string_view data) {
     list->used += key.size() + 1 + data.size();
 }
 
+// What a listing or a fetch asks for, below a branch.
+struct question {
+    std::string branch;  // key of the branch's items
+    item_filter::selection selection;
+};
+
 // Fills the list with up to `wanted` items that begin with `prefix` and come after `after`.
-errcode fill(store::environment *store, opstore_list *list, std::string_view prefix, std::string_view after,
-             std::uint32_t wanted) {
+errcode fill(store::environment *store, opstore_list *list, const question &asked, std::string_view prefix,
+             std::string_view after, std::uint32_t wanted) {
+    const bool filtered = asked.selection.what != item_filter::family::everything;
     list->items.reserve(wanted);
     const errcode failure = store->read([&](const store::view &state) {
+        const item_filter::matcher matcher(asked.selection, asked.branch, state);
         return state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
             const std::string_view name = key.substr(prefix.size());
-            if (list->items.size() == wanted || !make_room(list, name.size() + 1 + value.size())) {
+            const std::string_view parcel = store::unseal(key, value);
+            if (filtered && !matcher.matches(key.substr(asked.branch.size()), parcel)) {
+                return true;
+            }
+            if (list->items.size() == wanted || !make_room(list, name.size() + 1 + parcel.size())) {
                 list->more = true;
                 return false;
             }
-            append(list, name, store::unseal(key, value));
+            append(list, name, parcel);
             return true;
         });
     });
@@ -137,6 +150,38 @@ errcode fill(store::environment *store, opstore_list *list, std::string_view pre
     const bool ascends = list->items.empty() || after.empty() ||
                          list->key_of(list->items.back()) > after.substr(prefix.size());
     return failure == ERRCODE_SUCCESS && !ascends ? OPSTORE_DAMAGED : failure;
+}
+
+void copy_to(std::vector<char> *to, std::string_view from) {
+    to->resize(from.size());
+    if (!from.empty()) {
+        std::memcpy(to->data(), from.data(), from.size());
+    }
+}
+
+// Finds the one item that is asked for.
+errcode find(store::environment *store, const question &asked, std::vector<char> *parcel) {
+    const std::string key = asked.branch + asked.selection.path;
+    return store->read([&](const store::view &state) {
+        const item_filter::matcher matcher(asked.selection, asked.branch, state);
+        std::string_view found;
+        if (!asked.selection.first_match) {
+            const errcode code = state.get_parcel(key, &found);
+            if (code == ERRCODE_SUCCESS && !matcher.matches(asked.selection.path, found)) {
+                return ERRCODE_NOT_FOUND;
+            }
+            copy_to(parcel, found);
+            return code;
+        }
+        bool any = false;
+        const errcode code = state.scan(key, "", [&](std::string_view each, std::string_view value) {
+            found = store::unseal(each, value);
+            any = matcher.matches(each.substr(asked.branch.size()), found);
+            return !any;
+        });
+        copy_to(parcel, found);
+        return code == ERRCODE_SUCCESS && !any ? ERRCODE_NOT_FOUND : code;
+    });
 }
 
 // The full key after which a listing goes on, from the start of it that the caller kept.
@@ -179,15 +224,16 @@ errcode opstore_datalist(opstore_handle handle, const char *item_path, const cha
     if (failure != ERRCODE_SUCCESS) {
         return failure;
     }
-    std::string prefix = handle->branch + item_path;
-    if (!prefix.ends_with('/') && *item_path != '\0') {
+    const question asked{handle->branch, item_filter::select(item_path)};
+    std::string prefix = asked.branch + asked.selection.path;
+    if (!prefix.ends_with('/') && !asked.selection.path.empty()) {
         prefix.push_back('/');
     }
     const std::string after = (flags & OPSTORE_LIST_AFTER) != 0 ? resume_point(handle, prefix, start_key) : "";
     auto *result = new opstore_list(std::move(handle->spare));
     handle->spare = {};
     result->owner = handle;
-    failure = fill(store, result, prefix, after, *count);
+    failure = fill(store, result, asked, prefix, after, *count);
     if (failure != ERRCODE_SUCCESS) {
         delete result;
         return failure;
@@ -243,17 +289,8 @@ errcode opstore_item_get(opstore_handle handle, const char *item_path, std::uint
     if (failure != ERRCODE_SUCCESS) {
         return failure;
     }
-    const std::string key = handle->branch + item_path;
     std::vector<char> parcel;
-    failure = store->read([&](const store::view &state) {
-        std::string_view value;
-        const errcode code = state.get_parcel(key, &value);
-        if (code == ERRCODE_SUCCESS) {
-            parcel.resize(value.size());
-            std::memcpy(parcel.data(), value.data(), value.size());
-        }
-        return code;
-    });
+    failure = find(store, {handle->branch, item_filter::select(item_path)}, &parcel);
     if (failure != ERRCODE_SUCCESS) {
         return failure;
     }
