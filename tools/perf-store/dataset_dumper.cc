@@ -248,6 +248,10 @@ private:
 }  // namespace
 
 std::string dump_store(const dump_filter &filter, output_file *out) {
+    store::environment *store = nullptr;
+    if (const errcode failure = store::environment::shared(&store); failure != ERRCODE_SUCCESS) {
+        return describe_store(failure);
+    }
     std::string problem = dumper(filter, out).run();
     const std::string flushed = out->flush();
     return problem.empty() ? flushed : problem;

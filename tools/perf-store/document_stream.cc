@@ -94,7 +94,7 @@ stream_result document_stream::next(json_document *document) {
         if (left == 0 || (read && std::strlen(buffer_.data() + at_) == left)) {
             return stream_result::end;
         }
-        problem_ = place(length_) + (read ? "a zero byte" : what);
+        problem_ = read ? place(std::strlen(buffer_.data() + at_)) + "a zero byte" : place(length_) + what;
         return stream_result::failure;
     }
 }

@@ -5,6 +5,8 @@
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 
+#include "value_text.h"
+
 namespace perf_store {
 
 namespace {
@@ -74,7 +76,11 @@ private:
         out_.nodes_.back().next = static_cast<std::uint32_t>(out_.nodes_.size());
         return true;
     }
+    // False for a text that is not UTF-8 once its escapes are resolved: half of a surrogate pair.
     bool keep(json_kind kind, const char *text, rapidjson::SizeType length) {
+        if (kind == json_kind::text && !is_utf8({text, length})) {
+            return false;
+        }
         leaf(kind);
         out_.nodes_.back().count = length;  // until settle()
         out_.texts_.insert(out_.texts_.end(), text, text + length);
@@ -102,14 +108,19 @@ bool json_document::read(const char *begin, std::size_t *length, const char **pr
     rapidjson::Reader reader;
     json_builder builder(this, stream);
     const rapidjson::ParseResult result = reader.Parse<PARSE_FLAGS>(stream, builder);
-    if (result.Code() == rapidjson::kParseErrorDocumentEmpty) {
-        *length = 0;
-        return true;
-    }
-    if (result.IsError() || nodes_.empty()) {  // the parser takes a stray bracket for a document's end
-        const auto code = result.IsError() ? result.Code() : rapidjson::kParseErrorValueInvalid;
-        *length = result.IsError() ? result.Offset() : 0;
-        *problem = rapidjson::GetParseError_En(code);
+    if (result.IsError()) {
+        // The parser calls a document empty also when it begins with stray punctuation.
+        const bool empty = result.Code() == rapidjson::kParseErrorDocumentEmpty;
+        const std::size_t start = std::strspn(begin, " \t\r\n");
+        if (empty && begin[start] == '\0') {
+            *length = 0;
+            return true;
+        }
+        *length = empty ? start : result.Offset();
+        const bool refused = result.Code() == rapidjson::kParseErrorTermination;  // by keep()
+        *problem = rapidjson::GetParseError_En(empty     ? rapidjson::kParseErrorValueInvalid
+                                               : refused ? rapidjson::kParseErrorStringInvalidEncoding
+                                                         : result.Code());
         return false;
     }
     builder.settle();

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "value_text.h"
+
 namespace perf_store {
 
 // What is wrong with a document, and at which byte of it.
@@ -22,24 +24,27 @@ private:
 // The members that are being read, outermost first.
 class member_path {
 public:
-    void enter(std::string_view name) { steps_.push_back({name, 0}); }
-    void enter(std::uint32_t index) { steps_.push_back({{}, index}); }
+    void enter(std::string_view name) { steps_.push_back({name, 0, false}); }
+    void enter(std::uint32_t index) { steps_.push_back({{}, index, true}); }
     void leave() { steps_.pop_back(); }
     void clear() { steps_.clear(); }
 
-    // Throws an input_error that names the path.
-    [[noreturn]] void fail(const std::string &what, std::size_t offset) const { throw input_error(text() + what, offset); }
+    // Throws an input_error that names the path, on one line whatever the names hold.
+    [[noreturn]] void fail(const std::string &what, std::size_t offset) const {
+        throw input_error(on_one_line(text() + what), offset);
+    }
 
 private:
     struct step {
-        std::string_view name;  // empty for an element of an array
+        std::string_view name;
         std::uint32_t index;
+        bool is_element;  // of an array
     };
 
     [[nodiscard]] std::string text() const {
         std::string result;
         for (const step &each : steps_) {
-            if (each.name.empty()) {
+            if (each.is_element) {
                 result += "[" + std::to_string(each.index) + "]";
             } else {
                 result += (result.empty() ? "" : ".") + std::string(each.name);

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/local/store_writer.h"
 #include "value_text.h"
 
 namespace perf_store {
@@ -16,17 +17,18 @@ namespace {
 
 constexpr std::size_t BLOCK_SIZE = 64 * 1024;
 constexpr std::size_t MAX_FIELDS = 256;  // of one record
+constexpr std::uint32_t MAX_DEPTH = 256;  // of records within one another; the codec's own limit is lower
 constexpr std::uint32_t IPV4_VALUE = 0;  // discriminators of an address
 constexpr std::uint32_t IPV6_VALUE = 1;
 constexpr std::uint32_t NONE_VALUE = 2;
 
 template <class T>
-void store(std::uint8_t *to, T value) {
+void put(std::uint8_t *to, T value) {
     std::memcpy(to, &value, sizeof value);
 }
 
 // A number of 1, 2, 4 or 8 bytes.
-void store_unsigned(std::uint8_t *to, std::uint64_t value, std::uint32_t size) {
+void put_unsigned(std::uint8_t *to, std::uint64_t value, std::uint32_t size) {
     std::memcpy(to, &value, size);
 }
 
@@ -58,6 +60,7 @@ void record_memory::reset() {
 }
 
 void *record_reader::read(const json_node &node, const record_shape &shape) {
+    depth_ = 0;
     std::uint8_t *record = memory_->allocate(shape.size);
     read_record(node, shape, record);
     return record;
@@ -105,7 +108,7 @@ void record_reader::read_enumeration(const json_node &node, const value_shape &s
     if (!fits) {
         out_of_range(node, shape.notation.c_str());
     }
-    store(to, static_cast<std::int32_t>(number));
+    put(to, static_cast<std::int32_t>(number));
 }
 
 bool record_reader::read_boolean(const json_node &node) {
@@ -134,6 +137,9 @@ void record_reader::read_record(const json_node &node, const record_shape &shape
         return;
     }
     require(node, json_kind::object);
+    if (++depth_ > MAX_DEPTH) {
+        fail(node, store::TOO_DEEP);
+    }
     std::bitset<MAX_FIELDS> seen;
     std::size_t expected = 0;  // members mostly come in schema order
     const json_node *member = document_->inside(node);
@@ -156,6 +162,7 @@ void record_reader::read_record(const json_node &node, const record_shape &shape
         path_->leave();
         member = document_->behind(value);
     }
+    --depth_;
 }
 
 // An object with the discriminator and the arm that it selects.
@@ -198,7 +205,7 @@ void record_reader::read_union(const json_node &node, const record_shape &shape,
     if (negative ? number < std::numeric_limits<std::int32_t>::min() : value > 0xFFFFFFFF) {
         out_of_range(*discriminator, "D");
     }
-    store(to, static_cast<std::uint32_t>(value));
+    put(to, static_cast<std::uint32_t>(value));
     path_->leave();
     if (content == nullptr) {
         return;
@@ -214,14 +221,14 @@ void record_reader::read_union(const json_node &node, const record_shape &shape,
 
 void record_reader::read_address(const json_node &node, const record_shape &shape, std::uint8_t *to) {
     if (node.kind == json_kind::null) {
-        store(to, NONE_VALUE);
+        put(to, NONE_VALUE);
         return;
     }
     const std::string_view text = read_text(node);
     if (read_ipv4(text, to + shape.arm_of(IPV4_VALUE)->offset)) {
-        store(to, IPV4_VALUE);
+        put(to, IPV4_VALUE);
     } else if (read_ipv6(text, to + shape.arm_of(IPV6_VALUE)->offset)) {
-        store(to, IPV6_VALUE);
+        put(to, IPV6_VALUE);
     } else {
         fail(node, std::string(text) + " is not an address");
     }
@@ -234,13 +241,13 @@ void record_reader::read_value(const json_node &node, const value_shape &shape, 
     case kind::u16:
     case kind::u8:
     case kind::opaque:
-        store_unsigned(to, read_unsigned(node, largest_of(shape.size), shape.notation.c_str()), shape.size);
+        put_unsigned(to, read_unsigned(node, largest_of(shape.size), shape.notation.c_str()), shape.size);
         break;
     case kind::enumeration: read_enumeration(node, shape, to); break;
-    case kind::boolean: store<std::uint32_t>(to, read_boolean(node) ? 1 : 0); break;
+    case kind::boolean: put<std::uint32_t>(to, read_boolean(node) ? 1 : 0); break;
     case kind::text:
         if (node.kind != json_kind::null) {
-            store(to, keep_text(node));
+            put(to, keep_text(node));
         }
         break;
     case kind::ipv4:
@@ -250,7 +257,7 @@ void record_reader::read_value(const json_node &node, const value_shape &shape, 
         if (node.kind != json_kind::null) {
             std::uint8_t *value = memory_->allocate(shape.element->size);
             read_value(node, *shape.element, value);
-            store(to, value);
+            put(to, value);
         }
         break;
     case kind::array: read_array(node, shape, to); break;
@@ -291,7 +298,7 @@ void record_reader::read_array(const json_node &node, const value_shape &shape, 
     }
     std::uint8_t *elements = memory_->allocate(std::size_t{node.count} * shape.element->size);
     read_elements(node, *shape.element, elements);
-    store(to, parcel_array<std::uint8_t>{node.count, elements});
+    put(to, parcel_array<std::uint8_t>{node.count, elements});
 }
 
 // A buffer of bytes, written as hexadecimal digits.
@@ -304,7 +311,7 @@ void record_reader::read_opaque(const json_node &node, std::uint8_t *to) {
     if (!read_hexadecimal(text, bytes)) {
         fail(node, "expected an even number of hexadecimal digits");
     }
-    store(to, parcel_array<std::uint8_t>{static_cast<std::uint32_t>(text.size() / 2), bytes});
+    put(to, parcel_array<std::uint8_t>{static_cast<std::uint32_t>(text.size() / 2), bytes});
 }
 
 void record_reader::read_elements(const json_node &node, const value_shape &element, std::uint8_t *to) {

@@ -63,6 +63,7 @@ private:
     const json_document *document_;
     member_path *path_;
     record_memory *memory_;
+    std::uint32_t depth_ = 0;  // of records within one another
 };
 
 }  // namespace perf_store

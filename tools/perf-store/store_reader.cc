@@ -4,6 +4,8 @@
 #include <cstring>
 #include <vector>
 
+#include "platform/local/store_access.h"
+
 namespace perf_store {
 
 namespace {
@@ -42,7 +44,9 @@ errcode read_batch(store::environment *store, std::string_view prefix, std::stri
 }  // namespace
 
 std::string describe_store(errcode code) {
-    return std::string(store::configured_url()) + ": " + errcode_strerror(code);
+    const char *folder = store::folder_of(store::configured_url());
+    const std::string denied = code == OPSTORE_NO_CLIENT && folder != nullptr ? store::access_problem(folder) : "";
+    return denied.empty() ? std::string(store::configured_url()) + ": " + errcode_strerror(code) : denied;
 }
 
 std::string for_each_key(std::string_view prefix,

@@ -142,6 +142,40 @@ void append_hexadecimal(const std::uint8_t *octets, std::size_t count, std::stri
     }
 }
 
+bool is_utf8(std::string_view text) {
+    constexpr std::uint64_t HIGH_BITS = 0x8080808080808080ULL;
+    std::uint64_t eight = 0;
+    while (text.size() >= sizeof eight) {  // most texts are ASCII
+        std::memcpy(&eight, text.data(), sizeof eight);
+        if ((eight & HIGH_BITS) != 0) {
+            break;
+        }
+        text.remove_prefix(sizeof eight);
+    }
+    while (!text.empty()) {
+        const std::size_t length = utf8_length(text);
+        if (length == 0) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+std::string on_one_line(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        const auto byte = static_cast<std::uint8_t>(c);
+        if (byte >= 0x20 && byte != 0x7F) {
+            result.push_back(c);
+        } else {
+            result += "\\x";
+            append_hexadecimal(&byte, 1, &result);
+        }
+    }
+    return result;
+}
+
 bool append_json_text(std::string_view text, std::string *out) {
     const std::size_t begin = out->size();
     out->push_back('"');

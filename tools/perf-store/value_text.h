@@ -34,6 +34,11 @@ void append_ipv6(const std::uint8_t *octets, std::string *out);
 void append_mac(const std::uint8_t *octets, std::string *out);
 void append_hexadecimal(const std::uint8_t *octets, std::size_t count, std::string *out);
 
+[[nodiscard]] bool is_utf8(std::string_view text);
+
+// The text on one line: control characters as \xNN.
+[[nodiscard]] std::string on_one_line(std::string_view text);
+
 // Appends a JSON string with its quotes. False, with nothing appended, for a text that is not UTF-8.
 [[nodiscard]] bool append_json_text(std::string_view text, std::string *out);
 
