@@ -222,7 +222,8 @@ TEST_F(BadInput, ItemMembers) {
     expect(R"({"item":{"root":"main","node":0,"path":"a","type":"pm_values_parcel"}})", "item.record: is missing");
     expect(R"({"item":{"root":"main","node":0,"path":"a","type":"pm_values_parcel","record":{},"ttl":1}})",
            "item.ttl: unknown member");
-    expect(R"({"item":{"root":"Main","node":0,"path":"a","type":"pm_values_parcel","record":{}}})", "item.root: unknown root Main");
+    expect(R"({"item":{"root":"Main","node":0,"path":"a","type":"pm_values_parcel","record":{}}})",
+           "item.root: unknown root Main");
     expect(R"({"item":{"root":1,"node":0,"path":"a","type":"pm_values_parcel","record":{}}})",
            "item.root: expected text, found a number");
     expect(R"({"item":{"root":"main","node":4294967296,"path":"a","type":"pm_values_parcel","record":{}}})",
@@ -282,7 +283,8 @@ TEST_F(BadInput, APrettyPrintedSetsErrorNamesTheMembersOwnLine) {
 )",
                    "set.ndjson:15: item.record.Maximum: -3 is out of range for D");
     expect_refused("{\n\"node\": {\n\"id\": 1,\n\"name\":\n\nnull\n}\n}\n", "set.ndjson:6: node.name: expected text, found null");
-    expect_refused("{\n\"node\": {\n\"id\": 1,\n\"name\": \"lc1\",\n\"slot\": 1\n}\n}\n", "set.ndjson:5: node.slot: unknown member");
+    expect_refused("{\n\"node\": {\n\"id\": 1,\n\"name\": \"lc1\",\n\"slot\": 1\n}\n}\n",
+                   "set.ndjson:5: node.slot: unknown member");
     expect_refused("\n\n{\n\"node\":\n{\n\"id\": 1\n}\n}\n", "set.ndjson:5: node.name: is missing");
 }
 

@@ -143,7 +143,8 @@ TEST_F(DocumentStream, PunctuationThatBeginsADocumentIsAnError) {
 }
 
 TEST_F(DocumentStream, ADocumentCutByTheEndOfTheFileIsAnError) {
-    for (const char *cut : {"[", "[1", "[1,", "{\"a", "{\"a\"", "{\"a\":", "[\"\\", "[\"\\u12", "[tru", "[-", "[1.", "[\"\xE6\x97"}) {
+    for (const char *cut :
+         {"[", "[1", "[1,", "{\"a", "{\"a\"", "{\"a\":", "[\"\\", "[\"\\u12", "[tru", "[-", "[1.", "[\"\xE6\x97"}) {
         EXPECT_EQ(failing_line("[1]\n"s + cut), 2U) << cut;
     }
 }

@@ -283,36 +283,37 @@ struct broken_text {
     std::string_view bytes;
 };
 
+constexpr broken_text BROKEN[] = {
+    {"a lone continuation byte", "\x80"},
+    {"the last continuation byte", "\xBF"},
+    {"two bytes cut short", "\xC3"},
+    {"three bytes cut to one", "\xE6"},
+    {"three bytes cut to two", "\xE6\x97"},
+    {"four bytes cut to one", "\xF0"},
+    {"four bytes cut to two", "\xF0\x9F"},
+    {"four bytes cut to three", "\xF0\x9F\x98"},
+    {"a letter for the second byte", "\xC3("},
+    {"a letter for the third byte", "\xE6\x97("},
+    {"a letter for the fourth byte", "\xF0\x9F\x98("},
+    {"a lead byte for the second byte", "\xC3\xC3"},
+    {"an overlong slash of two bytes", "\xC0\xAF"},
+    {"the largest overlong form of two bytes", "\xC1\xBF"},
+    {"an overlong slash of three bytes", "\xE0\x80\xAF"},
+    {"the largest overlong form of three bytes", "\xE0\x9F\xBF"},
+    {"an overlong slash of four bytes", "\xF0\x80\x80\xAF"},
+    {"the largest overlong form of four bytes", "\xF0\x8F\xBF\xBF"},
+    {"the first surrogate", "\xED\xA0\x80"},
+    {"the last surrogate", "\xED\xBF\xBF"},
+    {"one beyond the last code point", "\xF4\x90\x80\x80"},
+    {"a lead byte beyond Unicode", "\xF5\x80\x80\x80"},
+    {"five bytes", "\xF8\x88\x80\x80\x80"},
+    {"six bytes", "\xFC\x84\x80\x80\x80\x80"},
+    {"FE", "\xFE"},
+    {"FF", "\xFF"},
+    {"Latin 1", "K\xF6ln"},
+};
+
 TEST(JsonText, WhatIsNotUtf8IsRefusedAndNothingAppended) {
-    static constexpr broken_text BROKEN[] = {
-        {"a lone continuation byte", "\x80"},
-        {"the last continuation byte", "\xBF"},
-        {"two bytes cut short", "\xC3"},
-        {"three bytes cut to one", "\xE6"},
-        {"three bytes cut to two", "\xE6\x97"},
-        {"four bytes cut to one", "\xF0"},
-        {"four bytes cut to two", "\xF0\x9F"},
-        {"four bytes cut to three", "\xF0\x9F\x98"},
-        {"a letter for the second byte", "\xC3("},
-        {"a letter for the third byte", "\xE6\x97("},
-        {"a letter for the fourth byte", "\xF0\x9F\x98("},
-        {"a lead byte for the second byte", "\xC3\xC3"},
-        {"an overlong slash of two bytes", "\xC0\xAF"},
-        {"the largest overlong form of two bytes", "\xC1\xBF"},
-        {"an overlong slash of three bytes", "\xE0\x80\xAF"},
-        {"the largest overlong form of three bytes", "\xE0\x9F\xBF"},
-        {"an overlong slash of four bytes", "\xF0\x80\x80\xAF"},
-        {"the largest overlong form of four bytes", "\xF0\x8F\xBF\xBF"},
-        {"the first surrogate", "\xED\xA0\x80"},
-        {"the last surrogate", "\xED\xBF\xBF"},
-        {"one beyond the last code point", "\xF4\x90\x80\x80"},
-        {"a lead byte beyond Unicode", "\xF5\x80\x80\x80"},
-        {"five bytes", "\xF8\x88\x80\x80\x80"},
-        {"six bytes", "\xFC\x84\x80\x80\x80\x80"},
-        {"FE", "\xFE"},
-        {"FF", "\xFF"},
-        {"Latin 1", "K\xF6ln"},
-    };
     for (const broken_text &each : BROKEN) {
         std::string out = "before";
         EXPECT_FALSE(append_json_text(each.bytes, &out)) << each.what;
@@ -328,6 +329,32 @@ TEST(JsonText, ASequenceThatGoesOnBehindItsTextIsCutShort) {
         std::string out;
         EXPECT_FALSE(append_json_text(whole.substr(0, length), &out)) << length;
     }
+}
+
+TEST(IsUtf8, FindsABrokenSequenceWhereverItStands) {
+    for (const broken_text &each : BROKEN) {
+        for (std::size_t before = 0; before < 20; ++before) {
+            const std::string text = std::string(before, 'x') + std::string(each.bytes);
+            EXPECT_FALSE(is_utf8(text)) << each.what << " behind " << before;
+            EXPECT_FALSE(is_utf8(text + std::string(20, 'x'))) << each.what << " behind " << before;
+        }
+    }
+}
+
+TEST(IsUtf8, TakesEveryGoodText) {
+    EXPECT_TRUE(is_utf8(""));
+    EXPECT_TRUE(is_utf8("eth0/1/0/4\n\x7f"));
+    EXPECT_TRUE(is_utf8("a\0b"s));
+    for (std::size_t before = 0; before < 20; ++before) {
+        EXPECT_TRUE(is_utf8(std::string(before, 'x') + "\xC3\xB6\xE6\x97\xA5\xF0\x9F\x98\x80" + std::string(before, 'y')));
+    }
+}
+
+TEST(OnOneLine, ControlBytesAreShownByTheirNumber) {
+    EXPECT_EQ(on_one_line(""), "");
+    EXPECT_EQ(on_one_line("item.path: K\xC3\xB6ln\\"), "item.path: K\xC3\xB6ln\\");
+    EXPECT_EQ(on_one_line("a\nb\tc\x1b[2J\x7f"), R"(a\x0ab\x09c\x1b[2J\x7f)");
+    EXPECT_EQ(on_one_line("a\0b"s), R"(a\x00b)");
 }
 
 }  // namespace

@@ -17,6 +17,11 @@ int report(const std::string &problem);
 
 int run_load(const std::vector<std::string> &files, bool replace);
 int run_dump(const dump_filter &filter);
+// Lists the items that the filter selects: root, node, record type, path.
+int run_ls(const dump_filter &filter);
+int run_get(const store::root_name &root, std::uint32_t node, const std::string &path);
+// Removes items, all or none: each path must be there. `recursive` removes what is below them too.
+int run_rm(const store::root_name &root, std::uint32_t node, const std::vector<std::string> &paths, bool recursive);
 int run_stat();
 int run_types();
 int run_schema(const std::string &type);

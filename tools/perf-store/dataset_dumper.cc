@@ -43,6 +43,20 @@ private:
     errcode code_;
 };
 
+// Decodes a record and passes it to `use`; a failure names the object.
+template <class Use>
+std::string with_record(const std::string &what, std::string_view parcel, const parcel_descriptor *descriptor, Use use) {
+    const decoded record(parcel, descriptor);
+    if (record.code() != ERRCODE_SUCCESS) {
+        return what + ": " + errcode_strerror(record.code());
+    }
+    try {
+        return use(record);
+    } catch (const std::runtime_error &problem) {
+        return what + ": " + problem.what();
+    }
+}
+
 class dumper {
 public:
     dumper(const dump_filter &filter, output_file *out) : filter_(filter), out_(*out), line_(out->buffer()) {}
@@ -64,10 +78,21 @@ public:
         return problem;
     }
 
+    // Keys seen, of whatever kind.
+    [[nodiscard]] std::size_t keys() const { return keys_; }
+
 private:
     template <class Dump>
+    std::string for_each(std::string_view prefix, Dump dump) {
+        return for_each_key(prefix, [&](std::string_view key, std::string_view parcel) {
+            ++keys_;
+            return dump(key, parcel);
+        });
+    }
+
+    template <class Dump>
     std::string each(store::key_space space, Dump dump) {
-        return for_each_key(store::key(space), dump);
+        return for_each(store::key(space), dump);
     }
 
     template <class Dump>
@@ -91,7 +116,7 @@ private:
                     prefix += filter_.path_prefix;
                 }
             }
-            *problem = for_each_key(prefix, dump);
+            *problem = for_each(prefix, dump);
         }
     }
 
@@ -122,20 +147,6 @@ private:
         return out_.flush_when_full();
     }
 
-    // Decodes a record and passes it to `dump`; a failure names the object.
-    template <class Dump>
-    std::string with_record(const std::string &what, std::string_view value, const parcel_descriptor *descriptor, Dump dump) {
-        const decoded record(value, descriptor);
-        if (record.code() != ERRCODE_SUCCESS) {
-            return what + ": " + errcode_strerror(record.code());
-        }
-        try {
-            return dump(record);
-        } catch (const std::runtime_error &problem) {
-            return what + ": " + problem.what();
-        }
-    }
-
     std::string dump_platform(std::string_view /*key*/, std::string_view value) {
         return with_record("platform", value, local_platform_descriptor(), [&](const decoded &decoded) {
             const auto &record = decoded.as<local_platform>();
@@ -154,7 +165,10 @@ private:
                 line_ += '{';
                 first_ = true;
                 for (const local_partner &partner : record.Partners) {
-                    add_number(partner.Group, partner.Node);
+                    if (partner.Group == nullptr || std::strcmp(partner.Group, CENTRAL_SERVICES) != 0) {
+                        throw std::runtime_error("unknown process group");
+                    }
+                    add_number(CENTRAL_SERVICES, partner.Node);
                 }
                 line_ += '}';
             }
@@ -214,27 +228,9 @@ private:
         if (!item.path.starts_with(filter_.path_prefix)) {
             return "";
         }
-        const std::string what =
-            std::string("item ") + item.root.word + " " + std::to_string(item.node) + " " + std::string(item.path);
-        parcel_header header{};
-        if (const errcode failure = parcel_read_header(value.data(), value.size(), &header); failure != ERRCODE_SUCCESS) {
-            return what + ": " + errcode_strerror(failure);
-        }
-        const parcel_descriptor *type = pm_find_descriptor(header.type);
-        if (type == nullptr) {
-            return what + ": unknown record type " + std::string(header.type);
-        }
         progress_.advance(++items_, 0);
-        return with_record(what, value, type, [&](const decoded &decoded) {
-            begin_object("item");
-            add_text("root", item.root.word);
-            add_number("node", item.node);
-            add_text("path", item.path);
-            add_text("type", type->name);
-            begin_member("record");
-            append_record(decoded.data(), shape_of(type).record(), &line_);
-            return end_object();
-        });
+        std::string problem = append_item(item, value, &line_);
+        return problem.empty() ? out_.flush_when_full() : problem;
     }
 
     const dump_filter &filter_;
@@ -242,17 +238,88 @@ private:
     std::string &line_;
     bool first_ = true;
     std::uint64_t items_ = 0;
+    std::size_t keys_ = 0;
     progress progress_{"dumping", 0};
 };
 
 }  // namespace
+
+namespace {
+
+// How many keys the store holds, and in which state.
+struct store_extent {
+    std::size_t entries = 0;
+    std::size_t transaction = 0;
+};
+
+store_extent extent_of(store::environment *store) {
+    store_extent extent;
+    static_cast<void>(store->read([&](const store::view &state) {  // a failure shows in the dump itself
+        extent = {state.entries(), state.transaction()};
+        return ERRCODE_SUCCESS;
+    }));
+    return extent;
+}
+
+std::size_t keys_in(store::key_space space, std::string *problem) {
+    std::size_t keys = 0;
+    if (problem->empty()) {
+        *problem = for_each_key(store::key(space), [&](std::string_view, std::string_view) {
+            ++keys;
+            return std::string();
+        });
+    }
+    return keys;
+}
+
+// Dumps everything and compares how much that was with what the store says it holds, unless it changed
+// meanwhile: a damaged tree can lose items without a sign.
+std::string dump_counted(store::environment *store, const dump_filter &filter, output_file *out) {
+    const store_extent before = extent_of(store);
+    dumper whole(filter, out);
+    std::string problem = whole.run();
+    const std::size_t keys = whole.keys() + keys_in(store::key_space::format, &problem) + keys_in(store::key_space::schema, &problem);
+    const store_extent after = extent_of(store);
+    const bool lost = before.transaction == after.transaction && keys != after.entries;
+    return problem.empty() && lost ? describe_store(OPSTORE_DAMAGED) : problem;
+}
+
+}  // namespace
+
+std::string append_item(const item_key &item, std::string_view parcel, std::string *out) {
+    const std::string what = describe_item(item);
+    parcel_header header{};
+    if (const errcode failure = parcel_read_header(parcel.data(), parcel.size(), &header); failure != ERRCODE_SUCCESS) {
+        return what + ": " + errcode_strerror(failure);
+    }
+    const parcel_descriptor *type = pm_find_descriptor(header.type);
+    if (type == nullptr) {
+        return what + ": unknown record type " + std::string(header.type);
+    }
+    return with_record(what, parcel, type, [&](const decoded &record) {
+        *out += "{\"item\":{\"root\":\"";
+        *out += item.root.word;
+        *out += "\",\"node\":";
+        append_number(item.node, out);
+        *out += ",\"path\":";
+        if (!append_json_text(item.path, out)) {
+            throw std::runtime_error("its path is not UTF-8");
+        }
+        *out += ",\"type\":\"";
+        *out += type->name;
+        *out += "\",\"record\":";
+        append_record(record.data(), shape_of(type).record(), out);
+        *out += "}}\n";
+        return std::string();
+    });
+}
 
 std::string dump_store(const dump_filter &filter, output_file *out) {
     store::environment *store = nullptr;
     if (const errcode failure = store::environment::shared(&store); failure != ERRCODE_SUCCESS) {
         return describe_store(failure);
     }
-    std::string problem = dumper(filter, out).run();
+    std::string problem = filter.everything() ? dump_counted(store, filter, out) : dumper(filter, out).run();
     const std::string flushed = out->flush();
     return problem.empty() ? flushed : problem;
 }

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "output_file.h"
 #include "platform/local/store.h"
+#include "store_reader.h"
 
 namespace perf_store {
 
@@ -18,6 +20,10 @@ struct dump_filter {
 
     [[nodiscard]] bool everything() const { return !root && !node && path_prefix.empty(); }
 };
+
+// Appends an item as an object of a data set, on a line. An empty text, or what is wrong with it; the
+// line is then in any state.
+[[nodiscard]] std::string append_item(const item_key &item, std::string_view parcel, std::string *out);
 
 // Writes the store, or the items and publishers that the filter selects, as a data set of one object a
 // line. Loading it into an empty store and dumping again gives the same bytes. An empty text, or what

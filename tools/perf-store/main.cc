@@ -23,7 +23,26 @@ struct arguments {
     std::string node;
     std::string path;
     std::string type;
+    std::string item;
+    std::vector<std::string> items;
+    bool recursive = false;
 };
+
+// A node id in any C notation.
+std::string check_node(const std::string &text) {
+    std::uint64_t value = 0;
+    bool negative = false;
+    const bool good = read_integer(text, &value, &negative) == number_result::ok && !negative && value <= 0xFFFFFFFF;
+    return good ? std::string() : text + " is not a node id";
+}
+
+// The options that name a branch.
+void add_branch(CLI::App *command, arguments *given, bool required) {
+    command->add_option("--root", given->root, "Data root: main, resp, rx or chkpt")
+        ->check(CLI::IsMember({"main", "resp", "rx", "chkpt"}))
+        ->required(required);
+    command->add_option("--node", given->node, "Node, by its id")->check(check_node)->required(required);
+}
 
 void add_load(CLI::App *app, arguments *given) {
     CLI::App *load = app->add_subcommand("load", "Put data sets into the store, all or nothing");
@@ -34,16 +53,25 @@ void add_load(CLI::App *app, arguments *given) {
 
 void add_dump(CLI::App *app, arguments *given) {
     CLI::App *dump = app->add_subcommand("dump", "Write the store, or a part of it, as a data set");
-    dump->add_option("--root", given->root, "Items of one root only: main, resp, rx or chkpt")
-        ->check(CLI::IsMember({"main", "resp", "rx", "chkpt"}));
-    dump->add_option("--node", given->node, "Items of one node only, by its id")->check([](const std::string &text) {
-        std::uint64_t value = 0;
-        bool negative = false;
-        const bool good = read_integer(text, &value, &negative) == number_result::ok && !negative && value <= 0xFFFFFFFF;
-        return good ? std::string() : text + " is not a node id";
-    });
+    add_branch(dump, given, false);
     dump->add_option("--path", given->path, "Items whose path begins so only");
     dump->footer("Example: perf-store dump --root main --node 0x100 --path srpolicy/ > policies.ndjson");
+}
+
+void add_item_commands(CLI::App *app, arguments *given) {
+    CLI::App *ls = app->add_subcommand("ls", "List items: root, node, record type, path");
+    add_branch(ls, given, false);
+    ls->add_option("PREFIX", given->path, "Items whose path begins so only");
+    ls->footer("Example: perf-store ls --root main intf/");
+    CLI::App *get = app->add_subcommand("get", "Print one item as JSON");
+    add_branch(get, given, true);
+    get->add_option("PATH", given->item, "Its path below the branch")->required();
+    get->footer("Example: perf-store get --root main --node 0x100 summary");
+    CLI::App *rm = app->add_subcommand("rm", "Remove items, all or none");
+    add_branch(rm, given, true);
+    rm->add_option("PATH", given->items, "Their paths below the branch")->required();
+    rm->add_flag("-r,--recursive", given->recursive, "Remove what is below the paths too");
+    rm->footer("Example: perf-store rm --root main --node 0x100 srpolicy/detail/policy-c10");
 }
 
 void add_schema(CLI::App *app, arguments *given) {
@@ -52,16 +80,20 @@ void add_schema(CLI::App *app, arguments *given) {
     schema->footer("Example: perf-store schema pm_summary_parcel");
 }
 
+std::uint32_t node_of(const arguments &given) {
+    std::uint64_t value = 0;
+    bool negative = false;
+    static_cast<void>(read_integer(given.node, &value, &negative));  // checked by check_node
+    return static_cast<std::uint32_t>(value);
+}
+
 dump_filter filter_of(const arguments &given) {
     dump_filter filter;
     if (!given.root.empty()) {
         filter.root = find_word(store::ROOTS, given.root)->id;
     }
     if (!given.node.empty()) {
-        std::uint64_t value = 0;
-        bool negative = false;
-        static_cast<void>(read_integer(given.node, &value, &negative));
-        filter.node = static_cast<std::uint32_t>(value);
+        filter.node = node_of(given);
     }
     filter.path_prefix = given.path;
     return filter;
@@ -74,6 +106,7 @@ int run(int argc, char **argv) {
     app.require_subcommand(1);
     add_load(&app, &given);
     add_dump(&app, &given);
+    add_item_commands(&app, &given);
     app.add_subcommand("stat", "Items and bytes of each root and node")->footer("Example: perf-store stat");
     app.add_subcommand("types", "List the record types: name, version, size")->footer("Example: perf-store types");
     add_schema(&app, &given);
@@ -90,6 +123,15 @@ int run(int argc, char **argv) {
     }
     if (app.got_subcommand("dump")) {
         return run_dump(filter_of(given));
+    }
+    if (app.got_subcommand("ls")) {
+        return run_ls(filter_of(given));
+    }
+    if (app.got_subcommand("get")) {
+        return run_get(*find_word(store::ROOTS, given.root), node_of(given), given.item);
+    }
+    if (app.got_subcommand("rm")) {
+        return run_rm(*find_word(store::ROOTS, given.root), node_of(given), given.items, given.recursive);
     }
     if (app.got_subcommand("stat")) {
         return run_stat();

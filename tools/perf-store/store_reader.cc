@@ -1,10 +1,13 @@
 // See store_reader.h.
 #include "store_reader.h"
 
+#include <cstdio>
 #include <cstring>
+#include <stdexcept>
 #include <vector>
 
 #include "platform/local/store_access.h"
+#include "value_text.h"
 
 namespace perf_store {
 
@@ -86,17 +89,22 @@ std::uint32_t parse_number(std::string_view text) {
     return number;
 }
 
+std::string describe_item(const item_key &item) {
+    char node[16];
+    std::snprintf(node, sizeof node, " %#x ", item.node);
+    return item.root.word + std::string(node) + on_one_line(item.path);
+}
+
 item_key parse_item_key(std::string_view key) {
     constexpr std::size_t ROOT_AT = 1;
     constexpr std::size_t NODE_AT = 2;
     constexpr std::size_t PATH_AT = NODE_AT + sizeof(std::uint32_t);
-    item_key result{};
     for (const store::root_name &each : store::ROOTS) {
         if (key.size() >= PATH_AT && key[ROOT_AT] == static_cast<char>(each.id)) {
-            result = {each, parse_number(key.substr(NODE_AT)), key.substr(PATH_AT)};
+            return {each, parse_number(key.substr(NODE_AT)), key.substr(PATH_AT)};
         }
     }
-    return result;
+    throw std::runtime_error(describe_store(OPSTORE_DAMAGED));
 }
 
 }  // namespace perf_store

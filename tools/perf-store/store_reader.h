@@ -19,13 +19,19 @@ namespace perf_store {
 [[nodiscard]] std::string for_each_key(std::string_view prefix,
                                        const std::function<std::string(std::string_view key, std::string_view parcel)> &visit);
 
+// What visit may return when it has seen enough.
+inline constexpr char STOP[] = "stop";
+
 // An item's key taken apart.
 struct item_key {
     store::root_name root;
     std::uint32_t node;
     std::string_view path;
 };
+// Throws std::runtime_error for a key that is none, which only a damaged store holds.
 [[nodiscard]] item_key parse_item_key(std::string_view key);
+// "main 0x100 intf/detail/eth0/1/0/4", for messages.
+[[nodiscard]] std::string describe_item(const item_key &item);
 // A publisher's key has the same form without a path.
 
 // The big-endian number at the front of `text`.

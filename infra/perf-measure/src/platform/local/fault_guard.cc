@@ -2,6 +2,7 @@
 #include "platform/local/fault_guard.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <initializer_list>
 
 namespace fault_guard {
@@ -20,6 +21,13 @@ void on_fault(int signal_number) {
 
 }  // namespace
 
+void abandon() {
+    if (landing != nullptr) {
+        siglongjmp(*landing, 1);
+    }
+    std::abort();
+}
+
 void install() {
     static bool installed = false;
     if (installed) {
@@ -30,7 +38,7 @@ void install() {
     action.sa_handler = on_fault;
     action.sa_flags = SA_NODEFER;  // the handler may be left by a jump
     sigemptyset(&action.sa_mask);
-    for (const int signal_number : {SIGBUS, SIGSEGV, SIGABRT}) {
+    for (const int signal_number : {SIGBUS, SIGSEGV, SIGFPE, SIGABRT}) {
         sigaction(signal_number, &action, nullptr);
     }
 }

@@ -1,7 +1,7 @@
 // Turns the faults of a damaged store into an error code.
 //
 // LMDB reads its file through a memory map and trusts it: a file cut short raises SIGBUS, a wild
-// offset SIGSEGV, and a page that contradicts itself an assertion (SIGABRT). Inside `guarded` these
+// offset SIGSEGV, a size of zero SIGFPE, and a page that contradicts itself an assertion. Inside `guarded` these
 // end the body with OPSTORE_DAMAGED; outside they keep their meaning.
 #pragma once
 
@@ -16,6 +16,9 @@ extern sigjmp_buf *landing;
 
 // Installs the handlers, once.
 void install();
+
+// Ends the guarded body as a fault would.
+[[noreturn]] void abandon();
 
 // Runs `body`, which returns an errcode. A fault abandons it where it stands, so it must not own
 // anything that a destructor would have to release, and LMDB must not be called again afterwards.

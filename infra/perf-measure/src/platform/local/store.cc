@@ -16,6 +16,55 @@ namespace store {
 
 namespace {
 
+// One of the two meta pages at the start of an LMDB file. The one with the later transaction counts.
+struct meta_page {
+    std::uint8_t page_header[16];
+    std::uint32_t magic;
+    std::uint32_t version;
+    std::uint64_t address;
+    std::uint64_t map_size;
+    std::uint32_t page_size;
+    std::uint8_t trees[92];
+    std::uint64_t last_page;
+    std::uint64_t transaction;
+};
+static_assert(sizeof(meta_page) == 152);
+
+constexpr std::uint32_t LMDB_MAGIC = 0xBEEFC0DE;
+constexpr std::uint32_t LMDB_VERSION = 1;
+
+bool read_meta(int file, std::uint64_t at, meta_page *meta) {
+    return ::pread(file, meta, sizeof *meta, static_cast<off_t>(at)) == static_cast<ssize_t>(sizeof *meta) &&
+           meta->magic == LMDB_MAGIC && meta->version == LMDB_VERSION;
+}
+
+// The file's last page by its own account and by its length; false when it has no sound head.
+bool read_extent(int file, std::uint64_t *last_page, std::uint64_t *pages) {
+    meta_page first{};
+    meta_page second{};
+    if (!read_meta(file, 0, &first) || first.page_size < 512 || first.page_size > 65536 ||
+        (first.page_size & (first.page_size - 1)) != 0 || !read_meta(file, first.page_size, &second) ||
+        second.page_size != first.page_size) {
+        return false;
+    }
+    *last_page = first.transaction > second.transaction ? first.last_page : second.last_page;
+    struct stat status {};
+    *pages = ::fstat(file, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) / first.page_size : 0;
+    return true;
+}
+
+// The same of the data file in a folder.
+errcode read_extent(const char *folder, std::uint64_t *last_page, std::uint64_t *pages) {
+    const std::string path = std::string(folder) + "/data.mdb";
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return code_of(errno);
+    }
+    const bool sound = read_extent(file, last_page, pages);
+    ::close(file);
+    return sound ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+}
+
 template <class Number>
 void append_big_endian(Number number, std::string *to) {
     for (int shift = static_cast<int>(sizeof number) * 8 - 8; shift >= 0; shift -= 8) {
@@ -105,6 +154,11 @@ errcode view::get(std::string_view key, std::string_view *value) const {
     return code_of(failure);
 }
 
+std::size_t view::entries() const {
+    MDB_stat stat{};
+    return mdb_stat(txn_, table_, &stat) == 0 ? stat.ms_entries : 0;
+}
+
 errcode view::get_parcel(std::string_view key, std::string_view *parcel) const {
     std::string_view value;
     const errcode failure = get(key, &value);
@@ -131,23 +185,24 @@ std::string_view unseal(std::string_view key, std::string_view value) {
 }
 
 errcode check_file(const char *folder) {
-    const std::string path = std::string(folder) + "/data.mdb";
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
-        return code_of(errno);
+    std::uint64_t last_page = 0;
+    std::uint64_t pages = 0;
+    return read_extent(folder, &last_page, &pages);
+}
+
+bool ends_early(const char *folder) {
+    std::uint64_t last_page = 0;
+    std::uint64_t pages = 0;
+    return read_extent(folder, &last_page, &pages) == ERRCODE_SUCCESS && last_page >= pages;
+}
+
+int create_environment(MDB_env **env) {
+    const int failure = mdb_env_create(env);
+    if (failure != 0) {
+        return failure;
     }
-    // A page header of 16 bytes, then the meta page's magic and version.
-    constexpr std::uint32_t LMDB_MAGIC = 0xBEEFC0DE;
-    constexpr std::uint32_t LMDB_VERSION = 1;
-    struct {
-        std::uint8_t page_header[16];
-        std::uint32_t magic;
-        std::uint32_t version;
-    } head{};
-    const bool sound = ::pread(file, &head, sizeof head, 0) == static_cast<ssize_t>(sizeof head) &&
-                       head.magic == LMDB_MAGIC && head.version == LMDB_VERSION;
-    ::close(file);
-    return sound ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+    mdb_env_set_maxreaders(*env, MAX_READERS);
+    return mdb_env_set_assert(*env, [](MDB_env *, const char *) { fault_guard::abandon(); });
 }
 
 errcode environment::shared(environment **out) {
@@ -167,9 +222,8 @@ errcode environment::open(const char *folder) {
     fault_guard::install();
     bool left = false;
     const errcode result = fault_guard::guarded([&] {
-        int failure = mdb_env_create(&env_);
+        int failure = create_environment(&env_);
         if (failure == 0) {
-            mdb_env_set_maxreaders(env_, MAX_READERS);
             failure = mdb_env_open(env_, folder, MDB_RDONLY | MDB_NOTLS, 0);
         }
         left = true;
@@ -189,6 +243,9 @@ errcode environment::open(const char *folder) {
     const errcode failure = read([&](const view &state) {
         std::string_view format;
         const errcode code = state.get(format_key, &format);
+        if (code == ERRCODE_NOT_FOUND) {  // nothing was ever committed, or the store is another program's
+            return state.entries() == 0 ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+        }
         return code == ERRCODE_SUCCESS && format == FORMAT ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
     });
     if (failure == OPSTORE_DAMAGED) {

@@ -78,6 +78,10 @@ public:
     // The parcel of a record; OPSTORE_DAMAGED when another key's value stands there.
     [[nodiscard]] errcode get_parcel(std::string_view key, std::string_view *parcel) const;
 
+    // How many keys there are, of whatever kind; and which transaction made this state.
+    [[nodiscard]] std::size_t entries() const;
+    [[nodiscard]] std::size_t transaction() const { return mdb_txn_id(txn_); }
+
     // Calls visit(key, value) for the keys that begin with `prefix`, in order, from the first one
     // after `after` (from the first of all when it is empty), until visit returns false.
     template <class Visit>
@@ -112,8 +116,14 @@ private:
     bool damaged_ = false;  // LMDB must not be called any more
 };
 
-// The store's files as far as they can be checked without LMDB.
+// The head of the store's data file, as far as it can be checked without LMDB.
 [[nodiscard]] errcode check_file(const char *folder);
+// Whether the data file ends before the last page of its tree: it was cut short, or its last pages were
+// taken and given back by a transaction and never written.
+[[nodiscard]] bool ends_early(const char *folder);
+
+// Makes an LMDB environment whose failed assertions end the guarded body instead of the process.
+[[nodiscard]] int create_environment(MDB_env **env);
 
 // Implementation of the templates ----------------------------------------------------------------
 

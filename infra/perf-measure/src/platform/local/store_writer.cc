@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -35,6 +37,28 @@ problem make_folder(const std::string &folder) {
     }
     static_cast<void>(::chmod(folder.c_str(), FOLDER_MODE));
     return "";
+}
+
+// Makes an empty data file. It comes into its place whole, so that no process ever sees a part of it.
+problem make_data_file(const std::string &folder) {
+    std::string place = folder + "/new-XXXXXX";
+    if (::mkdtemp(place.data()) == nullptr) {
+        return folder + ": " + std::strerror(errno);
+    }
+    MDB_env *env = nullptr;
+    int failure = mdb_env_create(&env);
+    if (failure == 0) {
+        failure = mdb_env_open(env, place.c_str(), 0, DATA_MODE);
+        mdb_env_close(env);
+    }
+    const std::string made = place + "/data.mdb";
+    const std::string wanted = folder + "/data.mdb";
+    if (failure == 0 && ::link(made.c_str(), wanted.c_str()) != 0 && errno != EEXIST) {
+        failure = errno;
+    }
+    std::error_code ignored;
+    std::filesystem::remove_all(place, ignored);
+    return failure == 0 ? "" : folder + ": " + mdb_strerror(failure);
 }
 
 // Gives a file of the store to the folder's group. Files of another owner stay as they are.
@@ -103,18 +127,21 @@ problem writer::begin(const char *url) {
     if (problem failure = make_folder(folder_); !failure.empty()) {
         return failure;
     }
-    if (std::error_code none; std::filesystem::exists(folder_ + "/data.mdb", none) &&
-                              std::filesystem::file_size(folder_ + "/data.mdb", none) > 0 &&
-                              check_file(folder) == OPSTORE_DAMAGED) {
-        return folder_ + ": " + NOT_OURS;
-    }
     fault_guard::install();
-    for (problem (writer::*step)() : {&writer::open, &writer::check_format, &writer::read_inventory}) {
-        if (problem failure = (this->*step)(); !failure.empty()) {
+    if (std::error_code none; !std::filesystem::exists(folder_ + "/data.mdb", none)) {
+        if (problem failure = make_data_file(folder_); !failure.empty()) {
             return failure;
         }
     }
-    return "";
+    if (check_file(folder) == OPSTORE_DAMAGED) {
+        return folder_ + ": " + NOT_OURS;
+    }
+    const bool suspect = ends_early(folder);
+    problem failure = open();
+    if (failure.empty() && suspect) {
+        failure = read_everything();
+    }
+    return failure.empty() ? check_format() : failure;
 }
 
 problem writer::open() {
@@ -122,10 +149,9 @@ problem writer::open() {
     problem failure = guarded([&] {
         int code = 0;
         for (std::size_t map = LARGEST_MAP; map >= SMALLEST_MAP; map /= 2) {
-            code = mdb_env_create(&env_);
+            code = create_environment(&env_);
             if (code == 0) {
                 mdb_env_set_mapsize(env_, map);
-                mdb_env_set_maxreaders(env_, MAX_READERS);
                 code = mdb_env_open(env_, folder_.c_str(), 0, DATA_MODE);
             }
             if (code != ENOMEM) {
@@ -150,6 +176,19 @@ problem writer::open() {
     });
 }
 
+// Touches every key and value, so that a page that is missing is found before anything is written.
+problem writer::read_everything() {
+    return guarded([&] {
+        volatile char sink = 0;
+        constexpr std::string_view BELOW_ALL("\0", 1);  // LMDB takes no empty key
+        const errcode code = view(txn_, table_).scan("", BELOW_ALL, [&](std::string_view key, std::string_view value) {
+            sink = static_cast<char>(sink + key.back() + (value.empty() ? 0 : value.back()));
+            return true;
+        });
+        return code == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED;
+    });
+}
+
 problem writer::check_format() {
     std::string_view format;
     MDB_stat stat{};
@@ -170,6 +209,10 @@ problem writer::check_format() {
 }
 
 problem writer::read_inventory() {
+    if (inventory_known_) {
+        return "";
+    }
+    inventory_known_ = true;
     const std::string prefix = key(key_space::node);
     std::vector<std::string> parcels;
     std::vector<std::uint32_t> positions;
@@ -200,6 +243,7 @@ problem writer::read_inventory() {
 
 problem writer::clear() {
     nodes_.clear();
+    inventory_known_ = true;  // and empty, whatever was there
     kept_schemas_.clear();
     known_branches_.clear();
     problem failure = guarded([&] { return mdb_drop(txn_, table_, 0); });
@@ -249,6 +293,9 @@ problem writer::put_platform(const void *local_platform_record) {
 }
 
 problem writer::put_node(std::uint32_t id, const void *local_node_record) {
+    if (problem failure = read_inventory(); !failure.empty()) {
+        return failure;
+    }
     auto place = std::find_if(nodes_.begin(), nodes_.end(), [&](const auto &each) { return each.first == id; });
     if (place == nodes_.end()) {
         nodes_.emplace_back(id, nodes_.empty() ? 0 : nodes_.back().second + 1);
@@ -288,11 +335,59 @@ problem writer::put_item(root root, std::uint32_t node, std::string_view path, c
     return put_record(to, record, descriptor);
 }
 
+problem writer::remove_item(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed) {
+    std::string key = branch_key(key_space::item, root, node);
+    key += path;
+    return guarded([&] {
+        MDB_val item = detail::to_value(key);
+        const int code = mdb_del(txn_, table_, &item, nullptr);
+        *removed += code == 0 ? 1 : 0;
+        return code == MDB_NOTFOUND ? 0 : code;
+    });
+}
+
+problem writer::remove_below(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed) {
+    std::string prefix = branch_key(key_space::item, root, node);
+    prefix += path;
+    if (!path.empty() && !path.ends_with('/')) {
+        prefix += '/';
+    }
+    return guarded([&] {
+        MDB_cursor *cursor = nullptr;
+        MDB_val key = detail::to_value(prefix);
+        MDB_val value{};
+        int code = mdb_cursor_open(txn_, table_, &cursor);
+        if (code != 0) {
+            return code;
+        }
+        code = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
+        while (code == 0 && detail::to_view(key).starts_with(prefix)) {
+            code = mdb_cursor_del(cursor, 0);
+            *removed += code == 0 ? 1 : 0;
+            if (code == 0) {  // the cursor stands where the item was, on the next one
+                code = mdb_cursor_get(cursor, &key, &value, MDB_GET_CURRENT);
+                code = code == EINVAL ? MDB_NOTFOUND : code;
+            }
+        }
+        mdb_cursor_close(cursor);
+        return code == MDB_NOTFOUND ? 0 : code;
+    });
+}
+
 problem writer::commit() {
     return guarded([&] {
         MDB_txn *txn = txn_;
         txn_ = nullptr;
-        return mdb_txn_commit(txn);
+        const int code = mdb_txn_commit(txn);
+        // The file reaches as far as its head says, so that one cut short is told from a whole one.
+        MDB_envinfo info{};
+        MDB_stat stat{};
+        int file = -1;
+        if (code == 0 && mdb_env_info(env_, &info) == 0 && mdb_env_stat(env_, &stat) == 0 &&
+            mdb_env_get_fd(env_, &file) == 0) {
+            static_cast<void>(::posix_fallocate(file, static_cast<off_t>(info.me_last_pgno * stat.ms_psize), stat.ms_psize));
+        }
+        return code;
     });
 }
 

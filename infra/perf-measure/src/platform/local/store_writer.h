@@ -45,6 +45,11 @@ public:
     [[nodiscard]] problem put_item(root root, std::uint32_t node, std::string_view path, const void *record,
                                    const parcel_descriptor *descriptor);
 
+    // Removes the item at a path. `*removed` counts what went: 0 when nothing was there.
+    [[nodiscard]] problem remove_item(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed);
+    // Removes all items whose path continues `path` by one or more components, and adds to `*removed`.
+    [[nodiscard]] problem remove_below(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed);
+
     // Makes everything since `begin` durable.
     [[nodiscard]] problem commit();
 
@@ -52,6 +57,7 @@ private:
     template <class Body>
     [[nodiscard]] problem guarded(Body body);
     [[nodiscard]] problem open();
+    [[nodiscard]] problem read_everything();
     [[nodiscard]] problem check_format();
     [[nodiscard]] problem read_inventory();
     [[nodiscard]] problem get(std::string_view key, std::string_view *value);
@@ -65,6 +71,7 @@ private:
     MDB_txn *txn_ = nullptr;
     MDB_dbi table_ = 0;
     bool damaged_ = false;  // LMDB must not be called any more
+    bool inventory_known_ = false;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> nodes_;  // id and position
     std::set<const parcel_descriptor *> kept_schemas_;
     std::set<std::pair<root, std::uint32_t>> known_branches_;
