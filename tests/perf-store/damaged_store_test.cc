@@ -386,7 +386,7 @@ TEST_F(OtherStore, AnEmptyEnvironmentBecomesAStore) {
                       R"({"publisher":{"root":"main","node":0,"state":"running"}})"
                       "\n"
                       R"({"item":{"root":"main","node":0,"path":"values/one-more","type":"pm_values_parcel",)"
-                      R"("record":{"Average":0,"Minimum":0,"Maximum":0,"Variance":0}}})"
+                      R"("record":{}}})"
                       "\n");
 }
 

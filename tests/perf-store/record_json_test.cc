@@ -49,7 +49,7 @@ private:
 
 std::string written(const void *record, const parcel_descriptor *type) {
     std::string json;
-    append_record(record, shape_of(type).record(), &json);
+    append_record(record, shape_of(type).record(), perf_store::json_fields::all, &json);
     return json;
 }
 

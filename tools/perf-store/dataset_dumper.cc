@@ -229,7 +229,7 @@ private:
             return "";
         }
         progress_.advance(++items_, 0);
-        std::string problem = append_item(item, value, &line_);
+        std::string problem = append_item(item, value, json_fields::set, &line_);
         return problem.empty() ? out_.flush_when_full() : problem;
     }
 
@@ -286,7 +286,7 @@ std::string dump_counted(store::environment *store, const dump_filter &filter, o
 
 }  // namespace
 
-std::string append_item(const item_key &item, std::string_view parcel, std::string *out) {
+std::string append_item(const item_key &item, std::string_view parcel, json_fields fields, std::string *out) {
     const std::string what = describe_item(item);
     parcel_header header{};
     if (const errcode failure = parcel_read_header(parcel.data(), parcel.size(), &header); failure != ERRCODE_SUCCESS) {
@@ -308,7 +308,7 @@ std::string append_item(const item_key &item, std::string_view parcel, std::stri
         *out += ",\"type\":\"";
         *out += type->name;
         *out += "\",\"record\":";
-        append_record(record.data(), shape_of(type).record(), out);
+        append_record(record.data(), shape_of(type).record(), fields, out);
         *out += "}}\n";
         return std::string();
     });

@@ -8,6 +8,7 @@
 
 #include "output_file.h"
 #include "platform/local/store.h"
+#include "record_writer.h"
 #include "store_reader.h"
 
 namespace perf_store {
@@ -23,7 +24,8 @@ struct dump_filter {
 
 // Appends an item as an object of a data set, on a line. An empty text, or what is wrong with it; the
 // line is then in any state.
-[[nodiscard]] std::string append_item(const item_key &item, std::string_view parcel, std::string *out);
+[[nodiscard]] std::string append_item(const item_key &item, std::string_view parcel, json_fields fields,
+                                      std::string *out);
 
 // Writes the store, or the items and publishers that the filter selects, as a data set of one object a
 // line. Loading it into an empty store and dumping again gives the same bytes. An empty text, or what

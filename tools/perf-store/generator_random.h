@@ -6,7 +6,7 @@
 namespace perf_store {
 
 // What a sequence of numbers is for.
-enum class random_subject : std::uint64_t { interface = 1, loss, policy, endpoint, tunnel };
+enum class random_subject : std::uint64_t { interface = 1, policy, endpoint, tunnel };
 
 // The numbers of one object. Each object has a sequence of its own, so that one more interface leaves
 // the policies as they were.
@@ -22,6 +22,13 @@ public:
         return static_cast<std::uint32_t>(((mixed(state_) >> 32U) * count) >> 32U);
     }
     [[nodiscard]] std::uint32_t between(std::uint32_t least, std::uint32_t most) { return least + below(most - least + 1); }
+    // Another sequence, which does not follow this one.
+    [[nodiscard]] random_source branch() {
+        random_source other;
+        state_ += STEP;
+        other.state_ = mixed(~state_);
+        return other;
+    }
     [[nodiscard]] bool one_in(std::uint32_t count) { return below(count) == 0; }
 
 private:

@@ -94,7 +94,7 @@ void dataset_writer::item(std::uint32_t node, std::string_view path, const parce
     append_number(node, &to);
     to.append(R"(,"path":")").append(path);
     to.append(R"(","type":")").append(type->name).append(R"(","record":)");
-    append_record(record, shape_of(type).record(), &to);
+    append_record(record, shape_of(type).record(), json_fields::set, &to);
     to.append("}}");
     end_line();
 }

@@ -60,7 +60,7 @@ int run_get(const store::root_name &root, std::uint32_t node, const std::string 
     bool found = false;
     std::string problem = for_each_key(wanted, [&](std::string_view key, std::string_view parcel) {
         found = key == wanted;
-        const std::string wrong = found ? append_item(item, parcel, &out.buffer()) : "";
+        const std::string wrong = found ? append_item(item, parcel, json_fields::all, &out.buffer()) : "";
         return wrong.empty() ? std::string(STOP) : wrong;
     });
     if (problem == STOP || problem.empty()) {

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "dataset_names.h"
+#include "gen.h"
 #include "value_text.h"
 
 namespace {
@@ -26,6 +27,7 @@ struct arguments {
     std::string item;
     std::vector<std::string> items;
     bool recursive = false;
+    gen_options synthetic;
 };
 
 // A node id in any C notation.
@@ -74,6 +76,22 @@ void add_item_commands(CLI::App *app, arguments *given) {
     rm->footer("Example: perf-store rm --root main --node 0x100 srpolicy/detail/policy-c10");
 }
 
+void add_gen(CLI::App *app, arguments *given) {
+    gen_options &set = given->synthetic;
+    const CLI::Range objects(std::uint32_t{0}, GEN_MAX_OBJECTS);
+    CLI::App *gen = app->add_subcommand("gen", "Write a synthetic data set, the same for the same options");
+    gen->add_option("--nodes", set.nodes, "Route processors and line cards")
+        ->check(CLI::Range(GEN_MIN_NODES, GEN_MAX_NODES));
+    gen->add_option("--interfaces", set.interfaces, "Interfaces")->check(objects);
+    gen->add_option("--policies", set.policies, "SR policies")->check(objects);
+    gen->add_option("--paths", set.paths, "Atomic paths of each segment list")
+        ->check(CLI::Range(std::uint32_t{0}, GEN_MAX_PATHS));
+    gen->add_option("--endpoints", set.endpoints, "IP endpoints")->check(objects);
+    gen->add_option("--tunnels", set.tunnels, "RSVP-TE tunnels")->check(objects);
+    gen->add_option("--seed", set.seed, "Another seed gives another set");
+    gen->footer("Example: perf-store gen --policies 10000 | perf-store load --replace -");
+}
+
 void add_schema(CLI::App *app, arguments *given) {
     CLI::App *schema = app->add_subcommand("schema", "Print a record type's schema, size and field offsets");
     schema->add_option("TYPE", given->type, "A record type, as perf-store types lists them")->required();
@@ -107,6 +125,7 @@ int run(int argc, char **argv) {
     add_load(&app, &given);
     add_dump(&app, &given);
     add_item_commands(&app, &given);
+    add_gen(&app, &given);
     app.add_subcommand("stat", "Items and bytes of each root and node")->footer("Example: perf-store stat");
     app.add_subcommand("types", "List the record types: name, version, size")->footer("Example: perf-store types");
     add_schema(&app, &given);
@@ -132,6 +151,9 @@ int run(int argc, char **argv) {
     }
     if (app.got_subcommand("rm")) {
         return run_rm(*find_word(store::ROOTS, given.root), node_of(given), given.items, given.recursive);
+    }
+    if (app.got_subcommand("gen")) {
+        return run_gen(given.synthetic);
     }
     if (app.got_subcommand("stat")) {
         return run_stat();

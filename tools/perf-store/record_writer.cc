@@ -26,8 +26,13 @@ std::uint64_t load_unsigned(const std::uint8_t *from, std::uint32_t size) {
     return value;
 }
 
-void append_value(const std::uint8_t *from, const value_shape &shape, std::string *out);
-void append_shape(const std::uint8_t *from, const record_shape &shape, std::string *out);
+void append_value(const std::uint8_t *from, const value_shape &shape, json_fields fields, std::string *out);
+void append_shape(const std::uint8_t *from, const record_shape &shape, json_fields fields, std::string *out);
+
+// Whether a field is zero, false, absent or empty: then all its bytes are zero.
+bool is_zero(const std::uint8_t *from, std::size_t size) {
+    return *from == 0 && std::memcmp(from, from + 1, size - 1) == 0;
+}
 
 void append_unsigned(std::uint64_t value, std::string *out) {
     const bool quoted = value > LARGEST_JSON_NUMBER;
@@ -54,21 +59,21 @@ void append_text(const char *text, std::string *out) {
     }
 }
 
-void append_elements(const std::uint8_t *elements, const value_shape &element, std::uint32_t count, std::string *out) {
+void append_elements(const std::uint8_t *elements, const value_shape &element, std::uint32_t count, json_fields fields, std::string *out) {
     out->push_back('[');
     for (std::uint32_t i = 0; i < count; ++i) {
         if (i != 0) {
             out->push_back(',');
         }
-        append_value(elements + std::size_t{i} * element.size, element, out);
+        append_value(elements + std::size_t{i} * element.size, element, fields, out);
     }
     out->push_back(']');
 }
 
-void append_array(const std::uint8_t *from, const value_shape &shape, std::string *out) {
+void append_array(const std::uint8_t *from, const value_shape &shape, json_fields fields, std::string *out) {
     const auto array = load<generic_array>(from);
     if (shape.element->what != kind::opaque) {
-        append_elements(array.elements, *shape.element, array.count, out);
+        append_elements(array.elements, *shape.element, array.count, fields, out);
         return;
     }
     out->push_back('"');
@@ -77,14 +82,14 @@ void append_array(const std::uint8_t *from, const value_shape &shape, std::strin
 }
 
 // An optional address of kind none needs the union form: null would be an absent one.
-void append_optional(const std::uint8_t *from, const value_shape &shape, std::string *out) {
+void append_optional(const std::uint8_t *from, const value_shape &shape, json_fields fields, std::string *out) {
     const auto *value = load<const std::uint8_t *>(from);
     if (value == nullptr) {
         out->append("null");
         return;
     }
     const std::size_t begin = out->size();
-    append_value(value, *shape.element, out);
+    append_value(value, *shape.element, fields, out);
     if (out->compare(begin, std::string::npos, "null") == 0 && shape.element->record != nullptr) {
         out->resize(begin);
         out->append("{\"" + shape.element->record->discriminator + "\":2}");
@@ -103,7 +108,7 @@ void append_octets(const std::uint8_t *from, const value_shape &shape, std::stri
     out->push_back('"');
 }
 
-void append_value(const std::uint8_t *from, const value_shape &shape, std::string *out) {
+void append_value(const std::uint8_t *from, const value_shape &shape, json_fields fields, std::string *out) {
     switch (shape.what) {
     case kind::u32:
     case kind::u64:
@@ -115,15 +120,15 @@ void append_value(const std::uint8_t *from, const value_shape &shape, std::strin
     case kind::text: append_text(load<const char *>(from), out); break;
     case kind::ipv4:
     case kind::bytes: append_octets(from, shape, out); break;
-    case kind::reference: append_shape(from, *shape.record, out); break;
-    case kind::optional: append_optional(from, shape, out); break;
-    case kind::array: append_array(from, shape, out); break;
-    case kind::fixed_array: append_elements(from, *shape.element, shape.count, out); break;
+    case kind::reference: append_shape(from, *shape.record, fields, out); break;
+    case kind::optional: append_optional(from, shape, fields, out); break;
+    case kind::array: append_array(from, shape, fields, out); break;
+    case kind::fixed_array: append_elements(from, *shape.element, shape.count, fields, out); break;
     }
 }
 
 // Address text, null for none; false for a kind that has no text.
-bool append_address(const std::uint8_t *from, const record_shape &shape, std::string *out) {
+bool append_address(const std::uint8_t *from, const record_shape &shape, json_fields fields, std::string *out) {
     const auto value = load<std::uint32_t>(from);
     const field_shape *arm = shape.arm_of(value);
     if (arm == nullptr) {
@@ -132,13 +137,13 @@ bool append_address(const std::uint8_t *from, const record_shape &shape, std::st
     if (arm->type == nullptr) {
         out->append("null");
     } else {
-        append_value(from + arm->offset, *arm->type, out);
+        append_value(from + arm->offset, *arm->type, fields, out);
     }
     return true;
 }
 
-void append_union(const std::uint8_t *from, const record_shape &shape, std::string *out) {
-    if (shape.is_address && append_address(from, shape, out)) {
+void append_union(const std::uint8_t *from, const record_shape &shape, json_fields fields, std::string *out) {
+    if (shape.is_address && append_address(from, shape, fields, out)) {
         return;
     }
     const auto value = load<std::uint32_t>(from);
@@ -148,28 +153,33 @@ void append_union(const std::uint8_t *from, const record_shape &shape, std::stri
     append_number(value, out);
     if (arm != nullptr && arm->type != nullptr) {
         append_name(arm->name, false, out);
-        append_value(from + arm->offset, *arm->type, out);
+        append_value(from + arm->offset, *arm->type, fields, out);
     }
     out->push_back('}');
 }
 
-void append_shape(const std::uint8_t *from, const record_shape &shape, std::string *out) {
+void append_shape(const std::uint8_t *from, const record_shape &shape, json_fields fields, std::string *out) {
     if (shape.is_union) {
-        append_union(from, shape, out);
+        append_union(from, shape, fields, out);
         return;
     }
     out->push_back('{');
+    bool first = true;
     for (const field_shape &field : shape.fields) {
-        append_name(field.name, &field == shape.fields.data(), out);
-        append_value(from + field.offset, *field.type, out);
+        if (fields == json_fields::set && is_zero(from + field.offset, field.type->size)) {
+            continue;
+        }
+        append_name(field.name, first, out);
+        append_value(from + field.offset, *field.type, fields, out);
+        first = false;
     }
     out->push_back('}');
 }
 
 }  // namespace
 
-void append_record(const void *record, const record_shape &shape, std::string *out) {
-    append_shape(static_cast<const std::uint8_t *>(record), shape, out);
+void append_record(const void *record, const record_shape &shape, json_fields fields, std::string *out) {
+    append_shape(static_cast<const std::uint8_t *>(record), shape, fields, out);
 }
 
 }  // namespace perf_store
