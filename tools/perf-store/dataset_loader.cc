@@ -113,7 +113,7 @@ std::string dataset_loader::load(const std::string &file) {
         } catch (const input_error &error) {
             return in.place(error.offset()) + error.what();
         } catch (const store_error &error) {
-            return error.what();
+            return std::string("perf-store: ") + error.what();
         }
         progress.advance(items_, in.bytes_read());
     }

@@ -48,17 +48,17 @@ bool document_stream::read_more() {
     if (buffer_.size() - 1 - filled_ < PIECE / 2) {
         buffer_.resize(buffer_.size() * 2);
     }
-    ssize_t got = 0;
-    do {
-        got = ::read(file_, buffer_.data() + filled_, buffer_.size() - 1 - filled_);
-    } while (got < 0 && errno == EINTR);
-    if (got < 0) {
-        problem_ = name_ + ": " + std::strerror(errno);
-        return false;
+    // A pipe gives little at a time; a long document would be parsed again for each piece of it.
+    while (!at_end_ && filled_ < buffer_.size() - 1) {
+        const ssize_t got = ::read(file_, buffer_.data() + filled_, buffer_.size() - 1 - filled_);
+        if (got < 0 && errno != EINTR) {
+            problem_ = name_ + ": " + std::strerror(errno);
+            return false;
+        }
+        at_end_ = got == 0;
+        filled_ += got > 0 ? static_cast<std::size_t>(got) : 0;
+        bytes_read_ += got > 0 ? static_cast<std::uint64_t>(got) : 0;
     }
-    at_end_ = got == 0;
-    filled_ += static_cast<std::size_t>(got);
-    bytes_read_ += static_cast<std::uint64_t>(got);
     buffer_[filled_] = '\0';
     return true;
 }

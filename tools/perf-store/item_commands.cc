@@ -70,6 +70,10 @@ int run_get(const store::root_name &root, std::uint32_t node, const std::string 
 }
 
 int run_rm(const store::root_name &root, std::uint32_t node, const std::vector<std::string> &paths, bool recursive) {
+    const char *folder = store::folder_of(store::configured_url());
+    if (folder != nullptr && store::check_file(folder) == OPSTORE_NO_CLIENT) {  // only load makes a store
+        return report(describe_store(OPSTORE_NO_CLIENT));
+    }
     store::writer store;
     std::uint64_t removed_in_all = 0;
     store::problem problem = store.begin(store::configured_url());

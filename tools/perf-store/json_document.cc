@@ -16,6 +16,28 @@ constexpr unsigned PARSE_FLAGS = rapidjson::kParseNumbersAsStringsFlag | rapidjs
 
 }  // namespace
 
+// A terminated text as RapidJSON's input. It never passes the terminator, even where the parser expects
+// the rest of a character.
+class text_stream {
+public:
+    using Ch = char;
+
+    explicit text_stream(const char *text) : begin_(text), at_(text) {}
+
+    [[nodiscard]] char Peek() const { return *at_; }
+    char Take() { return *at_ != '\0' ? *at_++ : '\0'; }
+    [[nodiscard]] std::size_t Tell() const { return static_cast<std::size_t>(at_ - begin_); }
+    // For parsing in place, which is not what we do.
+    char *PutBegin() { return nullptr; }
+    void Put(char) {}
+    void Flush() {}
+    std::size_t PutEnd(char *) { return 0; }
+
+private:
+    const char *begin_;
+    const char *at_;
+};
+
 const char *json_kind_name(json_kind kind) {
     static constexpr const char *NAMES[] = {"null", "a boolean", "a number", "text", "an object", "an array"};
     return NAMES[static_cast<std::size_t>(kind)];
@@ -24,7 +46,7 @@ const char *json_kind_name(json_kind kind) {
 // Takes RapidJSON's events.
 class json_builder {
 public:
-    json_builder(json_document *document, const rapidjson::StringStream &stream) : out_(*document), stream_(stream) {
+    json_builder(json_document *document, const text_stream &stream) : out_(*document), stream_(stream) {
         out_.nodes_.clear();
         out_.texts_.clear();
     }
@@ -99,12 +121,12 @@ private:
     }
 
     json_document &out_;
-    const rapidjson::StringStream &stream_;
+    const text_stream &stream_;
     std::vector<std::uint32_t> open_;
 };
 
 bool json_document::read(const char *begin, std::size_t *length, const char **problem) {
-    rapidjson::StringStream stream(begin);
+    text_stream stream(begin);
     rapidjson::Reader reader;
     json_builder builder(this, stream);
     const rapidjson::ParseResult result = reader.Parse<PARSE_FLAGS>(stream, builder);

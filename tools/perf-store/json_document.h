@@ -20,7 +20,7 @@ struct json_node {
     bool value = false;        // of a boolean
     std::uint32_t count = 0;   // members of an object, elements of an array
     std::uint32_t next = 0;    // index of the node behind this one and all that it holds
-    std::uint32_t offset = 0;  // bytes from the start of the document to the end of the token
+    std::uint32_t offset = 0;  // bytes from the start of the document to the token
     std::string_view text;     // of a text, a number as written
 };
 
