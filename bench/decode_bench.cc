@@ -89,9 +89,8 @@ void copy_bytes(benchmark::State &state, const Record &record, const parcel_desc
 template <class Message, class Record>
 void register_all(const std::string &name, const Record &record, const parcel_descriptor *descriptor) {
     const auto add = [&](const std::string &what, auto function) {
-        benchmark::RegisterBenchmark(("decode/" + name + "/" + what).c_str(), [=, &record](benchmark::State &state) {
-            function(state, record, descriptor);
-        });
+        benchmark::RegisterBenchmark(("decode/" + name + "/" + what).c_str(),
+                                     [=, &record](benchmark::State &state) { function(state, record, descriptor); });
     };
     add("parcel", decode_parcel<Record>);
     add("protobuf_heap", parse_on_heap<Message, Record>);

@@ -54,7 +54,7 @@ void table_rows(benchmark::State &state) {
     for (auto _ : state) {
         for (int i = 0; i < LINES; ++i) {
             pm_print<" %-25.25s %9u %9u %9u %-13.13s %10.10s\n">("eth0/1/0/4", value, value / 3, value % 977,
-                                                                LABELS[i % 4], "running");
+                                                                 LABELS[i % 4], "running");
             value = value * 7 % 1000003;
         }
         benchmark::ClobberMemory();

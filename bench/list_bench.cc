@@ -39,7 +39,8 @@ public:
         require(writer.begin(url.c_str()).empty());
         for (std::uint32_t i = 0; i < ITEMS; ++i) {
             const std::string path = "intf/detail/eth0/1/0/" + std::to_string(i);
-            require(writer.put_item(store::root::main, 1, path, &sample_interface(), pm_intf_parcel_descriptor()).empty());
+            require(
+                writer.put_item(store::root::main, 1, path, &sample_interface(), pm_intf_parcel_descriptor()).empty());
         }
         require(writer.commit().empty());
     }

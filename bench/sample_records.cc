@@ -84,7 +84,8 @@ const pm_srpolicy_parcel &sample_policy() {
             path.OutgoingInterface = 0x8000010;
             path.SessionId = 41;
             path.TraceId = 77777;
-            path.LastAdvertisementInformation = {NOW_MSEC - 90000, PM_ADVERT_REASON_PERIODIC_AVERAGE, values(1200), 0, 0};
+            path.LastAdvertisementInformation = {NOW_MSEC - 90000, PM_ADVERT_REASON_PERIODIC_AVERAGE, values(1200), 0,
+                                                 0};
             path.NextAdvertisementInformation = {2, values(1210), 1207};
             path.CurrentProbeHistory = {samples.size(), samples.data()};
             path.CurrentProbeResults = {values(1205), 4, 4};
@@ -97,7 +98,8 @@ const pm_srpolicy_parcel &sample_policy() {
         for (pm_srpolicy_segment_list_parcel &list : lists) {
             list.SegmentListName = "sl-gold-1";
             list.Segments = {segments.size(), segments.data()};
-            list.LastAdvertisementInformation = {NOW_MSEC - 90000, PM_ADVERT_REASON_PERIODIC_AVERAGE, values(1200), 0, 0};
+            list.LastAdvertisementInformation = {NOW_MSEC - 90000, PM_ADVERT_REASON_PERIODIC_AVERAGE, values(1200), 0,
+                                                 0};
             list.NextAdvertisementInformation = {2, values(1210), 1207};
             list.CurrentProbeResults = {values(1205), 8, 8};
             list.LastProbeResults = {values(1203), 20, 20};
@@ -117,7 +119,8 @@ const pm_srpolicy_parcel &sample_policy() {
             path.ProfileName = "gold";
             path.ProfileKey = {1, PM_MEASUREMENT_DELAY, PM_TRANSPORT_SR_POLICY, "gold"};
             path.PeriodicAdvertisementIntervalInSec = 120;
-            path.LastAdvertisementInformation = {NOW_MSEC - 90000, PM_ADVERT_REASON_PERIODIC_AVERAGE, values(1200), 0, 0};
+            path.LastAdvertisementInformation = {NOW_MSEC - 90000, PM_ADVERT_REASON_PERIODIC_AVERAGE, values(1200), 0,
+                                                 0};
             path.NextAdvertisementInformation = {2, values(1210), 1207};
             path.LastProbeResults = {values(1203), 40, 40};
             path.SegmentListTotalCount = lists.size();

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::size_t SPREAD = 9;      // every ninth type
+constexpr std::size_t SPREAD = 9;       // every ninth type
 constexpr std::size_t MAX_SEED = 3000;  // bytes
 
 void write(const std::string &path, parcel_fuzz_mode mode, std::size_t type, const std::vector<std::uint8_t> &rest) {

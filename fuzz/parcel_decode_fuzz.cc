@@ -57,7 +57,8 @@ void decode_fields(const std::uint8_t *data, std::size_t size, const parcel_desc
     std::vector<std::uint8_t> second;
     require(parcel_encode(bytes, descriptor, &first) == ERRCODE_SUCCESS);
     std::free(parcel_indirections(plan, bytes));
-    require(parcel_decode(first.data(), static_cast<std::uint32_t>(first.size()), bytes, descriptor) == ERRCODE_SUCCESS);
+    require(parcel_decode(first.data(), static_cast<std::uint32_t>(first.size()), bytes, descriptor) ==
+            ERRCODE_SUCCESS);
     require(parcel_encode(bytes, descriptor, &second) == ERRCODE_SUCCESS);
     require(first == second);
     parcel_free_indirections(bytes, descriptor);

@@ -24,7 +24,8 @@ std::string literal_at(const std::string &text, std::size_t at, std::size_t *end
 
 void collect(const std::string &text, std::set<std::string> *formats) {
     for (std::size_t at = text.find("<\""); at != std::string::npos; at = text.find("<\"", at + 1)) {
-        const bool after_name = at > 0 && (std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0 || text[at - 1] == '_');
+        const bool after_name =
+            at > 0 && (std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0 || text[at - 1] == '_');
         std::size_t end = 0;
         const std::string literal = literal_at(text, at + 1, &end);
         if (after_name && end < text.size() && text[end] == '>') {

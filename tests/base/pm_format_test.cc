@@ -60,9 +60,9 @@ public:
     }
 
     std::uint64_t number() {
-        static constexpr std::uint64_t EDGES[] = {0,          1,          9,          10,         99,         100,
-                                                  999,        1000,       0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 1ULL << 32,
-                                                  1ULL << 63, ~0ULL,      ~0ULL - 1,  (1ULL << 63) - 1};
+        static constexpr std::uint64_t EDGES[] = {
+            0,          1,          9,          10,         99,         100,   999,       1000,
+            0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 1ULL << 32, 1ULL << 63, ~0ULL, ~0ULL - 1, (1ULL << 63) - 1};
         const std::uint64_t shape = random_();
         return shape % 2 == 0 ? EDGES[shape / 2 % std::size(EDGES)] : random_() >> (shape / 2 % 64);
     }
@@ -146,7 +146,8 @@ template <pm_format_literal Format>
 bool agrees_once() {
     return []<std::size_t... Index>(std::index_sequence<Index...>) {
         return agrees<Format>(make_argument<roles<Format>()[Index]>()...);
-    }(std::make_index_sequence<parsed_format<Format>.arguments>{});
+    }
+    (std::make_index_sequence<parsed_format<Format>.arguments>{});
 }
 
 std::size_t compared = 0;

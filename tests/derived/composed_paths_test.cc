@@ -24,14 +24,20 @@ int record_name(const void *decoded_parcel) {
 pm_show_display display_of(const parcel_descriptor *type) {
     const std::pair<const parcel_descriptor *, pm_show_display> displays[] = {
         {pm_srpolicy_parcel_descriptor(), record_name<pm_srpolicy_parcel, &pm_srpolicy_parcel::PolicyName>},
-        {pm_srpolicy_counters_parcel_descriptor(), record_name<pm_srpolicy_counters_parcel, &pm_srpolicy_counters_parcel::PolicyName>},
-        {pm_srpolicy_history_parcel_descriptor(), record_name<pm_srpolicy_history_parcel, &pm_srpolicy_history_parcel::PolicyName>},
+        {pm_srpolicy_counters_parcel_descriptor(),
+         record_name<pm_srpolicy_counters_parcel, &pm_srpolicy_counters_parcel::PolicyName>},
+        {pm_srpolicy_history_parcel_descriptor(),
+         record_name<pm_srpolicy_history_parcel, &pm_srpolicy_history_parcel::PolicyName>},
         {pm_endpoint_common_descriptor(), record_name<pm_endpoint_common, &pm_endpoint_common::EndpointName>},
-        {pm_endpoint_counters_parcel_descriptor(), record_name<pm_endpoint_counters_parcel, &pm_endpoint_counters_parcel::EndpointName>},
-        {pm_endpoint_history_parcel_descriptor(), record_name<pm_endpoint_history_parcel, &pm_endpoint_history_parcel::EndpointName>},
+        {pm_endpoint_counters_parcel_descriptor(),
+         record_name<pm_endpoint_counters_parcel, &pm_endpoint_counters_parcel::EndpointName>},
+        {pm_endpoint_history_parcel_descriptor(),
+         record_name<pm_endpoint_history_parcel, &pm_endpoint_history_parcel::EndpointName>},
         {pm_rsvpte_parcel_descriptor(), record_name<pm_rsvpte_parcel, &pm_rsvpte_parcel::TunnelName>},
-        {pm_rsvpte_counters_parcel_descriptor(), record_name<pm_rsvpte_counters_parcel, &pm_rsvpte_counters_parcel::TunnelName>},
-        {pm_rsvpte_history_parcel_descriptor(), record_name<pm_rsvpte_history_parcel, &pm_rsvpte_history_parcel::TunnelName>},
+        {pm_rsvpte_counters_parcel_descriptor(),
+         record_name<pm_rsvpte_counters_parcel, &pm_rsvpte_counters_parcel::TunnelName>},
+        {pm_rsvpte_history_parcel_descriptor(),
+         record_name<pm_rsvpte_history_parcel, &pm_rsvpte_history_parcel::TunnelName>},
         {pm_name_profile_parcel_descriptor(), record_name<pm_name_profile_parcel, &pm_name_profile_parcel::Name>},
     };
     for (const auto &[each, display] : displays) {
@@ -64,7 +70,8 @@ protected:
             argv.push_back(nullptr);
             pm_show_request request{};
             pm_show_path path;
-            if (std::freopen("/dev/null", "w", stdout) == nullptr || std::freopen("/dev/null", "w", stderr) == nullptr) {
+            if (std::freopen("/dev/null", "w", stdout) == nullptr ||
+                std::freopen("/dev/null", "w", stderr) == nullptr) {
                 return std::string("(no output)\n");
             }
             pm_show_parse_options(static_cast<int>(words.size()), argv.data());
@@ -189,7 +196,8 @@ TEST_F(ComposedPaths, Tunnels) {
 }
 
 TEST_F(ComposedPaths, Profiles) {
-    const names all{"0x0/0x1/gold", "0x0/0x2/gold", "0x0/0x2/silver", "0x1/0x2/gold", "0x2/0x1/live%20one", "0x3/0x2/probe"};
+    const names all{"0x0/0x1/gold", "0x0/0x2/gold",       "0x0/0x2/silver",
+                    "0x1/0x2/gold", "0x2/0x1/live%20one", "0x3/0x2/probe"};
     expect({
         {"-c 23", all},
         {"-c 23 -P", all},

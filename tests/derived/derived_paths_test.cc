@@ -104,17 +104,20 @@ TEST_F(DerivedPaths, AllComponentsMustMatch) {
 }
 
 TEST_F(DerivedPaths, ComponentsMayMatchInDifferentCandidatePaths) {
-    EXPECT_EQ(listed("srpolicy/detail-filter/" + key(POLICY, {{3, "0xa"}, {4, "0x65"}, {8, "0x2"}, {10, "0x3"}}) + "/"), names{"a"});
+    EXPECT_EQ(listed("srpolicy/detail-filter/" + key(POLICY, {{3, "0xa"}, {4, "0x65"}, {8, "0x2"}, {10, "0x3"}}) + "/"),
+              names{"a"});
 }
 
 TEST_F(DerivedPaths, AllElevenComponentsAtOnce) {
     using change = std::pair<std::size_t, std::string>;
-    const std::vector<change> all = {{1, "0xa"}, {2, "0a000001"}, {3, "0x1e"}, {4, "0x64"}, {5, "0x32"},  {6, "sl-a2"},
-                                     {7, "TRUE"}, {8, "0x2"},     {9, "0x0"},  {10, "0x3"}, {11, "0x5dc1"}};
+    const std::vector<change> all = {{1, "0xa"},  {2, "0a000001"}, {3, "0x1e"},   {4, "0x64"},
+                                     {5, "0x32"}, {6, "sl-a2"},    {7, "TRUE"},   {8, "0x2"},
+                                     {9, "0x0"},  {10, "0x3"},     {11, "0x5dc1"}};
     EXPECT_EQ(listed("srpolicy/detail-filter/" + key(POLICY, all) + "/"), names{"a"});
     // One that no policy has, or that only another one has, and nothing is left.
-    for (const change &other : {change{1, "0x14"}, change{2, "0a000002"}, change{3, "0x14"}, change{4, "0x7"}, change{5, "0x64"},
-                                change{6, "sl-b"}, change{9, "0x1"}, change{10, "0x5"}, change{11, "0x7530"}}) {
+    for (const change &other :
+         {change{1, "0x14"}, change{2, "0a000002"}, change{3, "0x14"}, change{4, "0x7"}, change{5, "0x64"},
+          change{6, "sl-b"}, change{9, "0x1"}, change{10, "0x5"}, change{11, "0x7530"}}) {
         std::vector<change> changed = all;
         changed[other.first - 1] = other;
         EXPECT_EQ(listed("srpolicy/detail-filter/" + key(POLICY, changed) + "/"), names{}) << other.first;
@@ -191,15 +194,15 @@ TEST_F(DerivedPaths, CountersAndHistoriesAreFilteredByTheDetailOfTheSameName) {
         std::string wildcards;
         names all;
     } const families[] = {
-        {{"srpolicy/counters", "srpolicy/delay/probe-history", "srpolicy/delay/aggr-history", "srpolicy/delay/adv-history",
-          "srpolicy/liveness/live-history"},
+        {{"srpolicy/counters", "srpolicy/delay/probe-history", "srpolicy/delay/aggr-history",
+          "srpolicy/delay/adv-history", "srpolicy/liveness/live-history"},
          key(POLICY, {{1, "0xa"}}),
          {"a", "c"},
          key(POLICY, {{2, "c0000263"}}),
          key(POLICY, {}),
          {"a", "b", "c", "d", "orphan"}},
-        {{"endpoint/counters", "endpoint/delay/probe-history", "endpoint/delay/aggr-history", "endpoint/delay/adv-history",
-          "endpoint/delay/live-history"},
+        {{"endpoint/counters", "endpoint/delay/probe-history", "endpoint/delay/aggr-history",
+          "endpoint/delay/adv-history", "endpoint/delay/live-history"},
          key(ENDPOINT, {{1, "red"}}),
          {"w", "x", "z"},
          key(ENDPOINT, {{1, "purple"}}),
@@ -226,7 +229,8 @@ TEST_F(DerivedPaths, CountersAndHistoriesAreFilteredByTheDetailOfTheSameName) {
 
 TEST_F(DerivedPaths, ComponentsThatSelectEverythingStillNeedTheDetail) {
     EXPECT_EQ(listed("srpolicy/counters-filter/" + key(POLICY, {{8, "0x4"}}) + "/"), (names{"a", "b", "c", "d"}));
-    EXPECT_EQ(listed("endpoint/counters-filter/" + key(ENDPOINT, {{4, "0x1"}}) + "/"), (names{"v", "w", "x", "y", "z"}));
+    EXPECT_EQ(listed("endpoint/counters-filter/" + key(ENDPOINT, {{4, "0x1"}}) + "/"),
+              (names{"v", "w", "x", "y", "z"}));
 }
 
 TEST_F(DerivedPaths, DetailsOfOtherNodesDoNotCount) {
@@ -336,7 +340,8 @@ TEST_F(DerivedPaths, MatchesThatFillTheirBatchesEndTheListing) {
 // Profiles ---------------------------------------------------------------------------------------
 
 TEST_F(DerivedPaths, AllProfilesAreTheNamedProfiles) {
-    const names all{"0x0/0x1/gold", "0x0/0x2/gold", "0x0/0x2/silver", "0x1/0x2/gold", "0x2/0x1/live%20one", "0x3/0x2/probe"};
+    const names all{"0x0/0x1/gold", "0x0/0x2/gold",       "0x0/0x2/silver",
+                    "0x1/0x2/gold", "0x2/0x1/live%20one", "0x3/0x2/probe"};
     EXPECT_EQ(listed("name-profile/"), all);
     EXPECT_EQ(listed("all-profile/"), all);
     EXPECT_EQ(listed("all-profile"), all);
@@ -385,8 +390,10 @@ TEST_F(DerivedPaths, AProfileKeyTwiceIsTheOneProfile) {
 // Publishers -------------------------------------------------------------------------------------
 
 TEST_F(DerivedPaths, PublishersAnswerTheirStatesForDerivedPathsToo) {
-    const std::pair<std::uint32_t, errcode> nodes[] = {
-        {STOPPED_NODE, 0x40819000}, {UNREACHABLE_NODE, 0x40818600}, {STARTING_NODE, 0x40818a00}, {UNKNOWN_NODE, 0x40812a00}};
+    const std::pair<std::uint32_t, errcode> nodes[] = {{STOPPED_NODE, 0x40819000},
+                                                       {UNREACHABLE_NODE, 0x40818600},
+                                                       {STARTING_NODE, 0x40818a00},
+                                                       {UNKNOWN_NODE, 0x40812a00}};
     const std::string listings[] = {"srpolicy/detail-filter/" + key(POLICY, {{1, "0xa"}}) + "/",
                                     "srpolicy/counters-filter/" + key(POLICY, {}) + "/", "all-profile/",
                                     "name-profile-filter/0x0,0x2,gold"};

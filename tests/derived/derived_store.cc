@@ -130,7 +130,8 @@ void put_companions(filler *store, std::uint32_t node, const char *name) {
     history.PolicyName = name;
     history.Color = 99;
     history.EndPointAddress = ipv4("192.0.2.99");
-    for (const char *kind : {"delay/probe-history/", "delay/aggr-history/", "delay/adv-history/", "liveness/live-history/"}) {
+    for (const char *kind :
+         {"delay/probe-history/", "delay/aggr-history/", "delay/adv-history/", "liveness/live-history/"}) {
         store->put(node, std::string("srpolicy/") + kind + name, &history, pm_srpolicy_history_parcel_descriptor());
     }
 }
@@ -140,11 +141,13 @@ void put_policies(filler *store) {
                policy("a", 10, ipv4("10.0.0.1"),
                       {{10, 100, 200, 24000, false, false, {segment_list("sl-a1", {-1}), segment_list("sl-a2", {3})}},
                        {30, 101, 50, 24001, true, false, {segment_list("sl-a3", {})}}}));
-    put_detail(store, NODE,
-               policy("b", 20, ipv6("2001:db8::1"), {{20, 7, 100, 30000, true, true, {segment_list("sl-b", {0, -1, 5})}}}));
+    put_detail(
+        store, NODE,
+        policy("b", 20, ipv6("2001:db8::1"), {{20, 7, 100, 30000, true, true, {segment_list("sl-b", {0, -1, 5})}}}));
     put_detail(store, NODE, policy("c", 10, no_address(), {}));
     put_detail(store, NODE,
-               policy("d", 0xFFFFFFFF, ipv4("10.0.0.2"), {{10, 0, 0xFFFFFFFF, 0xFFFFF, false, true, {segment_list(nullptr, {255})}}}));
+               policy("d", 0xFFFFFFFF, ipv4("10.0.0.2"),
+                      {{10, 0, 0xFFFFFFFF, 0xFFFFF, false, true, {segment_list(nullptr, {255})}}}));
     for (const char *name : {"a", "b", "c", "d", "orphan"}) {
         put_companions(store, NODE, name);
     }
@@ -155,7 +158,8 @@ void put_policies(filler *store) {
 void put_many_policies(filler *store) {
     for (unsigned i = 0; i < MANY; ++i) {
         const std::string name = long_name(i);
-        put_detail(store, LARGE_NODE, policy(name.c_str(), i % EVERY == 0 ? MANY_COLOR : MANY_COLOR + 1, no_address(), {}));
+        put_detail(store, LARGE_NODE,
+                   policy(name.c_str(), i % EVERY == 0 ? MANY_COLOR : MANY_COLOR + 1, no_address(), {}));
         pm_srpolicy_counters_parcel counters{};
         store->put(LARGE_NODE, "srpolicy/counters/" + name, &counters, pm_srpolicy_counters_parcel_descriptor());
     }
@@ -218,7 +222,8 @@ void put_endpoints(filler *store) {
     y.EndpointLiveness = array<pm_endpoint_liveness>({liveness_section("blue", ipv6("2001:db8::2"), "sl-y")});
     pm_endpoint_common z{};
     z.EndpointProbe = array<pm_endpoint_probe>({probe_section("red", ipv4("10.1.0.3"), "sl-z")});
-    const std::pair<const char *, pm_endpoint_common *> endpoints[] = {{"v", &v}, {"w", &w}, {"x", &x}, {"y", &y}, {"z", &z}};
+    const std::pair<const char *, pm_endpoint_common *> endpoints[] = {
+        {"v", &v}, {"w", &w}, {"x", &x}, {"y", &y}, {"z", &z}};
     for (const auto &[name, record] : endpoints) {
         record->EndpointName = name;
         store->put(NODE, std::string("endpoint/detail/") + name, record, pm_endpoint_common_descriptor());
@@ -275,7 +280,8 @@ void put_tunnels(filler *store) {
 }
 
 void put_profiles(filler *store) {
-    for (const char *path : {"0x0/0x1/gold", "0x0/0x2/gold", "0x0/0x2/silver", "0x1/0x2/gold", "0x2/0x1/live%20one", "0x3/0x2/probe"}) {
+    for (const char *path :
+         {"0x0/0x1/gold", "0x0/0x2/gold", "0x0/0x2/silver", "0x1/0x2/gold", "0x2/0x1/live%20one", "0x3/0x2/probe"}) {
         pm_name_profile_parcel record{};
         record.Name = path;
         store->put(NODE, std::string("name-profile/") + path, &record, pm_name_profile_parcel_descriptor());

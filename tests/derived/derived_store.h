@@ -24,19 +24,19 @@ namespace derived_test {
 using names = std::vector<std::string>;
 
 inline constexpr std::uint32_t BATCH = 200;
-inline constexpr std::uint32_t NODE = 1;           // of the policies, endpoints, tunnels and profiles
-inline constexpr std::uint32_t OTHER_NODE = 2;     // a detail record without counters, counters without one
-inline constexpr std::uint32_t LARGE_NODE = 3;     // MANY policies with long names
+inline constexpr std::uint32_t NODE = 1;        // of the policies, endpoints, tunnels and profiles
+inline constexpr std::uint32_t OTHER_NODE = 2;  // a detail record without counters, counters without one
+inline constexpr std::uint32_t LARGE_NODE = 3;  // MANY policies with long names
 inline constexpr std::uint32_t STOPPED_NODE = 4;
 inline constexpr std::uint32_t UNREACHABLE_NODE = 5;
 inline constexpr std::uint32_t STARTING_NODE = 6;
-inline constexpr std::uint32_t EMPTY_NODE = 7;     // a running publisher without items
-inline constexpr std::uint32_t UNKNOWN_NODE = 8;   // no publisher ever
+inline constexpr std::uint32_t EMPTY_NODE = 7;    // a running publisher without items
+inline constexpr std::uint32_t UNKNOWN_NODE = 8;  // no publisher ever
 
 inline constexpr unsigned MANY = 1000;
-inline constexpr unsigned EVERY = 4;               // every fourth of MANY has MANY_COLOR
+inline constexpr unsigned EVERY = 4;  // every fourth of MANY has MANY_COLOR
 inline constexpr std::uint32_t MANY_COLOR = 7;
-std::string long_name(unsigned number);            // longer than a caller keeps
+std::string long_name(unsigned number);  // longer than a caller keeps
 
 // Fills the store that the URL names, in a process of its own.
 bool fill_store(const char *url);

@@ -84,15 +84,18 @@ resolution on(const router &what, std::vector<std::string> words, Resolve resolv
     return result;
 }
 
-resolution resolved(const router &what, const std::vector<std::string> &words) { return on(what, words, pm_show_resolve_node); }
+resolution resolved(const router &what, const std::vector<std::string> &words) {
+    return on(what, words, pm_show_resolve_node);
+}
 
 // The node after a request is built.
 std::uint32_t requested(const router &what, const std::vector<std::string> &words) {
-    return on(what, words, [] {
-               pm_show_request request{};
-               pm_show_path path;
-               return pm_show_build_request(&request, path) == pm_show_build::READY ? ERRCODE_SUCCESS : ~0U;
-           })
+    return on(what, words,
+              [] {
+                  pm_show_request request{};
+                  pm_show_path path;
+                  return pm_show_build_request(&request, path) == pm_show_build::READY ? ERRCODE_SUCCESS : ~0U;
+              })
         .node;
 }
 
@@ -137,7 +140,8 @@ TEST(Resolution, WithoutAnActiveRouteProcessorAllNodesAreRead) {
 }
 
 TEST(Resolution, ANameThatIsNoInterfacesLeavesAllNodes) {
-    for (const char *name : {"policy-a", "eth", "0/1/0/4", "eth0/1/0", "eth0/1/0/4/5", "eth0/1/0/4.", "eth0/1/0/4x", "eth0/1//4", ""}) {
+    for (const char *name :
+         {"policy-a", "eth", "0/1/0/4", "eth0/1/0", "eth0/1/0/4/5", "eth0/1/0/4.", "eth0/1/0/4x", "eth0/1//4", ""}) {
         EXPECT_EQ(resolved(DISTRIBUTED, {"-i", name}), (resolution{22, PM_SHOW_ALL_NODES})) << name;
     }
     EXPECT_EQ(resolved(DISTRIBUTED, {}), (resolution{22, PM_SHOW_ALL_NODES}));

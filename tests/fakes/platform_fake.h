@@ -60,7 +60,7 @@ struct fake_platform {
     // The codec and memory.
     std::map<std::string, errcode> undecodable;  // by the item's data
     bool out_of_memory = false;
-    std::string allocated;                       // "count * size tag" of the last calloc_named
+    std::string allocated;  // "count * size tag" of the last calloc_named
 
     // Inventory and redundancy.
     errcode inventory_code = ERRCODE_SUCCESS;

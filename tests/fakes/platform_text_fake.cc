@@ -17,9 +17,7 @@
 
 platform_text_fake platform_fake;
 
-void reset_platform_text_fake() {
-    platform_fake = platform_text_fake{};
-}
+void reset_platform_text_fake() { platform_fake = platform_text_fake{}; }
 
 namespace {
 
@@ -40,21 +38,15 @@ char *heap_text(const char *text) {
 
 }  // namespace
 
-const char *inet_ntoa_r(std::uint32_t address) {
-    return address_text(AF_INET, &address);
-}
+const char *inet_ntoa_r(std::uint32_t address) { return address_text(AF_INET, &address); }
 
-const char *inet6_ntoa_r(const std::uint8_t *octets) {
-    return address_text(AF_INET6, octets);
-}
+const char *inet6_ntoa_r(const std::uint8_t *octets) { return address_text(AF_INET6, octets); }
 
 const char *ip_addr_string(const ip_prefix *prefix) {
     return address_text(prefix->family == IP_FAMILY_IPV4 ? AF_INET : AF_INET6, prefix->octets);
 }
 
-std::uint8_t *ip_addr_ptr(ip_prefix *prefix) {
-    return prefix->octets;
-}
+std::uint8_t *ip_addr_ptr(ip_prefix *prefix) { return prefix->octets; }
 
 errcode memcpy_s(void *destination, std::size_t size, const void *source, std::size_t count) {
     if (count > size) {
@@ -82,9 +74,7 @@ const char *interface_name(std::uint32_t, std::uint32_t flags) {
     return platform_fake.interface;
 }
 
-void kal_time_get_timespec_realtime(std::timespec *now) {
-    *now = platform_fake.now;
-}
+void kal_time_get_timespec_realtime(std::timespec *now) { *now = platform_fake.now; }
 
 std::uint64_t kal_timespec_to_msec64(const std::timespec *time) {
     return static_cast<std::uint64_t>(time->tv_sec) * 1000 + static_cast<std::uint64_t>(time->tv_nsec) / 1000000;

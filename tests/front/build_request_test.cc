@@ -188,8 +188,7 @@ TEST_F(BuildRequestTest, InterfaceHistories) {
 TEST_F(BuildRequestTest, SrPolicyHistories) {
     expect_all({
         {"-c 4 -t 19", MAIN, "srpolicy/delay/probe-history/", "pm_srpolicy_history_parcel", 56, 200, LIST, ALL},
-        {"-c 4 -t 19 -i X", MAIN, "srpolicy/delay/probe-history/X", "pm_srpolicy_history_parcel", 56, 200, SINGLE,
-         ALL},
+        {"-c 4 -t 19 -i X", MAIN, "srpolicy/delay/probe-history/X", "pm_srpolicy_history_parcel", 56, 200, SINGLE, ALL},
         {"-c 4 -t 19 -f 1", MAIN,
          "srpolicy/delay/probe-history-filter/0x1,________,________,________,________,________,________,________,"
          "________,________,________/",
@@ -214,8 +213,8 @@ TEST_F(BuildRequestTest, RsvpTeHistoriesAreLocal) {
         {"-c 4 -t 21 -a 1", MAIN, "rsvpte/delay/probe-history-filter/0x1,________/", "pm_rsvpte_history_parcel", 24,
          200, LIST, LOCAL},
         {"-c 5 -t 21", MAIN, "rsvpte/delay/aggr-history/", "pm_rsvpte_history_parcel", 24, 200, LIST, LOCAL},
-        {"-c 5 -t 21 -a 1", MAIN, "rsvpte/delay/aggr-history-filter/0x1,________/", "pm_rsvpte_history_parcel", 24,
-         200, LIST, LOCAL},
+        {"-c 5 -t 21 -a 1", MAIN, "rsvpte/delay/aggr-history-filter/0x1,________/", "pm_rsvpte_history_parcel", 24, 200,
+         LIST, LOCAL},
         {"-c 20 -t 21", MAIN, "rsvpte/delay/adv-history/", "pm_rsvpte_history_parcel", 24, 200, LIST, LOCAL},
         {"-c 20 -t 21 -a 1 -i X", MAIN, "rsvpte/delay/adv-history-filter/0x1,________/X", "pm_rsvpte_history_parcel",
          24, 200, SINGLE, LOCAL},
@@ -225,8 +224,7 @@ TEST_F(BuildRequestTest, RsvpTeHistoriesAreLocal) {
 TEST_F(BuildRequestTest, EndpointHistoriesAreNotLocal) {
     expect_all({
         {"-c 4 -t 29", MAIN, "endpoint/delay/probe-history/", "pm_endpoint_history_parcel", 88, 200, LIST, ALL},
-        {"-c 4 -t 29 -i X", MAIN, "endpoint/delay/probe-history/X", "pm_endpoint_history_parcel", 88, 200, SINGLE,
-         ALL},
+        {"-c 4 -t 29 -i X", MAIN, "endpoint/delay/probe-history/X", "pm_endpoint_history_parcel", 88, 200, SINGLE, ALL},
         {"-c 4 -t 29 -h 2", MAIN, "endpoint/delay/probe-history-filter/________,________,________,0x2/",
          "pm_endpoint_history_parcel", 88, 200, LIST, ALL},
         {"-c 5 -t 29", MAIN, "endpoint/delay/aggr-history/", "pm_endpoint_history_parcel", 88, 200, LIST, ALL},
@@ -312,7 +310,8 @@ TEST_F(BuildRequestTest, ASubtypeOfACommandWithoutSubtypesMeansNothing) {
 }
 
 TEST_F(BuildRequestTest, AnEmptyNameIsANameAndThePathEndsAtThePrefix) {
-    expect_all({  // two blanks: an empty argument of -i between them
+    expect_all({
+        // two blanks: an empty argument of -i between them
         {"-i  -c 1", MAIN, "intf/detail/", "pm_intf_parcel", 288, 200, SINGLE, ALL},
         {"-i  -c 7", RESP, "intf/", "pm_resp_intf_parcel", 168, 200, SINGLE, ALL},
         {"-i  -c 16", MAIN, "rsvpte/counters/", "pm_rsvpte_counters_parcel", 24, 200, SINGLE, LOCAL},

@@ -187,9 +187,8 @@ TEST_F(ComposeTest, TextComponentsAreCutAt63Bytes) {
     fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
     const std::string cut(63, 'x');
     EXPECT_EQ(endpoint("-V " + cut + "y -n " + cut + "z"), "plain-filter/" + cut + ",________," + cut + ",________/");
-    EXPECT_EQ(srpolicy("-n " + cut + "z"),
-              "plain-filter/________,________,________,________,________," + cut +
-                  ",________,________,________,________,________/");
+    EXPECT_EQ(srpolicy("-n " + cut + "z"), "plain-filter/________,________,________,________,________," + cut +
+                                               ",________,________,________,________,________/");
 }
 
 TEST_F(ComposeTest, AnAddressComponentIsCutAt255Bytes) {

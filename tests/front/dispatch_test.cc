@@ -75,12 +75,11 @@ TEST_F(DispatchTest, AShowIsReadFromEveryNodeAndEndsWithStatus0AlsoWhenItFails) 
     EXPECT_EQ(status, 0);
     EXPECT_EQ(output.err, "");
     EXPECT_EQ(output.out, "\n" + std::string(pm_show_separator) + "lc1\n" + pm_show_separator + "Item not found\n" +
-                              "\n" + std::string(pm_show_separator) + "lc2\n" + pm_show_separator +
-                              "Item not found\n" + "\n");
+                              "\n" + std::string(pm_show_separator) + "lc2\n" + pm_show_separator + "Item not found\n" +
+                              "\n");
     EXPECT_EQ(fake.calls, (std::vector<std::string>{"inventory 7", "partner of central-services", "client_present",
                                                     "bind /oper/perf_meas/main/node/1/ 4", "get summary 0", "unbind",
-                                                    "bind /oper/perf_meas/main/node/2/ 4", "get summary 0",
-                                                    "unbind"}));
+                                                    "bind /oper/perf_meas/main/node/2/ 4", "get summary 0", "unbind"}));
 }
 
 }  // namespace

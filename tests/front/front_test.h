@@ -63,8 +63,8 @@ protected:
 private:
     // The program never frees its options; a test process parses many times.
     static void free_texts() {
-        for (const char **text : {&pm_show_options.name, &pm_show_options.n_text, &pm_show_options.profile_name,
-                                  &pm_show_options.V_text}) {
+        for (const char **text :
+             {&pm_show_options.name, &pm_show_options.n_text, &pm_show_options.profile_name, &pm_show_options.V_text}) {
             std::free(const_cast<char *>(*text));
             *text = nullptr;
         }

@@ -145,8 +145,7 @@ TEST_F(GenericShowTest, AListingBeginsAfterTheStartKeyCutAt127Bytes) {
 TEST_F(GenericShowTest, AFullBatchIsFollowedByAnotherRequestWithoutAskingForMore) {
     fake.batches = {batch_of(1, 200)};
     const printed output = show(list_request());
-    EXPECT_EQ(calls_of("list"),
-              (calls{"list intf/detail/ after [] 200 0", "list intf/detail/ after [k200] 200 32"}));
+    EXPECT_EQ(calls_of("list"), (calls{"list intf/detail/ after [] 200 0", "list intf/detail/ after [k200] 200 32"}));
     EXPECT_EQ(calls_of("more"), calls{});
     EXPECT_EQ(output.out.find("[no record]"), std::string::npos);
     EXPECT_EQ(output.out.substr(output.out.size() - 7), "\n[d200]");
@@ -156,8 +155,7 @@ TEST_F(GenericShowTest, AFullBatchIsFollowedByAnotherRequestWithoutAskingForMore
 TEST_F(GenericShowTest, ListingResumesAfterTheLastKeyOfAFullBatch) {
     fake.batches = {batch_of(1, 200), batch_of(201, 1)};
     const printed output = show(list_request());
-    EXPECT_EQ(calls_of("list"),
-              (calls{"list intf/detail/ after [] 200 0", "list intf/detail/ after [k200] 200 32"}));
+    EXPECT_EQ(calls_of("list"), (calls{"list intf/detail/ after [] 200 0", "list intf/detail/ after [k200] 200 32"}));
     EXPECT_EQ(calls_of("more").size(), 1U);
     EXPECT_EQ(calls_of("decode").size(), 201U);
     EXPECT_EQ(output.out.substr(output.out.size() - 14), "\n[d200]\n[d201]");
@@ -166,9 +164,8 @@ TEST_F(GenericShowTest, ListingResumesAfterTheLastKeyOfAFullBatch) {
 TEST_F(GenericShowTest, APartialBatchIsFollowedByAnotherRequestWhenMoreItemsFollow) {
     fake.batches = {batch_of(1, 2, 1), batch_of(3, 1, 1), batch_of(4, 1, 0), batch_of(5, 1)};
     EXPECT_EQ(show(list_request()).out, node + "\n[d1]\n[d2]\n[d3]\n[d4]");
-    EXPECT_EQ(calls_of("list"),
-              (calls{"list intf/detail/ after [] 200 0", "list intf/detail/ after [k2] 200 32",
-                     "list intf/detail/ after [k3] 200 32"}));
+    EXPECT_EQ(calls_of("list"), (calls{"list intf/detail/ after [] 200 0", "list intf/detail/ after [k2] 200 32",
+                                       "list intf/detail/ after [k3] 200 32"}));
 }
 
 TEST_F(GenericShowTest, AFullBatchKeepsTheMoreFlagOfTheBatchBefore) {
@@ -308,8 +305,7 @@ TEST_F(GenericShowTest, AMoreFlagThatCannotBeReadEndsTheListingBeforeItsItems) {
     EXPECT_EQ(result, 0U);
 }
 
-constexpr char not_freed[] =
-    "generic_datalist_show: Cannot free the data from system database: errcode 41 (0x29)\n";
+constexpr char not_freed[] = "generic_datalist_show: Cannot free the data from system database: errcode 41 (0x29)\n";
 
 TEST_F(GenericShowTest, ABatchThatCannotBeFreedIsReportedAndTheListingGoesOn) {
     fake.batches = {batch_of(1, 1, 1), batch_of(2, 1)};

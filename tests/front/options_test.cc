@@ -79,9 +79,9 @@ TEST_F(OptionsTest, FilterNumbersAreStoredOneByOneWithTheirFlags) {
         std::uint32_t record::*value;
         std::uint32_t default_value;
     } const filters[] = {
-        {"-f", &record::f_set, &record::f_value, 0},      {"-o", &record::o_set, &record::o_value, 0},
-        {"-g", &record::g_set, &record::g_value, 0},      {"-m", &record::m_set, &record::m_value, 0},
-        {"-h", &record::h_set, &record::h_value, 4},      {"-u", &record::u_set, &record::u_value, 0xFFFF},
+        {"-f", &record::f_set, &record::f_value, 0},        {"-o", &record::o_set, &record::o_value, 0},
+        {"-g", &record::g_set, &record::g_value, 0},        {"-m", &record::m_set, &record::m_value, 0},
+        {"-h", &record::h_set, &record::h_value, 4},        {"-u", &record::u_set, &record::u_value, 0xFFFF},
         {"-k", &record::k_set, &record::k_value, 0x100000}, {"-a", &record::a_set, &record::a_value, 0},
     };
     for (const auto &filter : filters) {

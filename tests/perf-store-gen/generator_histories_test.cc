@@ -47,21 +47,23 @@ struct history_check {
             break;
         case PM_HISTORY_DM_AGGREGATION:
             for (const auto &sample : history.AggregatedHistory.AggregatedHistoryList) {
-                time(sample.AggregationTimestamp, &sample == history.AggregatedHistory.AggregatedHistoryList.begin(), path);
+                time(sample.AggregationTimestamp, &sample == history.AggregatedHistory.AggregatedHistoryList.begin(),
+                     path);
                 delays(sample.AggregatedProbeValues, path);
             }
             break;
         case PM_HISTORY_DM_ADVERTISEMENT:
             for (const auto &sample : history.AdvertisementHistory.AdvertisementHistoryList) {
-                time(sample.AdvertisementTimestamp, &sample == history.AdvertisementHistory.AdvertisementHistoryList.begin(),
-                     path);
+                time(sample.AdvertisementTimestamp,
+                     &sample == history.AdvertisementHistory.AdvertisementHistoryList.begin(), path);
                 delays(sample.AdvertisedValues, path);
                 EXPECT_NE(sample.AdvertisementReason, PM_ADVERT_REASON_NONE) << path;
             }
             break;
         case PM_HISTORY_LIVENESS:
             for (const auto &sample : history.LivenessHistory.LivenessHisotryList) {
-                time(sample.LivenessStateChangeTimestamp, &sample == history.LivenessHistory.LivenessHisotryList.begin(), path);
+                time(sample.LivenessStateChangeTimestamp,
+                     &sample == history.LivenessHistory.LivenessHisotryList.begin(), path);
             }
             break;
         case PM_HISTORY_LM_PACKET:
@@ -80,9 +82,10 @@ struct history_check {
 TEST(GeneratorHistories, InterfaceSamplesAreInOrderUpToTheBaseTime) {
     history_check check;
     for (const char *prefix : {"intf/delay/", "intf/loss/"}) {
-        many().each<pm_intf_history_parcel>(prefix, [&](const generated_item &item, const pm_intf_history_parcel &history) {
-            check.check(history.HistoryInfo, item.path);
-        });
+        many().each<pm_intf_history_parcel>(prefix,
+                                            [&](const generated_item &item, const pm_intf_history_parcel &history) {
+                                                check.check(history.HistoryInfo, item.path);
+                                            });
     }
     EXPECT_GT(check.samples, 1000U);
     EXPECT_EQ(check.newest, BASE_MSEC);

@@ -40,7 +40,8 @@ TEST(Generator, OneMoreInterfaceLeavesThePoliciesAsTheyWere) {
         std::vector<std::uint64_t> sent;
         set.each<pm_srpolicy_counters_parcel>("srpolicy/counters/", [&](const generated_item &, const auto &policy) {
             for (const auto &candidate : policy.CandidateCounters) {
-                sent.push_back(candidate.Counters != nullptr ? candidate.Counters->GenericCounters.QueryPacketsSent : 0);
+                sent.push_back(candidate.Counters != nullptr ? candidate.Counters->GenericCounters.QueryPacketsSent
+                                                             : 0);
             }
         });
         return sent;

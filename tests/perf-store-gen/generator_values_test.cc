@@ -124,7 +124,8 @@ TEST(GeneratorSummary, PolicyTotalsAreThoseOfAllLevelsOfTheCounters) {
                     of_paths += is_delay ? path.Counters->GenericCounters.QueryPacketsSent
                                          : path.LivenessCounters->QueryPacketsSent;
                 }
-                EXPECT_EQ(is_delay ? list.Counters->GenericCounters.QueryPacketsSent : list.LivenessCounters->QueryPacketsSent,
+                EXPECT_EQ(is_delay ? list.Counters->GenericCounters.QueryPacketsSent
+                                   : list.LivenessCounters->QueryPacketsSent,
                           of_paths)
                     << item.path;
                 of_lists += of_paths;

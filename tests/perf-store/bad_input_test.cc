@@ -74,7 +74,8 @@ TEST_F(BadInput, NamesFileLineAndTheMembersPath) {
 }
 
 TEST_F(BadInput, AnErrorInTheLastLineChangesNothing) {
-    expect_refused(CHANGES + item_with(R"({"Average":-1})"s), "set.ndjson:7: item.record.Average: -1 is out of range for D");
+    expect_refused(CHANGES + item_with(R"({"Average":-1})"s),
+                   "set.ndjson:7: item.record.Average: -1 is out of range for D");
 }
 
 TEST_F(BadInput, AnErrorInTheLastFileChangesNothing) {
@@ -120,7 +121,8 @@ TEST_F(BadInput, NotJson) {
         const outcome loaded = load(CHANGES + wrong + "\n");
         EXPECT_EQ(loaded.status, 1);
         EXPECT_EQ(loaded.out, "");
-        EXPECT_TRUE(loaded.error.starts_with("set.ndjson:7: ") || loaded.error.starts_with("set.ndjson:8: ")) << loaded.error;
+        EXPECT_TRUE(loaded.error.starts_with("set.ndjson:7: ") || loaded.error.starts_with("set.ndjson:8: "))
+            << loaded.error;
         EXPECT_TRUE(is_one_line(loaded.error)) << loaded.error;
         EXPECT_EQ(dump(), BEFORE);
     }
@@ -188,7 +190,8 @@ TEST_F(BadInput, Node) {
     expect(R"({"node":{"id":1,"name":1}})", "node.name: expected text, found a number");
     expect(R"({"node":{"id":1,"name":"a\u0000b"}})", "node.name: text holds a zero byte");
     expect(R"({"node":{"id":1,"name":"lc1","sw_state":-1}})", "node.sw_state: -1 is out of range for U");
-    expect(R"({"node":{"id":1,"name":"lc1","processor":4294967296}})", "node.processor: 4294967296 is out of range for N");
+    expect(R"({"node":{"id":1,"name":"lc1","processor":4294967296}})",
+           "node.processor: 4294967296 is out of range for N");
     expect(R"({"node":{"id":1,"name":"lc1","location":[0,1]}})", "node.location: a location has three numbers");
     expect(R"({"node":{"id":1,"name":"lc1","location":[0,1,2,3]}})", "node.location: a location has three numbers");
     expect(R"({"node":{"id":1,"name":"lc1","location":1}})", "node.location: expected an array, found a number");
@@ -199,7 +202,8 @@ TEST_F(BadInput, Interface) {
     expect(R"({"interface":{"name":"eth0/1/0/4"}})", "interface.handle: is missing");
     expect(R"({"interface":{"handle":1}})", "interface.name: is missing");
     expect(R"({"interface":{"handle":1,"name":"eth0","mtu":1500}})", "interface.mtu: unknown member");
-    expect(R"({"interface":{"handle":4294967296,"name":"eth0"}})", "interface.handle: 4294967296 is out of range for U");
+    expect(R"({"interface":{"handle":4294967296,"name":"eth0"}})",
+           "interface.handle: 4294967296 is out of range for U");
     expect(R"({"interface":{"handle":1,"name":[]}})", "interface.name: expected text, found an array");
 }
 
@@ -230,7 +234,8 @@ TEST_F(BadInput, ItemMembers) {
            "item.node: 4294967296 is out of range for N");
     expect(R"({"item":{"root":"main","node":0,"path":"a","type":"pm_no_parcel","record":{}}})",
            "item.type: unknown record type pm_no_parcel");
-    expect(R"({"item":{"root":"main","node":0,"path":"a","type":null,"record":{}}})", "item.type: expected text, found null");
+    expect(R"({"item":{"root":"main","node":0,"path":"a","type":null,"record":{}}})",
+           "item.type: expected text, found null");
     expect(item_with("[]"), "item.record: expected an object, found an array");
     expect(item_with("null"), "item.record: expected an object, found null");
 }
@@ -282,7 +287,8 @@ TEST_F(BadInput, APrettyPrintedSetsErrorNamesTheMembersOwnLine) {
 }
 )",
                    "set.ndjson:15: item.record.Maximum: -3 is out of range for D");
-    expect_refused("{\n\"node\": {\n\"id\": 1,\n\"name\":\n\nnull\n}\n}\n", "set.ndjson:6: node.name: expected text, found null");
+    expect_refused("{\n\"node\": {\n\"id\": 1,\n\"name\":\n\nnull\n}\n}\n",
+                   "set.ndjson:6: node.name: expected text, found null");
     expect_refused("{\n\"node\": {\n\"id\": 1,\n\"name\": \"lc1\",\n\"slot\": 1\n}\n}\n",
                    "set.ndjson:5: node.slot: unknown member");
     expect_refused("\n\n{\n\"node\":\n{\n\"id\": 1\n}\n}\n", "set.ndjson:5: node.name: is missing");
@@ -298,7 +304,8 @@ std::string nested_history(std::size_t depth) {
     for (std::size_t i = 0; i < depth; ++i) {
         record += "]}";
     }
-    return R"({"item":{"root":"main","node":0,"path":"history","type":"pm_intf_history_parcel","record":)" + record + "}}";
+    return R"({"item":{"root":"main","node":0,"path":"history","type":"pm_intf_history_parcel","record":)" + record +
+           "}}";
 }
 
 TEST_F(BadInput, ARecordNestedTooDeeply) {

@@ -52,7 +52,8 @@ std::string publisher(const std::string &root, const std::string &node, const st
 }
 
 std::string node(const std::string &id, const std::string &name) {
-    return R"({"node":{"id":)" + id + R"(,"name":")" + name + R"(","sw_state":6,"location":[0,0,0],"processor":)" + id + "}}\n";
+    return R"({"node":{"id":)" + id + R"(,"name":")" + name + R"(","sw_state":6,"location":[0,0,0],"processor":)" + id +
+           "}}\n";
 }
 
 // Usage ------------------------------------------------------------------------------------------
@@ -79,7 +80,8 @@ TEST_F(Commands, VersionIsPrintedOnRequest) {
     EXPECT_EQ(asked.error, "");
     EXPECT_TRUE(is_one_line(asked.out)) << asked.out;
     unsigned numbers[3] = {};
-    EXPECT_EQ(std::sscanf(asked.out.c_str(), "perf-store %u.%u.%u", &numbers[0], &numbers[1], &numbers[2]), 3) << asked.out;
+    EXPECT_EQ(std::sscanf(asked.out.c_str(), "perf-store %u.%u.%u", &numbers[0], &numbers[1], &numbers[2]), 3)
+        << asked.out;
 }
 
 TEST_F(Commands, WrongUsageIsStatusTwo) {
@@ -131,9 +133,10 @@ TEST_F(Commands, TypesListsEveryTypeWithVersionAndSize) {
         lines.push_back(squeezed(line));
     }
     EXPECT_EQ(lines.size(), 200U);
-    for (const char *wanted : {"pm_values_parcel 19.8 16", "pm_srpolicy_parcel 19.8 96", "pm_session_parcel 19.8 584",
-                               "pm_resp_summary_parcel 1.1 112", "pm_rx_udp_npu_ports_parcel 1.1 14",
-                               "pm_chkpt_scb_parcel 2.0 16", "pm_stats_batch_t 19.8 280", "pm_queue_stats_parcel 1.1 24"}) {
+    for (const char *wanted :
+         {"pm_values_parcel 19.8 16", "pm_srpolicy_parcel 19.8 96", "pm_session_parcel 19.8 584",
+          "pm_resp_summary_parcel 1.1 112", "pm_rx_udp_npu_ports_parcel 1.1 14", "pm_chkpt_scb_parcel 2.0 16",
+          "pm_stats_batch_t 19.8 280", "pm_queue_stats_parcel 1.1 24"}) {
         EXPECT_EQ(std::count(lines.begin(), lines.end(), wanted), 1) << wanted;
     }
 }
@@ -148,8 +151,8 @@ TEST_F(Commands, SchemaPrintsSchemaSizeAndOffsets) {
     }
     // An address: its kind, four bytes of padding, and the sixteen bytes of the larger arm.
     for (const char *wanted :
-         {"type pm_segment_parcel", "version 19.8", "library lib_pm_show_parcel_desc.dll", "size 40", "0 24 $55 IPAddress",
-          "24 8 p(D) MPLSLabel", "32 8 p($109) USIDInfo",
+         {"type pm_segment_parcel", "version 19.8", "library lib_pm_show_parcel_desc.dll", "size 40",
+          "0 24 $55 IPAddress", "24 8 p(D) MPLSLabel", "32 8 p($109) USIDInfo",
           "schema $110={IPAddress}$55{MPLSLabel}p(D){USIDInfo}p($109);$54=16x%s;"
           "$55=?(<IPAddressType,pm_addr_type_e>,0:{IPv4}N,1:{IPv6}$54,2:v);"
           "$109={SIDValue}16x%s{USIDLength}C{SIDFormat}[MgmtSRv6_SIDFmtType]e{SIDBehavior}p(I);"}) {
@@ -258,8 +261,10 @@ TEST_F(Load, WhatIsLeftOutOfANodeHasItsDefault) {
 }
 
 TEST_F(Load, ANodeKeepsWhatItIsGiven) {
-    const std::string given =
-        R"({"node":{"id":4294967295,"name":"K)" "\xC3\xB6" R"(ln","sw_state":0,"location":[4294967295,0,7],"processor":0}})" "\n";
+    const std::string given = R"({"node":{"id":4294967295,"name":"K)"
+                              "\xC3\xB6"
+                              R"(ln","sw_state":0,"location":[4294967295,0,7],"processor":0}})"
+                              "\n";
     load_good(given);
     EXPECT_EQ(dump(), EMPTY + given);
 }
@@ -267,10 +272,9 @@ TEST_F(Load, ANodeKeepsWhatItIsGiven) {
 TEST_F(Load, EveryMemberOfThePlatformIsOptional) {
     load_good(R"({"platform":{}})");
     EXPECT_EQ(dump(), EMPTY + std::string(R"({"platform":{"router_type":0,"rp_plus_datapath":false}})") + "\n");
-    const std::string all =
-        R"({"platform":{"my_node":0,"router_type":3,"rp_plus_datapath":true,"active_rp":256,)"
-        R"("process_group_partners":{"central-services":512}}})"
-        "\n";
+    const std::string all = R"({"platform":{"my_node":0,"router_type":3,"rp_plus_datapath":true,"active_rp":256,)"
+                            R"("process_group_partners":{"central-services":512}}})"
+                            "\n";
     load_good(all);
     EXPECT_EQ(dump(), EMPTY + all);
 }
@@ -290,7 +294,8 @@ TEST_F(Load, ASecondNodeOfTheSameIdTakesTheFirstOnesPlace) {
 }
 
 TEST_F(Load, AnItemReplacesTheOneOfItsPathOnly) {
-    load_good(item("main", "0", "a", 1) + item("main", "0", "a/b", 2) + item("main", "1", "a", 3) + item("rx", "0", "a", 4));
+    load_good(item("main", "0", "a", 1) + item("main", "0", "a/b", 2) + item("main", "1", "a", 3) +
+              item("rx", "0", "a", 4));
     load_good(item("main", "0", "a", 9));
     EXPECT_EQ(dump(), EMPTY + publisher("main", "0", "running") + publisher("main", "1", "running") +
                           publisher("rx", "0", "running") + item("main", "0", "a", 9) + item("main", "0", "a/b", 2) +
@@ -300,7 +305,8 @@ TEST_F(Load, AnItemReplacesTheOneOfItsPathOnly) {
 TEST_F(Load, AnItemMayBeReplacedByOneOfAnotherType) {
     load_good(item("main", "0", "a", 1));
     const std::string other =
-        R"({"item":{"root":"main","node":0,"path":"a","type":"pm_chkpt_scb_parcel","record":{"buf":"00ff"}}})" "\n";
+        R"({"item":{"root":"main","node":0,"path":"a","type":"pm_chkpt_scb_parcel","record":{"buf":"00ff"}}})"
+        "\n";
     load_good(other);
     EXPECT_EQ(dump(), EMPTY + publisher("main", "0", "running") + other);
 }
@@ -335,12 +341,14 @@ TEST_F(Load, NumbersMayBeText) {
               R"({"platform":{"my_node":"0x1f","router_type":"010"}})"
               R"({"interface":{"handle":"0xffffffff","name":""}})"
               R"({"publisher":{"root":"main","node":"017","state":"stopped"}})");
-    EXPECT_EQ(dump(), EMPTY + std::string(R"({"platform":{"my_node":31,"router_type":8,"rp_plus_datapath":false}})") + "\n" +
-                          R"({"interface":{"handle":4294967295,"name":""}})" + "\n" + publisher("main", "15", "stopped"));
+    EXPECT_EQ(dump(), EMPTY + std::string(R"({"platform":{"my_node":31,"router_type":8,"rp_plus_datapath":false}})") +
+                          "\n" + R"({"interface":{"handle":4294967295,"name":""}})" + "\n" +
+                          publisher("main", "15", "stopped"));
 }
 
 TEST_F(Load, MembersMayComeInAnyOrder) {
-    load_good(R"({"item":{"record":{"Variance":0,"Average":5},"type":"pm_values_parcel","path":"a","node":0,"root":"main"}})");
+    load_good(
+        R"({"item":{"record":{"Variance":0,"Average":5},"type":"pm_values_parcel","path":"a","node":0,"root":"main"}})");
     EXPECT_EQ(dump(), EMPTY + publisher("main", "0", "running") + item("main", "0", "a", 5));
 }
 
@@ -413,7 +421,8 @@ TEST_F(Dump, OfADumpIsTheSameDumpForRecordsOfEveryType) {
             const random_record record(type, seed);
             std::string line = R"({"item":{"root":"main","node":256,"path":")" + std::string(type->name) + "/" +
                                std::to_string(seed) + R"(","type":")" + type->name + R"(","record":)";
-            perf_store::append_record(record.data(), perf_store::shape_of(type).record(), perf_store::json_fields::set, &line);
+            perf_store::append_record(record.data(), perf_store::shape_of(type).record(), perf_store::json_fields::set,
+                                      &line);
             items.push_back(line + "}}\n");
         }
     }
@@ -504,8 +513,9 @@ TEST_F(DumpPart, AllOfThem) {
 }
 
 TEST_F(DumpPart, HasThePublishersOfItsBranches) {
-    EXPECT_EQ(run({"dump", "--root", "rx"}).out, EMPTY + publisher("rx", "256", "running") + publisher("rx", "512", "stopped") +
-                                                      item("rx", "256", "intf/detail/eth0", 5));
+    EXPECT_EQ(run({"dump", "--root", "rx"}).out, EMPTY + publisher("rx", "256", "running") +
+                                                     publisher("rx", "512", "stopped") +
+                                                     item("rx", "256", "intf/detail/eth0", 5));
     EXPECT_EQ(run({"dump", "--root", "main", "--node", "512"}).out,
               EMPTY + publisher("main", "512", "running") + item("main", "512", "intf/detail/eth0", 4));
 }

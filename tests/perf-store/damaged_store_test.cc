@@ -17,10 +17,11 @@ using namespace std::string_literals;
 
 constexpr std::size_t PAGE = 4096;
 constexpr std::size_t META_PAGES = 2;
-constexpr std::size_t META_AT = 16;     // behind the page's header
+constexpr std::size_t META_AT = 16;  // behind the page's header
 constexpr std::size_t META_SIZE = 136;
 
-constexpr char ONE_MORE[] = R"({"item":{"root":"main","node":0,"path":"values/one-more","type":"pm_values_parcel","record":{}}})";
+constexpr char ONE_MORE[] =
+    R"({"item":{"root":"main","node":0,"path":"values/one-more","type":"pm_values_parcel","record":{}}})";
 
 // A store of several pages: two levels of the tree, values beside their keys and values in pages of their own.
 std::string many_items() {
@@ -98,7 +99,8 @@ TEST_F(DamagedStore, TheTestsOwnStoreIsSound) {
 }
 
 TEST_F(DamagedStore, CutShortIsRefused) {
-    for (const std::size_t size : {1UL, 15UL, 16UL, 23UL, 24UL, 100UL, 4095UL, 4096UL, 4097UL, 8191UL, 8192UL, 8193UL}) {
+    for (const std::size_t size :
+         {1UL, 15UL, 16UL, 23UL, 24UL, 100UL, 4095UL, 4096UL, 4097UL, 8191UL, 8192UL, 8193UL}) {
         expect_all_refuse(sound().substr(0, size), std::to_string(size) + " bytes");
     }
 }
@@ -110,9 +112,7 @@ TEST_F(DamagedStore, HalfOfItIsRefused) {
     expect_all_refuse(sound().substr(0, half / PAGE * PAGE + 1), "half of the pages and a byte");
 }
 
-TEST_F(DamagedStore, EmptiedIsRefused) {
-    expect_all_refuse("", "no bytes");
-}
+TEST_F(DamagedStore, EmptiedIsRefused) { expect_all_refuse("", "no bytes"); }
 
 TEST_F(DamagedStore, CutAnywhereNeverGivesAnotherDump) {
     for (std::size_t size = META_PAGES * PAGE; size < sound().size(); size += PAGE / 2) {
@@ -191,7 +191,8 @@ TEST_F(DamagedStore, AZeroedPageNeverGivesAnotherDump) {
 TEST_F(DamagedStore, EveryByteOfItsHeadMayBeWrong) {
     for (std::size_t at = META_AT; at < META_AT + META_SIZE; ++at) {
         for (const char byte : {'\x00', '\xFF'}) {
-            const std::string what = "byte " + std::to_string(at) + " set to " + std::to_string(static_cast<unsigned char>(byte));
+            const std::string what =
+                "byte " + std::to_string(at) + " set to " + std::to_string(static_cast<unsigned char>(byte));
             std::string damaged = sound();
             damaged[at] = byte;
             damaged[PAGE + at] = byte;
@@ -233,16 +234,19 @@ TEST_F(DamagedStore, ACommandThatFoundDamageLeavesTheLockFree) {
 
 TEST_F(DamagedStore, ALockFileOfAnotherKindNeverEndsACommandBySignal) {
     for (const std::string &content : {""s, "hello\n"s, std::string(8192, '\xFF'), noise(8192, 1)}) {
-        for (const std::vector<std::string> &command : {std::vector<std::string>{"dump"}, {"load", "one-more.ndjson"}}) {
+        for (const std::vector<std::string> &command :
+             {std::vector<std::string>{"dump"}, {"load", "one-more.ndjson"}}) {
             put(sound());
             std::ofstream(store() + "/lock.mdb", std::ios::binary) << content;
-            expect_survives(run(command), command[0] + " with a lock file of " + std::to_string(content.size()) + " bytes");
+            expect_survives(run(command),
+                            command[0] + " with a lock file of " + std::to_string(content.size()) + " bytes");
         }
     }
 }
 
 TEST_F(DamagedStore, AFolderInThePlaceOfTheDataFileIsRefused) {
-    for (const std::vector<std::string> &command : {std::vector<std::string>{"dump"}, {"stat"}, {"load", "one-more.ndjson"}}) {
+    for (const std::vector<std::string> &command :
+         {std::vector<std::string>{"dump"}, {"stat"}, {"load", "one-more.ndjson"}}) {
         std::filesystem::remove_all(store());
         std::filesystem::create_directories(data_file());
         expect_refuses(run(command), command[0]);
@@ -251,7 +255,8 @@ TEST_F(DamagedStore, AFolderInThePlaceOfTheDataFileIsRefused) {
 
 TEST_F(DamagedStore, AFileInThePlaceOfTheFolderIsRefused) {
     use_url("lmdb:" + data_file());
-    for (const std::vector<std::string> &command : {std::vector<std::string>{"dump"}, {"stat"}, {"load", "one-more.ndjson"}}) {
+    for (const std::vector<std::string> &command :
+         {std::vector<std::string>{"dump"}, {"stat"}, {"load", "one-more.ndjson"}}) {
         expect_refuses(run(command), command[0]);
     }
 }
@@ -322,13 +327,14 @@ TEST_F(OtherStore, OfAnotherFormatIsRefusedAndStaysAsItIs) {
 
 TEST_F(OtherStore, WithKeysOfAnyLengthNeverEndsACommandBySignal) {
     const local_publisher running{0};
-    for (const std::string &key : {"I"s, "Im"s, "Im\0\0\0"s, "Im\0\0\0\0"s, "I?\0\0\0\0a"s, "U"s, "Um"s, "Um\0\0\0"s,
-                                   "Um\0\0\0\0a"s, "U?\0\0\0\0"s, "N"s, "N\0"s, "N\0\0\0\0\0"s, "H"s, "H\0"s, "Px"s, "S"s}) {
+    for (const std::string &key :
+         {"I"s, "Im"s, "Im\0\0\0"s, "Im\0\0\0\0"s, "I?\0\0\0\0a"s, "U"s, "Um"s, "Um\0\0\0"s, "Um\0\0\0\0a"s,
+          "U?\0\0\0\0"s, "N"s, "N\0"s, "N\0\0\0\0\0"s, "H"s, "H\0"s, "Px"s, "S"s}) {
         const key_and_value sealed = record_under(key, &running, local_publisher_descriptor());
         for (const std::string &content : {""s, "x"s, sealed.second}) {
             make({FORMAT, {key, content}});
-            const std::string what = "key of " + std::to_string(key.size()) + " bytes, " + key.substr(0, 2) + ", value of " +
-                                     std::to_string(content.size());
+            const std::string what = "key of " + std::to_string(key.size()) + " bytes, " + key.substr(0, 2) +
+                                     ", value of " + std::to_string(content.size());
             expect_survives(run({"dump"}), "dump, " + what);
             expect_survives(run({"stat"}), "stat, " + what);
             expect_survives(load_one_more(), "load, " + what);

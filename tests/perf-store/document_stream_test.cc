@@ -69,13 +69,9 @@ private:
 
 using texts = std::vector<std::string>;
 
-TEST_F(DocumentStream, GivesOneDocumentALine) {
-    EXPECT_EQ(documents("[1]\n[2]\n[3]\n"), (texts{"1", "2", "3"}));
-}
+TEST_F(DocumentStream, GivesOneDocumentALine) { EXPECT_EQ(documents("[1]\n[2]\n[3]\n"), (texts{"1", "2", "3"})); }
 
-TEST_F(DocumentStream, TheLastLineNeedsNoEnd) {
-    EXPECT_EQ(documents("[1]\n[2]"), (texts{"1", "2"}));
-}
+TEST_F(DocumentStream, TheLastLineNeedsNoEnd) { EXPECT_EQ(documents("[1]\n[2]"), (texts{"1", "2"})); }
 
 TEST_F(DocumentStream, GivesSeveralDocumentsOfALine) {
     EXPECT_EQ(documents("[1] [2]\t[3]\r\n[4]"), (texts{"1", "2", "3", "4"}));
@@ -85,9 +81,7 @@ TEST_F(DocumentStream, DocumentsMayTakeSeveralLines) {
     EXPECT_EQ(documents("[\n  1\n]\n\n[\n\n2]\n[3\n]"), (texts{"1", "2", "3"}));
 }
 
-TEST_F(DocumentStream, AnEmptyFileHasNoDocument) {
-    EXPECT_EQ(documents(""), texts{});
-}
+TEST_F(DocumentStream, AnEmptyFileHasNoDocument) { EXPECT_EQ(documents(""), texts{}); }
 
 TEST_F(DocumentStream, WhiteSpaceAloneIsNoDocument) {
     EXPECT_EQ(documents(" \n\t\r\n  \n"), texts{});

@@ -22,11 +22,12 @@ class Items : public PerfStore {
 protected:
     void SetUp() override {
         PerfStore::SetUp();
-        load_good(item("main", "256", "intf", 1) + item("main", "256", "intf/detail/eth0", 2) +
-                  item("main", "256", "intf/detail/eth0.5", 3) + item("main", "256", "intf/detail/eth0/1", 4) +
-                  item("main", "256", "intf/detail/eth0/1/x", 5) + item("main", "256", "intf/detail/eth00", 6) +
-                  item("main", "512", "intf/detail/eth0", 7) + item("chkpt", "256", "intf/detail/eth0", 8) +
-                  R"({"item":{"root":"rx","node":256,"path":"scb","type":"pm_chkpt_scb_parcel","record":{"buf":"00ff"}}})");
+        load_good(
+            item("main", "256", "intf", 1) + item("main", "256", "intf/detail/eth0", 2) +
+            item("main", "256", "intf/detail/eth0.5", 3) + item("main", "256", "intf/detail/eth0/1", 4) +
+            item("main", "256", "intf/detail/eth0/1/x", 5) + item("main", "256", "intf/detail/eth00", 6) +
+            item("main", "512", "intf/detail/eth0", 7) + item("chkpt", "256", "intf/detail/eth0", 8) +
+            R"({"item":{"root":"rx","node":256,"path":"scb","type":"pm_chkpt_scb_parcel","record":{"buf":"00ff"}}})");
     }
 
     static std::vector<std::string> words(const std::string &command, const std::vector<std::string> &branch,
@@ -61,12 +62,13 @@ protected:
 
 // ls ---------------------------------------------------------------------------------------------
 
-constexpr char MAIN_256[] = "main 0x100 pm_values_parcel intf\n"
-                            "main 0x100 pm_values_parcel intf/detail/eth0\n"
-                            "main 0x100 pm_values_parcel intf/detail/eth0.5\n"
-                            "main 0x100 pm_values_parcel intf/detail/eth0/1\n"
-                            "main 0x100 pm_values_parcel intf/detail/eth0/1/x\n"
-                            "main 0x100 pm_values_parcel intf/detail/eth00\n";
+constexpr char MAIN_256[] =
+    "main 0x100 pm_values_parcel intf\n"
+    "main 0x100 pm_values_parcel intf/detail/eth0\n"
+    "main 0x100 pm_values_parcel intf/detail/eth0.5\n"
+    "main 0x100 pm_values_parcel intf/detail/eth0/1\n"
+    "main 0x100 pm_values_parcel intf/detail/eth0/1/x\n"
+    "main 0x100 pm_values_parcel intf/detail/eth00\n";
 constexpr char MAIN_512[] = "main 0x200 pm_values_parcel intf/detail/eth0\n";
 constexpr char RX_256[] = "rx 0x100 pm_chkpt_scb_parcel scb\n";
 constexpr char CHKPT_256[] = "chkpt 0x100 pm_values_parcel intf/detail/eth0\n";
@@ -123,16 +125,20 @@ TEST_F(Items, GetPrintsOneItemAsInADataSet) {
     EXPECT_EQ(got.error, "");
     EXPECT_EQ(got.out, item("main", "256", "intf/detail/eth0/1", 4));
     EXPECT_EQ(get({"intf"}).out, item("main", "256", "intf", 1));
-    EXPECT_EQ(run({"get", "--node", "0x200", "intf/detail/eth0", "--root", "main"}).out, item("main", "512", "intf/detail/eth0", 7));
+    EXPECT_EQ(run({"get", "--node", "0x200", "intf/detail/eth0", "--root", "main"}).out,
+              item("main", "512", "intf/detail/eth0", 7));
     EXPECT_EQ(run({"get", "--root", "rx", "--node", "0400", "scb"}).out,
-              R"({"item":{"root":"rx","node":256,"path":"scb","type":"pm_chkpt_scb_parcel","record":{"buf":"00ff"}}})" "\n");
+              R"({"item":{"root":"rx","node":256,"path":"scb","type":"pm_chkpt_scb_parcel","record":{"buf":"00ff"}}})"
+              "\n");
 }
 
 TEST_F(Items, WhatGetPrintsLoadsBackToTheSameBytes) {
     const std::string big = "18446744073709551615";
-    load_good(R"({"item":{"root":"main","node":4294967295,"path":"a \"b\"\n\u00e9","type":"pm_srpolicy_parcel","record":{)"
-              R"("Color":4294967295,"EndPointAddress":"2001:db8::1","PolicyName":null,"CandidatePaths":[{"Preference":7,)"
-              R"("LastNotificationToFIBTimestamp":")" + big + R"(","ProfileName":"","SegmentLists":[{"SegmentListName":"sl"}]}]}}})");
+    load_good(
+        R"({"item":{"root":"main","node":4294967295,"path":"a \"b\"\n\u00e9","type":"pm_srpolicy_parcel","record":{)"
+        R"("Color":4294967295,"EndPointAddress":"2001:db8::1","PolicyName":null,"CandidatePaths":[{"Preference":7,)"
+        R"("LastNotificationToFIBTimestamp":")" +
+        big + R"(","ProfileName":"","SegmentLists":[{"SegmentListName":"sl"}]}]}}})");
     const std::vector<std::string> call{"get", "--root", "main", "--node", "4294967295", "a \"b\"\n\xC3\xA9"};
     const outcome got = run(call);
     ASSERT_EQ(got.status, 0) << got.error;
@@ -149,8 +155,10 @@ TEST_F(Items, GetOfAMissingItemSaysWhichOne) {
     for (const char *path : {"intf/detail/eth", "intf/detail", "intf/", "intf/detail/eth0/", "scb", "zzz", ""}) {
         expect_refused(get({path}), "perf-store: main 0x100 " + std::string(path) + ": Item not found\n", before);
     }
-    expect_refused(run({"get", "--root", "main", "--node", "512", "intf"}), "perf-store: main 0x200 intf: Item not found\n", before);
-    expect_refused(run({"get", "--root", "resp", "--node", "256", "intf"}), "perf-store: resp 0x100 intf: Item not found\n", before);
+    expect_refused(run({"get", "--root", "main", "--node", "512", "intf"}),
+                   "perf-store: main 0x200 intf: Item not found\n", before);
+    expect_refused(run({"get", "--root", "resp", "--node", "256", "intf"}),
+                   "perf-store: resp 0x100 intf: Item not found\n", before);
 }
 
 // rm ---------------------------------------------------------------------------------------------
@@ -173,9 +181,10 @@ TEST_F(Items, RmRemovesSeveralItems) {
     const outcome removed = rm({"intf/detail/eth0", "intf", "intf/detail/eth0/1/x"});
     EXPECT_EQ(removed.status, 0) << removed.error;
     EXPECT_EQ(removed.out, "removed 3 items\n");
-    expect_listed({"--root", "main", "--node", "256"}, "main 0x100 pm_values_parcel intf/detail/eth0.5\n"
-                                                       "main 0x100 pm_values_parcel intf/detail/eth0/1\n"
-                                                       "main 0x100 pm_values_parcel intf/detail/eth00\n");
+    expect_listed({"--root", "main", "--node", "256"},
+                  "main 0x100 pm_values_parcel intf/detail/eth0.5\n"
+                  "main 0x100 pm_values_parcel intf/detail/eth0/1\n"
+                  "main 0x100 pm_values_parcel intf/detail/eth00\n");
 }
 
 TEST_F(Items, RmOfAMissingItemRemovesNothing) {
@@ -183,8 +192,8 @@ TEST_F(Items, RmOfAMissingItemRemovesNothing) {
     expect_refused(rm({"zzz"}), "perf-store: main 0x100 zzz: Item not found\n", before);
     expect_refused(rm({"intf", "zzz"}), "perf-store: main 0x100 zzz: Item not found\n", before);
     expect_refused(rm({"zzz", "intf"}), "perf-store: main 0x100 zzz: Item not found\n", before);
-    expect_refused(rm({"intf", "intf/detail/eth0/1", "intf/detail/eth"}), "perf-store: main 0x100 intf/detail/eth: Item not found\n",
-                   before);
+    expect_refused(rm({"intf", "intf/detail/eth0/1", "intf/detail/eth"}),
+                   "perf-store: main 0x100 intf/detail/eth: Item not found\n", before);
     expect_refused(rm({"intf/detail"}), "perf-store: main 0x100 intf/detail: Item not found\n", before);
     expect_refused(rm({"-r", "intf/det"}), "perf-store: main 0x100 intf/det: Item not found\n", before);
     expect_refused(rm({"--recursive", "intf", "scb"}), "perf-store: main 0x100 scb: Item not found\n", before);

@@ -92,9 +92,7 @@ TEST(JsonDocument, ResolvesEscapes) {
     EXPECT_EQ(tree(R"({"\u006b":1})"), "{'k'=#1}");
 }
 
-TEST(JsonDocument, KeepsRepeatedAndEmptyNames) {
-    EXPECT_EQ(tree(R"({"a":1,"a":2,"":3})"), "{'a'=#1 'a'=#2 ''=#3}");
-}
+TEST(JsonDocument, KeepsRepeatedAndEmptyNames) { EXPECT_EQ(tree(R"({"a":1,"a":2,"":3})"), "{'a'=#1 'a'=#2 ''=#3}"); }
 
 TEST(JsonDocument, StopsBehindOneDocument) {
     const reading read("  {\"a\":1}\n{\"b\":2}");
@@ -201,11 +199,11 @@ TEST(JsonDocument, WhatIsNotJsonIsRefusedWhereItStands) {
         {"\"\\x41\"", 1, 3},
         {"\"\\u12\"", 1, 6},
         {"\"\\u12G4\"", 1, 7},
-        {"\"\\ud83d\"", 1, 8},        // half of a surrogate pair
+        {"\"\\ud83d\"", 1, 8},  // half of a surrogate pair
         {"\"\\ud83dx\"", 1, 8},
         {"\"\\ud83d\\u0041\"", 1, 13},
-        {"\"\\ude00\"", 1, 8},        // the other half alone
-        {"\"a\nb\"", 2, 3},           // a raw control byte
+        {"\"\\ude00\"", 1, 8},  // the other half alone
+        {"\"a\nb\"", 2, 3},     // a raw control byte
         {"\"a\tb\"", 2, 3},
         {"// comment\n1", 0, 1},
         {"/* comment */1", 0, 1},

@@ -112,12 +112,11 @@ TEST_P(EveryRecordType, RefusesAFieldThatItDoesNotHave) {
     EXPECT_EQ(refusal(GetParam(), R"({"NoSuchField":1})"), "NoSuchField: unknown field");
 }
 
-INSTANTIATE_TEST_SUITE_P(RecordJson, EveryRecordType, testing::ValuesIn(pm_descriptors().begin(), pm_descriptors().end()),
+INSTANTIATE_TEST_SUITE_P(RecordJson, EveryRecordType,
+                         testing::ValuesIn(pm_descriptors().begin(), pm_descriptors().end()),
                          [](const auto &type) { return std::string(type.param->name); });
 
-TEST(RecordJson, ThereAreTwoHundredTypes) {
-    EXPECT_EQ(pm_descriptors().size(), 200U);
-}
+TEST(RecordJson, ThereAreTwoHundredTypes) { EXPECT_EQ(pm_descriptors().size(), 200U); }
 
 TEST(RecordJson, FieldsMayComeInAnyOrder) {
     EXPECT_EQ(again(VALUES, R"({"Variance":4,"Average":1,"Maximum":3,"Minimum":2})"),
@@ -151,7 +150,8 @@ TEST(RecordJson, D) {
     EXPECT_EQ(refusal(VALUES, R"({"Average":4294967296})"), "Average: 4294967296 is out of range for D");
     EXPECT_EQ(refusal(VALUES, R"({"Average":"0x100000000"})"), "Average: 0x100000000 is out of range for D");
     EXPECT_EQ(refusal(VALUES, R"({"Average":-1})"), "Average: -1 is out of range for D");
-    EXPECT_EQ(refusal(VALUES, R"({"Average":99999999999999999999})"), "Average: 99999999999999999999 is out of range for D");
+    EXPECT_EQ(refusal(VALUES, R"({"Average":99999999999999999999})"),
+              "Average: 99999999999999999999 is out of range for D");
 }
 
 TEST(RecordJson, Hexadecimal) {
@@ -194,7 +194,8 @@ TEST(RecordJson, C) {
 
 TEST(RecordJson, Enumeration) {
     const auto reason = [](const char *value) {
-        return again(ADVERT, R"({"Timestamp":1,"AdvertisementReason":)" + std::string(value) + R"(,"LossPercentage":2})");
+        return again(ADVERT,
+                     R"({"Timestamp":1,"AdvertisementReason":)" + std::string(value) + R"(,"LossPercentage":2})");
     };
     const auto with = [](const char *value) {
         return R"({"Timestamp":1,"AdvertisementReason":)" + std::string(value) + R"(,"LossPercentage":2})";
@@ -288,8 +289,9 @@ TEST(RecordJson, ATextThatIsNotUtf8CannotBeWritten) {
 
 TEST(RecordJson, Ipv4Ipv6AndMacText) {
     const parcel_descriptor *type = pm_intf_parcel_descriptor();
-    const record_of record(type, R"({"SourceAddress":"10.0.0.1","SourceV6Address":"2001:db8::1","LinkLocalIV6Address":"FE80::2",)"
-                                 R"("SourceMacAddress":"00:11:22:33:44:55","NextHopMacAddress":"0011.2233.44FF"})");
+    const record_of record(
+        type, R"({"SourceAddress":"10.0.0.1","SourceV6Address":"2001:db8::1","LinkLocalIV6Address":"FE80::2",)"
+              R"("SourceMacAddress":"00:11:22:33:44:55","NextHopMacAddress":"0011.2233.44FF"})");
     ASSERT_EQ(record.refusal(), "");
     const auto &interface = *static_cast<const pm_intf_parcel *>(record.data());
     const std::uint8_t ipv4[] = {10, 0, 0, 1};
@@ -367,7 +369,8 @@ TEST(RecordJson, Optional) {
               R"({"IPAddress":"0.0.0.0","MPLSLabel":null,"USIDInfo":)"
               R"({"SIDValue":"::","USIDLength":0,"SIDFormat":0,"SIDBehavior":65535}})");
     EXPECT_EQ(refusal(SEGMENT, R"({"MPLSLabel":4294967296})"), "MPLSLabel: 4294967296 is out of range for D");
-    EXPECT_EQ(refusal(SEGMENT, R"({"USIDInfo":{"SIDBehavior":65536}})"), "USIDInfo.SIDBehavior: 65536 is out of range for I");
+    EXPECT_EQ(refusal(SEGMENT, R"({"USIDInfo":{"SIDBehavior":65536}})"),
+              "USIDInfo.SIDBehavior: 65536 is out of range for I");
 }
 
 TEST(RecordJson, AnOptionalAddressOfKindNoneIsNotAnAbsentOne) {
@@ -377,7 +380,8 @@ TEST(RecordJson, AnOptionalAddressOfKindNoneIsNotAnAbsentOne) {
     const record_of given(type, R"({"ResponderAddress":"10.0.0.1"})");
     ASSERT_EQ(absent.refusal() + none.refusal() + given.refusal(), "");
     EXPECT_EQ(static_cast<const pm_srpolicy_atomic_path_parcel *>(absent.data())->ResponderAddress, nullptr);
-    const pm_record_address *address = static_cast<const pm_srpolicy_atomic_path_parcel *>(none.data())->ResponderAddress;
+    const pm_record_address *address =
+        static_cast<const pm_srpolicy_atomic_path_parcel *>(none.data())->ResponderAddress;
     ASSERT_NE(address, nullptr);
     EXPECT_EQ(static_cast<int>(address->IPAddressType), 2);
     EXPECT_NE(written(absent.data(), type).find(R"("ResponderAddress":null)"), std::string::npos);
@@ -395,8 +399,10 @@ TEST(RecordJson, Array) {
         R"({"Average":1,"Minimum":2,"Maximum":3,"Variance":4}},{"AggregationTimestamp":2,"AggregatedProbeValues":)"
         R"({"Average":0,"Minimum":0,"Maximum":0,"Variance":0}}]})";
     EXPECT_EQ(again(type, two), two);
-    EXPECT_EQ(refusal(type, R"({"AggregatedHistoryList":{}})"), "AggregatedHistoryList: expected an array, found an object");
-    EXPECT_EQ(refusal(type, R"({"AggregatedHistoryList":null})"), "AggregatedHistoryList: expected an array, found null");
+    EXPECT_EQ(refusal(type, R"({"AggregatedHistoryList":{}})"),
+              "AggregatedHistoryList: expected an array, found an object");
+    EXPECT_EQ(refusal(type, R"({"AggregatedHistoryList":null})"),
+              "AggregatedHistoryList: expected an array, found null");
     EXPECT_EQ(refusal(type, R"({"AggregatedHistoryList":[{},{"AggregatedProbeValues":{"Minimum":-1}}]})"),
               "AggregatedHistoryList[1].AggregatedProbeValues.Minimum: -1 is out of range for D");
 }
@@ -453,9 +459,9 @@ TEST(RecordJson, AFixedArrayMayBeGivenShort) {
 TEST(RecordJson, AFixedArrayOfRecordsMayBeGivenShort) {
     const parcel_descriptor *type = pm_stats_batch_t_descriptor();
     const std::string zero = R"({"Count":[0,0,0,0,0,0,0,0,0,0]})";
-    EXPECT_EQ(again(type, R"({"Count":[{},{"Count":[0,5]}]})"), R"({"Count":[)" + zero + R"(,{"Count":[0,5,0,0,0,0,0,0,0,0]},)" +
-                                                                     zero + "," + zero + "," + zero + "," + zero + "," + zero +
-                                                                     "]}");
+    EXPECT_EQ(again(type, R"({"Count":[{},{"Count":[0,5]}]})"),
+              R"({"Count":[)" + zero + R"(,{"Count":[0,5,0,0,0,0,0,0,0,0]},)" + zero + "," + zero + "," + zero + "," +
+                  zero + "," + zero + "]}");
     EXPECT_EQ(refusal(type, R"({"Count":[{},{},{},{},{},{},{},{}]})"), "Count: 8 elements are too many for 7A($252)");
 }
 
@@ -505,21 +511,26 @@ TEST(RecordJson, AnArmThatTheDiscriminatorDoesNotSelectIsRefused) {
 }
 
 TEST(RecordJson, OtherMembersOfAUnionAreRefused) {
-    EXPECT_EQ(refusal(HISTORY, history(R"({"HistoryType":0,"NoSuchHistory":{}})")), "HistoryInfo.NoSuchHistory: unknown field");
-    EXPECT_EQ(refusal(HISTORY, history(R"({"HistoryType":0,"HistoryType":0})")), "HistoryInfo.HistoryType: given twice");
-    EXPECT_EQ(refusal(HISTORY, history(R"({"HistoryType":"probe"})")), "HistoryInfo.HistoryType: probe is not an integer");
+    EXPECT_EQ(refusal(HISTORY, history(R"({"HistoryType":0,"NoSuchHistory":{}})")),
+              "HistoryInfo.NoSuchHistory: unknown field");
+    EXPECT_EQ(refusal(HISTORY, history(R"({"HistoryType":0,"HistoryType":0})")),
+              "HistoryInfo.HistoryType: given twice");
+    EXPECT_EQ(refusal(HISTORY, history(R"({"HistoryType":"probe"})")),
+              "HistoryInfo.HistoryType: probe is not an integer");
     EXPECT_EQ(refusal(HISTORY, history(R"({"HistoryType":4294967296})")).substr(0, 51),
               "HistoryInfo.HistoryType: 4294967296 is out of range");
     EXPECT_EQ(refusal(HISTORY, history("[]")), "HistoryInfo: expected an object, found an array");
     EXPECT_EQ(refusal(HISTORY, history("null")), "HistoryInfo: expected an object, found null");
-    EXPECT_EQ(refusal(HISTORY, history(R"({"HistoryType":0,"ProbeHistory":{"ProbeHistoryList":[{"PacketsSent":-1}]}})")),
-              "HistoryInfo.ProbeHistory.ProbeHistoryList[0].PacketsSent: -1 is out of range for D");
+    EXPECT_EQ(
+        refusal(HISTORY, history(R"({"HistoryType":0,"ProbeHistory":{"ProbeHistoryList":[{"PacketsSent":-1}]}})")),
+        "HistoryInfo.ProbeHistory.ProbeHistoryList[0].PacketsSent: -1 is out of range for D");
 }
 
 TEST(RecordJson, ARecursiveTypeIsReadToAnyUsefulDepth) {
     std::string json = history(R"({"HistoryType":1})");
     for (int i = 0; i < 60; ++i) {
-        json = R"({"InterfaceName":null,"InterfaceHandle":0,"HistoryInfo":{"HistoryType":1},"BundleMembers":[)" + json + "]}";
+        json = R"({"InterfaceName":null,"InterfaceHandle":0,"HistoryInfo":{"HistoryType":1},"BundleMembers":[)" + json +
+               "]}";
     }
     EXPECT_EQ(again(HISTORY, json), json);
 }

@@ -65,8 +65,9 @@ INSTANTIATE_TEST_SUITE_P(ReadInteger, GoodNumber, testing::ValuesIn(GOOD_NUMBERS
 
 TEST(ReadInteger, WhatIsNoIntegerIsRefused) {
     for (const std::string_view text :
-         {"", " ", "-", "--1", "+1", "- 1", " 1", "1 ", "1\n", "x", "0x", "-0x", "0x-1", "0xg", "0x1g", "x1f", "1f",
-          "08", "09", "0o7", "018", "1.0", "1e3", "1,000", "0x1.8", "1u", "1L", "ten", "0 x1", "18446744073709551616x"}) {
+         {"",    " ",   "-",    "--1",   "+1",    "- 1", " 1", "1 ",  "1\n",  "x",
+          "0x",  "-0x", "0x-1", "0xg",   "0x1g",  "x1f", "1f", "08",  "09",   "0o7",
+          "018", "1.0", "1e3",  "1,000", "0x1.8", "1u",  "1L", "ten", "0 x1", "18446744073709551616x"}) {
         std::uint64_t value = 0;
         bool negative = false;
         EXPECT_EQ(read_integer(text, &value, &negative), number_result::not_a_number) << '"' << text << '"';
@@ -117,8 +118,8 @@ TEST(Ipv4, IsReadInNetworkByteOrder) {
 
 TEST(Ipv4, OtherTextsAreRefused) {
     std::array<std::uint8_t, 4> octets{};
-    for (const std::string_view text : {"", "10", "10.0.0", "10.0.0.", "10.0.0.256", "10.0.0.1.2", "10.0.0.-1", "10.0.0.1 ",
-                                        " 10.0.0.1", "a.b.c.d", "::1", "10.0.0.1/24", "0x0a.0.0.1"}) {
+    for (const std::string_view text : {"", "10", "10.0.0", "10.0.0.", "10.0.0.256", "10.0.0.1.2", "10.0.0.-1",
+                                        "10.0.0.1 ", " 10.0.0.1", "a.b.c.d", "::1", "10.0.0.1/24", "0x0a.0.0.1"}) {
         EXPECT_FALSE(read_ipv4(text, octets.data())) << text;
     }
     EXPECT_FALSE(read_ipv4("10.0.0.1\0"s, octets.data()));
@@ -185,8 +186,9 @@ TEST(Mac, OtherTextsAreRefused) {
     std::array<std::uint8_t, 6> octets{};
     for (const std::string_view text :
          {"", "001122334455", "00:11:22:33:44", "00:11:22:33:44:5", "00:11:22:33:44:555", "00-11-22-33-44-55",
-          "00:11:22:33:44.55", "00.11.22.33.44.55", "0011:2233:4455", "0011.2233.445", "0011.2233.44556", "0011.22334.455",
-          "0g:11:22:33:44:55", "00:11:22:33:44:5 ", " 0:11:22:33:44:55", "001122.334455", "0:11:22:33:44:555"}) {
+          "00:11:22:33:44.55", "00.11.22.33.44.55", "0011:2233:4455", "0011.2233.445", "0011.2233.44556",
+          "0011.22334.455", "0g:11:22:33:44:55", "00:11:22:33:44:5 ", " 0:11:22:33:44:55", "001122.334455",
+          "0:11:22:33:44:555"}) {
         EXPECT_FALSE(read_mac(text, octets.data())) << text;
     }
 }
@@ -267,13 +269,12 @@ TEST(JsonText, EveryControlByteIsEscapedByItsNumber) {
 }
 
 TEST(JsonText, Utf8StaysAsItIsToTheEdgesOfEachLength) {
-    for (const std::string_view text :
-         {"\x20", "\x7e",                          // one byte
-          "\xC2\x80", "\xDF\xBF",                  // two
-          "\xE0\xA0\x80", "\xED\x9F\xBF",          // three, to the surrogates
-          "\xEE\x80\x80", "\xEF\xBF\xBF",          // and behind them
-          "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF",  // four, to the last code point
-          "K\xC3\xB6ln \xE6\x97\xA5 \xF0\x9F\x98\x80!"}) {
+    for (const std::string_view text : {"\x20", "\x7e",                          // one byte
+                                        "\xC2\x80", "\xDF\xBF",                  // two
+                                        "\xE0\xA0\x80", "\xED\x9F\xBF",          // three, to the surrogates
+                                        "\xEE\x80\x80", "\xEF\xBF\xBF",          // and behind them
+                                        "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF",  // four, to the last code point
+                                        "K\xC3\xB6ln \xE6\x97\xA5 \xF0\x9F\x98\x80!"}) {
         EXPECT_EQ(json(text), '"' + std::string(text) + '"');
     }
 }
@@ -346,7 +347,8 @@ TEST(IsUtf8, TakesEveryGoodText) {
     EXPECT_TRUE(is_utf8("eth0/1/0/4\n\x7f"));
     EXPECT_TRUE(is_utf8("a\0b"s));
     for (std::size_t before = 0; before < 20; ++before) {
-        EXPECT_TRUE(is_utf8(std::string(before, 'x') + "\xC3\xB6\xE6\x97\xA5\xF0\x9F\x98\x80" + std::string(before, 'y')));
+        EXPECT_TRUE(
+            is_utf8(std::string(before, 'x') + "\xC3\xB6\xE6\x97\xA5\xF0\x9F\x98\x80" + std::string(before, 'y')));
     }
 }
 

@@ -59,7 +59,9 @@ bool fill_store(const char *url) {
     std::vector<std::uint8_t> large(100'000, 7);
     const pm_chkpt_scb_parcel record{{static_cast<std::uint32_t>(large.size()), large.data()}};
     for (unsigned i = 0; i < 10; ++i) {
-        good = good && store.put_item(store::root::main, 2, numbered("large/", i), &record, pm_chkpt_scb_parcel_descriptor()).empty();
+        good = good &&
+               store.put_item(store::root::main, 2, numbered("large/", i), &record, pm_chkpt_scb_parcel_descriptor())
+                   .empty();
     }
     std::uint32_t nodes[] = {1, 0x10};
     local_partner partner{"central-services", 0x10};
@@ -265,9 +267,9 @@ TEST_F(Opstore, APublisherThatIsNotRunningAnswersItsState) {
 }
 
 TEST_F(Opstore, BindsToBranchesOnly) {
-    for (const char *path : {"", "/oper/perf_meas/main/", "/oper/perf_meas/main/node/", "/oper/perf_meas/main/node/1",
-                             "/oper/perf_meas/main/node/x/", "/oper/perf_meas/other/node/1/",
-                             "/oper/perf_meas/main/node/1ffffffff/"}) {
+    for (const char *path :
+         {"", "/oper/perf_meas/main/", "/oper/perf_meas/main/node/", "/oper/perf_meas/main/node/1",
+          "/oper/perf_meas/main/node/x/", "/oper/perf_meas/other/node/1/", "/oper/perf_meas/main/node/1ffffffff/"}) {
         opstore_handle handle = nullptr;
         EXPECT_EQ(_opstore_bind(&handle, path, OPSTORE_BIND_READ), ERRCODE_INVALID_ARGUMENT) << path;
     }

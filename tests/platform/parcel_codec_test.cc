@@ -161,24 +161,26 @@ TEST(Codec, APresenceByteOtherThanZeroAndOneIsRefused) {
 
 TEST(Codec, ATextWithAZeroByteIsRefused) {
     const parcel fields = {4, 'a', 0, 'b', 0, 0, 0, 0};
-    EXPECT_EQ(
-        decoded_record(with_fields(pm_sl_session_id_map_info_descriptor(), fields), pm_sl_session_id_map_info_descriptor())
-            .code(),
-        PARCEL_MALFORMED);
+    EXPECT_EQ(decoded_record(with_fields(pm_sl_session_id_map_info_descriptor(), fields),
+                             pm_sl_session_id_map_info_descriptor())
+                  .code(),
+              PARCEL_MALFORMED);
 }
 
 TEST(Codec, ACountThatTheBytesCannotHoldIsRefusedBeforeAnythingIsAllocated) {
     const parcel fields = {0xFF, 0xFF, 0xFF, 0xFF, 0x0F};  // 2^32 - 1 elements, and none there
-    EXPECT_EQ(decoded_record(with_fields(pm_dr_retry_queue_info_descriptor(), fields), pm_dr_retry_queue_info_descriptor())
-                  .code(),
-              PARCEL_MALFORMED);
+    EXPECT_EQ(
+        decoded_record(with_fields(pm_dr_retry_queue_info_descriptor(), fields), pm_dr_retry_queue_info_descriptor())
+            .code(),
+        PARCEL_MALFORMED);
 }
 
 TEST(Codec, ALengthBeyondThirtyTwoBitsIsRefused) {
     const parcel fields = {0xFF, 0xFF, 0xFF, 0xFF, 0x7F};
-    EXPECT_EQ(decoded_record(with_fields(pm_dr_retry_queue_info_descriptor(), fields), pm_dr_retry_queue_info_descriptor())
-                  .code(),
-              PARCEL_MALFORMED);
+    EXPECT_EQ(
+        decoded_record(with_fields(pm_dr_retry_queue_info_descriptor(), fields), pm_dr_retry_queue_info_descriptor())
+            .code(),
+        PARCEL_MALFORMED);
 }
 
 // A chain of interface histories, each the only bundle member of the one before.
@@ -212,17 +214,19 @@ TEST(Codec, NestingBeyondTheLimitIsRefused) {
     for (int level = 0; level < 1000; ++level) {
         fields.insert(fields.end(), {0, 0, 0, 0, 0, 1, 0, 0, 0, 1});
     }
-    EXPECT_EQ(decoded_record(with_fields(pm_intf_history_parcel_descriptor(), fields), pm_intf_history_parcel_descriptor())
-                  .code(),
-              PARCEL_MALFORMED);
+    EXPECT_EQ(
+        decoded_record(with_fields(pm_intf_history_parcel_descriptor(), fields), pm_intf_history_parcel_descriptor())
+            .code(),
+        PARCEL_MALFORMED);
 }
 
 TEST(Codec, FreeingLeavesTheRecordZero) {
     const random_record record(pm_srpolicy_parcel_descriptor(), 3);
     const parcel bytes = encode(record.data(), pm_srpolicy_parcel_descriptor());
     pm_srpolicy_parcel policy{};
-    ASSERT_EQ(parcel_decode(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &policy, pm_srpolicy_parcel_descriptor()),
-              ERRCODE_SUCCESS);
+    ASSERT_EQ(
+        parcel_decode(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &policy, pm_srpolicy_parcel_descriptor()),
+        ERRCODE_SUCCESS);
     parcel_free_indirections(&policy, pm_srpolicy_parcel_descriptor());
     const pm_srpolicy_parcel zero{};
     EXPECT_EQ(std::memcmp(&policy, &zero, sizeof policy), 0);

@@ -236,23 +236,40 @@ TEST(Srv6, NamesFormatsAndBehaviours) {
         std::uint32_t code;
         const char *name;
     } behaviours[] = {
-        {0, "unknown"},          {1, "End"},
-        {2, "End with PSP"},     {3, "End with USP"},
-        {4, "End with PSP & USP"}, {5, "End.X"},
-        {8, "End.X with PSP & USP"}, {9, "End.T"},
-        {12, "End.T with PSP & USP"}, {13, "unknown"},
-        {14, "End.B6.Encaps"},   {15, "End.BM"},
-        {16, "End.DX6"},         {17, "End.DX4"},
-        {18, "End.DT6"},         {19, "End.DT4"},
-        {20, "End.DT46"},        {21, "End.DX2"},
-        {22, "End.DX2V"},        {23, "End.DT2U"},
-        {24, "End.DT2M"},        {25, "unknown"},
-        {26, "unknown"},         {27, "End.B6.Encaps.Red"},
-        {28, "End with USD"},    {29, "End with PSP & USD"},
-        {30, "End with USP & USD"}, {31, "End with PSP, USP & USD"},
-        {32, "End.X with USD"},  {35, "End.X with PSP, USP & USD"},
-        {36, "End.T with USD"},  {39, "End.T with PSP, USP & USD"},
-        {40, "unknown"},         {0xFFFFFFFF, "unknown"},
+        {0, "unknown"},
+        {1, "End"},
+        {2, "End with PSP"},
+        {3, "End with USP"},
+        {4, "End with PSP & USP"},
+        {5, "End.X"},
+        {8, "End.X with PSP & USP"},
+        {9, "End.T"},
+        {12, "End.T with PSP & USP"},
+        {13, "unknown"},
+        {14, "End.B6.Encaps"},
+        {15, "End.BM"},
+        {16, "End.DX6"},
+        {17, "End.DX4"},
+        {18, "End.DT6"},
+        {19, "End.DT4"},
+        {20, "End.DT46"},
+        {21, "End.DX2"},
+        {22, "End.DX2V"},
+        {23, "End.DT2U"},
+        {24, "End.DT2M"},
+        {25, "unknown"},
+        {26, "unknown"},
+        {27, "End.B6.Encaps.Red"},
+        {28, "End with USD"},
+        {29, "End with PSP & USD"},
+        {30, "End with USP & USD"},
+        {31, "End with PSP, USP & USD"},
+        {32, "End.X with USD"},
+        {35, "End.X with PSP, USP & USD"},
+        {36, "End.T with USD"},
+        {39, "End.T with PSP, USP & USD"},
+        {40, "unknown"},
+        {0xFFFFFFFF, "unknown"},
     };
     for (const auto &each : behaviours) {
         EXPECT_STREQ(srv6_util_end_func_str(each.code), each.name) << each.code;
@@ -269,8 +286,9 @@ TEST(Errcode, HasATextForEachCode) {
     EXPECT_STREQ(errcode_strerror(0x40819000), "Publisher stopped");
     EXPECT_STREQ(errcode_strerror(0x8081c200), "Store client not available");
     EXPECT_STREQ(errcode_strerror(77), "Unknown error");
-    for (const errcode code : {OPSTORE_DAMAGED, OPSTORE_BUSY, PARCEL_MALFORMED, PARCEL_CHECKSUM, PARCEL_OTHER_TYPE,
-                               PARCEL_UNKNOWN_SCHEMA, PARCEL_SCHEMA_CHANGED, PARCEL_BAD_DESCRIPTOR, ERRCODE_NO_MEMORY}) {
+    for (const errcode code :
+         {OPSTORE_DAMAGED, OPSTORE_BUSY, PARCEL_MALFORMED, PARCEL_CHECKSUM, PARCEL_OTHER_TYPE, PARCEL_UNKNOWN_SCHEMA,
+          PARCEL_SCHEMA_CHANGED, PARCEL_BAD_DESCRIPTOR, ERRCODE_NO_MEMORY}) {
         EXPECT_STRNE(errcode_strerror(code), "Unknown error") << code;
     }
 }

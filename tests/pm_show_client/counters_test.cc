@@ -70,8 +70,9 @@ TEST_F(Counters, AnSRPolicySumsTheCommonSendErrorsAndCountsMissedLiveness) {
     counters.ExclusiveCounters.SRPolicyExclusiveCounters.LivenessDetectionMissedCount = 5;
     const std::string text = session_counters(counters);
     EXPECT_NE(text.find("  Total sent errors                             : 3\n"), std::string::npos);
-    EXPECT_TRUE(text.ends_with("  Total advertisements                          : 6\n"
-                               "  Total liveness missed count                   : 5\n"));
+    EXPECT_TRUE(
+        text.ends_with("  Total advertisements                          : 6\n"
+                       "  Total liveness missed count                   : 5\n"));
 }
 
 TEST_F(Counters, AnEndpointDoesNotAddItsMissingLabels) {
@@ -172,7 +173,7 @@ TEST_F(Counters, NoCountersListNoReasons) {
 // In field order: sent, send errors, received, six received errors, four of probes, missed.
 constexpr pm_srpolicy_liveness_counters_info_parcel POLICY_LIVENESS = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
 // The same with the missing labels behind the send errors.
-constexpr pm_endpoint_liveness_counters_info_parcel ENDPOINT_LIVENESS = {1, 2, 99, 3, 4,  5,  6, 7,
+constexpr pm_endpoint_liveness_counters_info_parcel ENDPOINT_LIVENESS = {1, 2, 99, 3,  4,  5,  6, 7,
                                                                          8, 9, 10, 11, 12, 13, 14};
 
 TEST_F(Counters, SRPolicyLivenessShowsItsTotals) {

@@ -59,7 +59,8 @@ TEST(LabelNumber, PrintsNoUnit) {
               "    Rolling average                 : 7\n");
     EXPECT_EQ(captured([] { pm_print_label_u64(36, 4, "Packets", 18446744073709551615ULL, "pkts"); }),
               "    Packets                         : 18446744073709551615\n");
-    EXPECT_EQ(captured([] { pm_print_label_u32(20, 0, "Most", 4294967295U, ""); }), "Most                : 4294967295\n");
+    EXPECT_EQ(captured([] { pm_print_label_u32(20, 0, "Most", 4294967295U, ""); }),
+              "Most                : 4294967295\n");
 }
 
 TEST(Counter, HasItsColonInColumn48) {

@@ -162,9 +162,7 @@ TEST(AddressToPrefixDeath, NullPrefixAborts) {
     EXPECT_DEATH(pm_addr_to_prefix(&address, nullptr), "NULL != out_prefix, pm_utils.*pm_addr_to_prefix");
 }
 
-std::uint32_t ipv4_of(std::initializer_list<std::uint8_t> octets) {
-    return pm_address_ipv4(address_of(2, octets));
-}
+std::uint32_t ipv4_of(std::initializer_list<std::uint8_t> octets) { return pm_address_ipv4(address_of(2, octets)); }
 
 TEST(Ipv4Loopback, IsTheWholeBlockOf127) {
     EXPECT_TRUE(pm_ipv4_is_loopback(ipv4_of({127, 0, 0, 0})));
@@ -193,9 +191,7 @@ TEST(Ipv6Loopback, AllZerosCountsAndOneDoesNot) {
     EXPECT_FALSE(ipv6_is_loopback({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}));
 }
 
-TEST(Ipv6Loopback, NullIsNot) {
-    EXPECT_FALSE(pm_ipv6_is_loopback(nullptr));
-}
+TEST(Ipv6Loopback, NullIsNot) { EXPECT_FALSE(pm_ipv6_is_loopback(nullptr)); }
 
 bool is_valid_unicast(std::uint32_t type, std::initializer_list<std::uint8_t> octets) {
     const pm_address_type address = address_of(type, octets);

@@ -26,9 +26,7 @@ TEST(AddressToStr, KindsWithoutAValueStandAlone) {
     EXPECT_STREQ(pm_address_to_str(&INVALID), "Invalid address");
 }
 
-TEST(AddressToStr, NullIsUnknown) {
-    EXPECT_STREQ(pm_address_to_str(nullptr), "Unknown");
-}
+TEST(AddressToStr, NullIsUnknown) { EXPECT_STREQ(pm_address_to_str(nullptr), "Unknown"); }
 
 TEST(AddressValueStr, GivesTheBareValue) {
     EXPECT_STREQ(pm_address_value_str(&IPV4), "10.1.1.1");
@@ -42,9 +40,7 @@ TEST(AddressValueStr, NoValueIsNull) {
     EXPECT_EQ(pm_address_value_str(nullptr), nullptr);
 }
 
-TEST(MacStr, GroupsFourLowerCaseDigits) {
-    EXPECT_STREQ(pm_mac_str(ETHERNET.value), "001a.b233.44ff");
-}
+TEST(MacStr, GroupsFourLowerCaseDigits) { EXPECT_STREQ(pm_mac_str(ETHERNET.value), "001a.b233.44ff"); }
 
 TEST(MacStr, LaterResultsLeaveItAlone) {
     const std::uint8_t zeros[6] = {};
@@ -149,8 +145,6 @@ TEST(PrefixStr, LastByteOfItsSlotIsCleared) {
     EXPECT_EQ(pm_prefix_str(&prefix)[255], '\0');
 }
 
-TEST(PrefixStr, NullIsTheEmptyPrefix) {
-    EXPECT_STREQ(pm_prefix_str(nullptr), "Empty prefix");
-}
+TEST(PrefixStr, NullIsTheEmptyPrefix) { EXPECT_STREQ(pm_prefix_str(nullptr), "Empty prefix"); }
 
 }  // namespace

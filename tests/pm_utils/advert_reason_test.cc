@@ -39,15 +39,15 @@ TEST(AdvertReason, LongTextsAreSentences) {
 }
 
 TEST(AdvertReason, ShortTextsAreCodesAndTheVarianceReasonHasNone) {
-    expect_names(pm_advert_reason_short_str,
-                 {{0, "NONE"},          {1, "PER-AVG"},       {2, "PER-MIN"},       {3, "PER-MAX"},
-                  {4, "N/A"},           {5, "ACCEL-AVG"},     {6, "ACCEL-MIN"},     {7, "ACCEL-MAX"},
-                  {8, "ACCEL-UP-AVG"},  {9, "ACCEL-UP-MIN"},  {10, "ACCEL-UP-MAX"}, {11, "ANOM-MIN-DYN"},
-                  {12, "ANOM-MIN-STA"}, {13, "ENABLE"},       {14, "DISABLE"},      {15, "DELETE"},
-                  {16, "EXEC-CLEAR"},   {17, "ADV-CFG"},      {18, "ADV-UNCFG"},    {19, "ERROR"},
-                  {20, "FIRST"},        {21, "LINK-DOWN"},    {22, "NEW-SESSION"},  {23, "PM-ERROR"},
-                  {24, "DYN-DM"},       {25, "PT-CFG"},       {26, "PT-UNCFG"},     {27, "PT-INTF_READY"}},
-                 "N/A");
+    expect_names(
+        pm_advert_reason_short_str,
+        {{0, "NONE"},          {1, "PER-AVG"},       {2, "PER-MIN"},       {3, "PER-MAX"},      {4, "N/A"},
+         {5, "ACCEL-AVG"},     {6, "ACCEL-MIN"},     {7, "ACCEL-MAX"},     {8, "ACCEL-UP-AVG"}, {9, "ACCEL-UP-MIN"},
+         {10, "ACCEL-UP-MAX"}, {11, "ANOM-MIN-DYN"}, {12, "ANOM-MIN-STA"}, {13, "ENABLE"},      {14, "DISABLE"},
+         {15, "DELETE"},       {16, "EXEC-CLEAR"},   {17, "ADV-CFG"},      {18, "ADV-UNCFG"},   {19, "ERROR"},
+         {20, "FIRST"},        {21, "LINK-DOWN"},    {22, "NEW-SESSION"},  {23, "PM-ERROR"},    {24, "DYN-DM"},
+         {25, "PT-CFG"},       {26, "PT-UNCFG"},     {27, "PT-INTF_READY"}},
+        "N/A");
 }
 
 TEST(AdvertReason, SixReasonsWithdrawValues) {

@@ -57,9 +57,7 @@ TEST(EngineNames, TimersCountFromOneAndRetiredNumbersAreUnknown) {
                  "UNKNOWN");
 }
 
-TEST(EngineNames, OnlyPuntTypeOneHasAName) {
-    expect_names(pm_punt_type_str, {{1, "RX punt"}}, "UNKNOWN");
-}
+TEST(EngineNames, OnlyPuntTypeOneHasAName) { expect_names(pm_punt_type_str, {{1, "RX punt"}}, "UNKNOWN"); }
 
 TEST(EngineNames, LowestBitNamesTheConfigurationOperation) {
     EXPECT_STREQ(pm_cfg_op_str(1), "Create");

@@ -15,9 +15,7 @@ protected:
     }
 };
 
-TEST_F(EventTime, EpochTimeIsInMilliseconds) {
-    EXPECT_EQ(pm_get_epoch_time_in_msec(), 1700000000123U);
-}
+TEST_F(EventTime, EpochTimeIsInMilliseconds) { EXPECT_EQ(pm_get_epoch_time_in_msec(), 1700000000123U); }
 
 TEST_F(EventTime, EpochTimeLeavesTheTimespecToTheCaller) {
     std::timespec current{};
@@ -59,9 +57,7 @@ TEST_F(EventTime, DelayIsCutToThirtyTwoBits) {
     EXPECT_EQ(delay_of(5000, 0), 705032704U);
 }
 
-TEST_F(EventTime, EventAheadOfTheClockWrapsAround) {
-    EXPECT_EQ(delay_of(-1, 999999000), 4294967295U);
-}
+TEST_F(EventTime, EventAheadOfTheClockWrapsAround) { EXPECT_EQ(delay_of(-1, 999999000), 4294967295U); }
 
 TEST_F(EventTime, NanosecondsFillSixtyFourBits) {
     const std::timespec time{1700000000, 123456789};

@@ -53,9 +53,7 @@ TEST(MeasurementNames, SrPolicyOriginsAreDecadesAndZeroIsEmpty) {
     expect_names(pm_srpolicy_origin_str, {{10, "PCE"}, {20, "BGP"}, {30, "Configured"}}, "");
 }
 
-TEST(MeasurementNames, EveryEncapsulationButOneIsMpls) {
-    expect_names(pm_udp_mpls_str, {{1, "UDP"}}, "MPLS");
-}
+TEST(MeasurementNames, EveryEncapsulationButOneIsMpls) { expect_names(pm_udp_mpls_str, {{1, "UDP"}}, "MPLS"); }
 
 TEST(MeasurementNames, PmProtocolIsNamedAfterItsEncapsulation) {
     EXPECT_STREQ(pm_protocol_name_str(0, 1), "PM-UDP");
@@ -81,10 +79,9 @@ TEST(MeasurementNames, ProbeProtocolsHaveTheirNames) {
 }
 
 TEST(MeasurementNames, PpsClassesHaveTheirNames) {
-    expect_names(
-        pm_pps_class_str,
-        {{0, "IPv4-T1"}, {1, "IPv4-T2"}, {2, "IPv6-T1"}, {3, "IPv6-T2"}, {4, "MPLS-T1"}, {5, "MPLS-T2"}},
-        "Unknown");
+    expect_names(pm_pps_class_str,
+                 {{0, "IPv4-T1"}, {1, "IPv4-T2"}, {2, "IPv6-T1"}, {3, "IPv6-T2"}, {4, "MPLS-T1"}, {5, "MPLS-T2"}},
+                 "Unknown");
 }
 
 TEST(MeasurementNames, PpsPoolTypesAreEmptyOutsideTheTable) {

@@ -106,8 +106,8 @@ TEST(NotRunningReason, ReasonsWithACounterHaveItsClass) {
 }
 
 TEST(NotRunningReason, AllOtherReasonsAreInClassOne) {
-    for (const std::int32_t reason : {-1, 0, 1, 2, 3, 6, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19,
-                                      20, 21, 22, 24, 25, 27, 32, 33, 34, 35, 36, 37, INT32_MIN, INT32_MAX}) {
+    for (const std::int32_t reason : {-1, 0,  1,  2,  3,  6,  8,  9,  10, 11, 12, 13, 14, 15, 16,        17,
+                                      18, 19, 20, 21, 22, 24, 25, 27, 32, 33, 34, 35, 36, 37, INT32_MIN, INT32_MAX}) {
         EXPECT_EQ(error_class(reason), 1) << "for the reason " << reason;
     }
 }
@@ -124,8 +124,6 @@ TEST(NotRunningReason, DampeningAndForwardingStartAreTransient) {
     expect_answers(pm_not_running_reason_is_transient, {27, 36}, true);
 }
 
-TEST(NotRunningReason, NoReasonIsPermanent) {
-    expect_answers(pm_not_running_reason_is_permanent, {}, true);
-}
+TEST(NotRunningReason, NoReasonIsPermanent) { expect_answers(pm_not_running_reason_is_permanent, {}, true); }
 
 }  // namespace

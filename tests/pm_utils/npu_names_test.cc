@@ -41,10 +41,9 @@ TEST(NpuNames, ErrorsFromEightOnHaveThePlatformsText) {
 }
 
 TEST(NpuNames, CreateFailReasonsCountFromOne) {
-    expect_names(
-        pm_npu_create_fail_reason_str,
-        {{1, "PM profile not configured"}, {2, "No NPU capacity"}, {3, "Label allocation from LSD failed"}},
-        "none");
+    expect_names(pm_npu_create_fail_reason_str,
+                 {{1, "PM profile not configured"}, {2, "No NPU capacity"}, {3, "Label allocation from LSD failed"}},
+                 "none");
 }
 
 }  // namespace

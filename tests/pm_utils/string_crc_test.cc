@@ -37,9 +37,7 @@ std::uint32_t bitwise_crc(const std::string &text) {
     return ~crc;
 }
 
-TEST(StringCrc32, EmptyTextIsZero) {
-    EXPECT_EQ(pm_string_crc32(""), 0U);
-}
+TEST(StringCrc32, EmptyTextIsZero) { EXPECT_EQ(pm_string_crc32(""), 0U); }
 
 // With the byte 0xFF the table's index is 0 and its entry 0: 0xFFFFFF00 remains, inverted 0xFF.
 // With 0xFE the index is 1: 0xFFFFFF00 ^ 0x77073096 = 0x88F8CF96, inverted 0x77073069.
@@ -49,9 +47,7 @@ TEST(StringCrc32, OneByteIsItsTableEntryShiftedLeft) {
 }
 
 // The second 0xFF has the index 0 again: 0xFFFF0000 remains.
-TEST(StringCrc32, UpdateShiftsLeft) {
-    EXPECT_EQ(pm_string_crc32("\xFF\xFF"), 0x0000FFFFU);
-}
+TEST(StringCrc32, UpdateShiftsLeft) { EXPECT_EQ(pm_string_crc32("\xFF\xFF"), 0x0000FFFFU); }
 
 // CBF43926 is the check value of the common CRC-32 for these digits, FC891918 that of its
 // unreflected sister.
@@ -68,8 +64,8 @@ TEST(StringCrc32, EveryTableEntryMatchesTheLongDivision) {
 }
 
 TEST(StringCrc32, LongerTextsMatchTheLongDivision) {
-    const std::string texts[] = {"a", "gold", "123456789", "eth0/1/0/4", "srte_c_100_ep_10.0.0.1",
-                                 std::string(1000, '\x80')};
+    const std::string texts[] = {
+        "a", "gold", "123456789", "eth0/1/0/4", "srte_c_100_ep_10.0.0.1", std::string(1000, '\x80')};
     for (const std::string &text : texts) {
         EXPECT_EQ(pm_string_crc32(text.c_str()), bitwise_crc(text)) << "for the text " << text;
     }

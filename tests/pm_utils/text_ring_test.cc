@@ -24,9 +24,9 @@ TEST(TextRing, TenResultsLiveAtOnce) {
 }
 
 TEST(TextRing, EleventhResultOverwritesTheFirstOnly) {
-    const char *results[] = {pm_count_or_all_str(1), pm_count_or_all_str(2), pm_count_or_all_str(3),
-                             pm_count_or_all_str(4), pm_count_or_all_str(5), pm_count_or_all_str(6),
-                             pm_count_or_all_str(7), pm_count_or_all_str(8), pm_count_or_all_str(9),
+    const char *results[] = {pm_count_or_all_str(1),  pm_count_or_all_str(2), pm_count_or_all_str(3),
+                             pm_count_or_all_str(4),  pm_count_or_all_str(5), pm_count_or_all_str(6),
+                             pm_count_or_all_str(7),  pm_count_or_all_str(8), pm_count_or_all_str(9),
                              pm_count_or_all_str(10), pm_count_or_all_str(11)};
     const char *expected[] = {"11", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11"};
     for (std::size_t at = 0; at < std::size(expected); ++at) {

@@ -71,9 +71,7 @@ TEST(UdpPortStr, NonZeroIsConfigured) {
     EXPECT_STREQ(pm_udp_port_str(65535), "configured port 65535");
 }
 
-TEST(UdpPortStr, ZeroIsRandom) {
-    EXPECT_STREQ(pm_udp_port_str(0), "random port");
-}
+TEST(UdpPortStr, ZeroIsRandom) { EXPECT_STREQ(pm_udp_port_str(0), "random port"); }
 
 TEST(UdpPortStr, OnlyTheLowSixteenBitsCount) {
     EXPECT_STREQ(pm_udp_port_str(0x10000), "random port");

@@ -22,9 +22,9 @@ TEST(Descriptors, GroupsHaveTheirVersionAndLibrary) {
         const char *library;
         std::size_t types;
     };
-    for (const group &wanted : {group{19, 8, "lib_pm_show_parcel_desc.dll", 187},
-                                group{1, 1, "libpm_common_show_parcel_desc.dll", 10},
-                                group{2, 0, "lib_pm_chkpt_show_parcel_desc.dll", 3}}) {
+    for (const group &wanted :
+         {group{19, 8, "lib_pm_show_parcel_desc.dll", 187}, group{1, 1, "libpm_common_show_parcel_desc.dll", 10},
+          group{2, 0, "lib_pm_chkpt_show_parcel_desc.dll", 3}}) {
         std::size_t types = 0;
         for (const parcel_descriptor *each : pm_descriptors()) {
             if (std::string(each->library) == wanted.library) {
@@ -50,8 +50,9 @@ TEST(Descriptors, AFlatTypeHasOneLayoutEntry) {
 
 TEST(Descriptors, ANestedTypeHasItsOwnDefinitionAndLayoutEntry) {
     const parcel_descriptor *results = pm_scb_probe_results_parcel_descriptor();
-    EXPECT_STREQ(results->schema, "$68={ProbeValues}$56{NumberOfPacketsSent}D{NumberOfPacketsReceived}D;"
-                                  "$56={Average}D{Minimum}D{Maximum}D{Variance}D;");
+    EXPECT_STREQ(results->schema,
+                 "$68={ProbeValues}$56{NumberOfPacketsSent}D{NumberOfPacketsReceived}D;"
+                 "$56={Average}D{Minimum}D{Maximum}D{Variance}D;");
     EXPECT_STREQ(results->compact_schema, "$68=$56.DD;$56=DDDD;");
     ASSERT_EQ(results->layout[0].number, 1U);
     EXPECT_EQ(results->layout[0].size, 24U);

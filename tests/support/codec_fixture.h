@@ -20,7 +20,8 @@ using parcel = std::vector<std::uint8_t>;
 class decoded_record {
 public:
     decoded_record(const parcel &bytes, const parcel_descriptor *descriptor)
-        : descriptor_(descriptor), bytes_(descriptor->layout[0].size / 8 + 1, 0xA5A5A5A5A5A5A5A5ULL),
+        : descriptor_(descriptor),
+          bytes_(descriptor->layout[0].size / 8 + 1, 0xA5A5A5A5A5A5A5A5ULL),
           code_(parcel_decode(bytes.data(), static_cast<std::uint32_t>(bytes.size()), bytes_.data(), descriptor)) {}
     ~decoded_record() { parcel_free_indirections(bytes_.data(), descriptor_); }
     decoded_record(const decoded_record &) = delete;
@@ -112,6 +113,7 @@ inline const parcel_descriptor *make_type(const char *schema, const std::vector<
 }
 
 // A type of one record.
-inline const parcel_descriptor *make_type(const char *schema, std::uint64_t size, const std::vector<std::uint64_t> &offsets) {
+inline const parcel_descriptor *make_type(const char *schema, std::uint64_t size,
+                                          const std::vector<std::uint64_t> &offsets) {
     return make_type(schema, {{0, size, offsets}});
 }

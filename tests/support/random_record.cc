@@ -199,6 +199,6 @@ void random_record::fill_type(parcel_notation::type_index index, std::uint8_t *a
 }
 
 std::string first_difference(const parcel_descriptor *descriptor, const void *a, const void *b) {
-    return comparison(descriptor).of_definition(0, static_cast<const std::uint8_t *>(a),
-                                                static_cast<const std::uint8_t *>(b));
+    return comparison(descriptor)
+        .of_definition(0, static_cast<const std::uint8_t *>(a), static_cast<const std::uint8_t *>(b));
 }

@@ -8,9 +8,7 @@ namespace {
 
 class Output : public testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, folder_.path()).status, 0);
-    }
+    void SetUp() override { ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, folder_.path()).status, 0); }
     command_result run(const std::string &command) { return run_command(command, folder_.path()); }
 
     temporary_folder folder_;

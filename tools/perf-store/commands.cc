@@ -64,14 +64,13 @@ int run_stat() {
     print("%-6s %10s %12s %14s\n", "root", "node", "items", "bytes");
     for (const store::root_name &root : store::ROOTS) {
         std::map<std::uint32_t, usage> nodes;
-        const std::string problem =
-            for_each_key(store::key(store::key_space::item) + static_cast<char>(root.id),
-                         [&](std::string_view key, std::string_view value) {
-                             usage &branch = nodes[parse_item_key(key).node];
-                             ++branch.items;
-                             branch.bytes += value.size();
-                             return std::string();
-                         });
+        const std::string problem = for_each_key(store::key(store::key_space::item) + static_cast<char>(root.id),
+                                                 [&](std::string_view key, std::string_view value) {
+                                                     usage &branch = nodes[parse_item_key(key).node];
+                                                     ++branch.items;
+                                                     branch.bytes += value.size();
+                                                     return std::string();
+                                                 });
         if (!problem.empty()) {
             return report(problem);
         }
@@ -98,8 +97,8 @@ int run_schema(const std::string &name) {
     if (type == nullptr) {
         return report("unknown record type " + name);
     }
-    print("type    %s\nversion %u.%u\nlibrary %s\nsize    %llu\n\n", type->name, type->version_major, type->version_minor,
-          type->library, static_cast<unsigned long long>(type->layout[0].size));
+    print("type    %s\nversion %u.%u\nlibrary %s\nsize    %llu\n\n", type->name, type->version_major,
+          type->version_minor, type->library, static_cast<unsigned long long>(type->layout[0].size));
     print("%8s %8s  %-24s %s\n", "offset", "size", "type", "field");
     for (const field_shape &field : shape_of(type).record().fields) {
         print("%8u %8u  %-24s %s\n", field.offset, field.type->size, field.type->notation.c_str(), field.name.c_str());

@@ -24,7 +24,8 @@ namespace {
 class decoded {
 public:
     decoded(std::string_view parcel, const parcel_descriptor *descriptor)
-        : descriptor_(descriptor), bytes_(descriptor->layout[0].size / sizeof(std::uint64_t) + 1),
+        : descriptor_(descriptor),
+          bytes_(descriptor->layout[0].size / sizeof(std::uint64_t) + 1),
           code_(parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), bytes_.data(), descriptor)) {}
     ~decoded() { parcel_free_indirections(bytes_.data(), descriptor_); }
     decoded(const decoded &) = delete;
@@ -45,7 +46,8 @@ private:
 
 // Decodes a record and passes it to `use`; a failure names the object.
 template <class Use>
-std::string with_record(const std::string &what, std::string_view parcel, const parcel_descriptor *descriptor, Use use) {
+std::string with_record(const std::string &what, std::string_view parcel, const parcel_descriptor *descriptor,
+                        Use use) {
     const decoded record(parcel, descriptor);
     if (record.code() != ERRCODE_SUCCESS) {
         return what + ": " + errcode_strerror(record.code());
@@ -67,7 +69,8 @@ public:
         line_ += "}}\n";
         std::string problem;
         if (filter_.everything()) {
-            problem = each(store::key_space::platform, [this](auto key, auto value) { return dump_platform(key, value); });
+            problem =
+                each(store::key_space::platform, [this](auto key, auto value) { return dump_platform(key, value); });
             and_then(&problem, store::key_space::node, [this](auto key, auto value) { return dump_node(key, value); });
             and_then(&problem, store::key_space::interface,
                      [this](auto key, auto value) { return dump_interface(key, value); });
@@ -278,7 +281,8 @@ std::string dump_counted(store::environment *store, const dump_filter &filter, o
     const store_extent before = extent_of(store);
     dumper whole(filter, out);
     std::string problem = whole.run();
-    const std::size_t keys = whole.keys() + keys_in(store::key_space::format, &problem) + keys_in(store::key_space::schema, &problem);
+    const std::size_t keys =
+        whole.keys() + keys_in(store::key_space::format, &problem) + keys_in(store::key_space::schema, &problem);
     const store_extent after = extent_of(store);
     const bool lost = before.transaction == after.transaction && keys != after.entries;
     return problem.empty() && lost ? describe_store(OPSTORE_DAMAGED) : problem;

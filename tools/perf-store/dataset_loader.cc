@@ -131,9 +131,9 @@ void dataset_loader::load_object() {
         void (dataset_loader::*load)(const json_node &);
     };
     static constexpr object OBJECTS[] = {
-        {"dataset", &dataset_loader::load_dataset},     {"platform", &dataset_loader::load_platform},
-        {"node", &dataset_loader::load_node},           {"interface", &dataset_loader::load_interface},
-        {"item", &dataset_loader::load_item},           {"publisher", &dataset_loader::load_publisher},
+        {"dataset", &dataset_loader::load_dataset}, {"platform", &dataset_loader::load_platform},
+        {"node", &dataset_loader::load_node},       {"interface", &dataset_loader::load_interface},
+        {"item", &dataset_loader::load_item},       {"publisher", &dataset_loader::load_publisher},
     };
     const json_node &root = document_.root();
     reader_.require(root, json_kind::object);
@@ -200,10 +200,12 @@ void dataset_loader::load_dataset(const json_node &node) {
 
 void dataset_loader::load_platform(const json_node &node) {
     local_platform record{};
-    const members all(this, node, {"my_node", "router_type", "rp_plus_datapath", "active_rp", "process_group_partners"});
+    const members all(this, node,
+                      {"my_node", "router_type", "rp_plus_datapath", "active_rp", "process_group_partners"});
     all.optional("my_node", [&](const json_node &value) { record.MyNode = keep_u32(value); });
     all.optional("router_type", [&](const json_node &value) { record.RouterType = read_u32(value); });
-    all.optional("rp_plus_datapath", [&](const json_node &value) { record.RpPlusDatapath = reader_.read_boolean(value) ? 1 : 0; });
+    all.optional("rp_plus_datapath",
+                 [&](const json_node &value) { record.RpPlusDatapath = reader_.read_boolean(value) ? 1 : 0; });
     all.optional("active_rp", [&](const json_node &value) { record.ActiveRp = keep_u32(value); });
     all.optional("process_group_partners", [&](const json_node &value) { load_partners(value, &record); });
     stored(store_->put_platform(&record));

@@ -12,8 +12,8 @@ namespace perf_store {
 
 namespace {
 
-constexpr std::size_t PIECE = 1 << 20;       // bytes read at a time
-constexpr std::size_t TOKEN_LENGTH = 16;     // an error this close to the end may be a token cut in two
+constexpr std::size_t PIECE = 1 << 20;    // bytes read at a time
+constexpr std::size_t TOKEN_LENGTH = 16;  // an error this close to the end may be a token cut in two
 
 }  // namespace
 
@@ -64,8 +64,7 @@ bool document_stream::read_more() {
 }
 
 void document_stream::pass_document() {
-    line_ += static_cast<std::uint64_t>(
-        std::count(buffer_.data() + at_, buffer_.data() + at_ + length_, '\n'));
+    line_ += static_cast<std::uint64_t>(std::count(buffer_.data() + at_, buffer_.data() + at_ + length_, '\n'));
     at_ += length_;
     length_ = 0;
 }

@@ -38,11 +38,11 @@ private:
     std::string problem_;
     int file_ = -1;
     bool at_end_ = false;
-    std::vector<char> buffer_;   // terminated
+    std::vector<char> buffer_;  // terminated
     std::size_t filled_ = 0;
-    std::size_t at_ = 0;         // start of the document read last, white space before it included
-    std::size_t length_ = 0;     // of that document
-    std::uint64_t line_ = 1;     // at `at_`
+    std::size_t at_ = 0;      // start of the document read last, white space before it included
+    std::size_t length_ = 0;  // of that document
+    std::uint64_t line_ = 1;  // at `at_`
     std::uint64_t bytes_read_ = 0;
 };
 

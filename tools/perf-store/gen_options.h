@@ -11,7 +11,7 @@ struct gen_options {
     std::uint32_t policies = 100;   // SR policies
     std::uint32_t paths = 2;        // atomic paths of each segment list
     std::uint32_t endpoints = 20;
-    std::uint32_t tunnels = 10;     // RSVP-TE tunnels
+    std::uint32_t tunnels = 10;  // RSVP-TE tunnels
     std::uint64_t seed = 1;
 };
 

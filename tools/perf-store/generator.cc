@@ -54,11 +54,12 @@ void write_platform(generation *set) {
     }
     const std::uint32_t active = set->route_processor().id;
     const char *const forwards = set->first_card == 0 ? "true" : "false";
-    set->writer.line(gen_text("{\"platform\":{\"my_node\":", active, ",\"router_type\":9,\"rp_plus_datapath\":", forwards,
-                              ",\"active_rp\":", active, partner, "}}"));
+    set->writer.line(gen_text("{\"platform\":{\"my_node\":", active, ",\"router_type\":9,\"rp_plus_datapath\":",
+                              forwards, ",\"active_rp\":", active, partner, "}}"));
     for (const gen_node &node : set->nodes) {
         set->writer.line(gen_text("{\"node\":{\"id\":", node.id, ",\"name\":\"", node.name,
-                                  "\",\"sw_state\":6,\"location\":[0,", node.slot, ",0],\"processor\":", node.id, "}}"));
+                                  "\",\"sw_state\":6,\"location\":[0,", node.slot, ",0],\"processor\":", node.id,
+                                  "}}"));
     }
 }
 

@@ -180,8 +180,9 @@ void write_session(generation *set, const endpoint_state &endpoint) {
     own.Session = gen_control_block(session, &set->memory);
     if (session.is_liveness()) {
         own.LivenessDetectionEnabled = 1;
-        own.EPSessionLiveness = set->memory.keep(pm_endpoint_session_liveness{
-            session.id, gen_trace_id(session), gen_profile_name(session), gen_profile_key(session), gen_liveness(session)});
+        own.EPSessionLiveness =
+            set->memory.keep(pm_endpoint_session_liveness{session.id, gen_trace_id(session), gen_profile_name(session),
+                                                          gen_profile_key(session), gen_liveness(session)});
     }
     set->write_session(set->route_processor(), session, *record);
 }

@@ -87,7 +87,9 @@ pm_history_info gen_history(pm_history_type_e type, const session_state &session
     history.HistoryType = type;
     switch (type) {
     case PM_HISTORY_DM_PROBE: history.ProbeHistory = probe_history(session, session.random, memory); break;
-    case PM_HISTORY_DM_AGGREGATION: history.AggregatedHistory = aggregated_history(session, session.random, memory); break;
+    case PM_HISTORY_DM_AGGREGATION:
+        history.AggregatedHistory = aggregated_history(session, session.random, memory);
+        break;
     case PM_HISTORY_DM_ADVERTISEMENT:
         history.AdvertisementHistory = advertisement_history(session, session.random, memory);
         break;

@@ -104,7 +104,8 @@ void write_detail(generation *set, const interface_state &interface) {
     set->writer.item(interface.card->id, "intf/detail/" + interface.name, pm_intf_parcel_descriptor(), record);
 }
 
-void write_history(generation *set, const interface_state &interface, const char *path, const pm_history_info &history) {
+void write_history(generation *set, const interface_state &interface, const char *path,
+                   const pm_history_info &history) {
     auto *record = set->memory.make<pm_intf_history_parcel>();
     record->InterfaceName = set->memory.text(interface.name);
     record->InterfaceHandle = gen_interface_handle(interface.index);

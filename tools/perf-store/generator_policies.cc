@@ -70,7 +70,8 @@ void run_list(generation *set, random_source *random, const session_state &like,
     list->combined = gen_combined(like, list->sessions);
 }
 
-policy_candidate make_candidate(generation *set, random_source *random, const policy_state &policy, std::uint32_t number) {
+policy_candidate make_candidate(generation *set, random_source *random, const policy_state &policy,
+                                std::uint32_t number) {
     policy_candidate candidate;
     candidate.instance = number;
     candidate.preference = 300 - 100 * number;
@@ -109,8 +110,8 @@ policy_state make_policy(generation *set, std::uint32_t index) {
     policy.is_liveness = index % 3 == 2;
     policy.is_srv6 = index % 5 == 4;
     policy.color = index + 1;
-    policy.endpoint = policy.is_srv6 ? gen_address(gen_ipv6(ENDPOINT_NETWORK, index + 1ULL))
-                                     : gen_address(ENDPOINT_IPV4 + index + 1);
+    policy.endpoint =
+        policy.is_srv6 ? gen_address(gen_ipv6(ENDPOINT_NETWORK, index + 1ULL)) : gen_address(ENDPOINT_IPV4 + index + 1);
     if (set->options.interfaces != 0) {
         policy.outgoing_interface = gen_interface_handle(index % set->options.interfaces);
     }
@@ -132,8 +133,8 @@ policy_state make_policy(generation *set, std::uint32_t index) {
     return policy;
 }
 
-void write_session(generation *set, const policy_state &policy, const policy_candidate &candidate, const policy_list &list,
-                   const session_state &session) {
+void write_session(generation *set, const policy_state &policy, const policy_candidate &candidate,
+                   const policy_list &list, const session_state &session) {
     auto *record = set->memory.make<pm_session_parcel>();
     record->MeasurementType = session.kind;
     record->Session.type = PM_TRANSPORT_SR_POLICY;

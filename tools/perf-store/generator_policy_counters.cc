@@ -51,8 +51,8 @@ void fill_candidate(const policy_state &policy, const policy_candidate &candidat
 void gen_policy_counters(generation *set, const policy_state &policy) {
     auto *record = set->memory.make<pm_srpolicy_counters_parcel>();
     record->PolicyName = policy.name;
-    record->CandidateCounters =
-        set->memory.array<pm_srpolicy_candidate_path_counters_parcel>(static_cast<std::uint32_t>(policy.candidates.size()));
+    record->CandidateCounters = set->memory.array<pm_srpolicy_candidate_path_counters_parcel>(
+        static_cast<std::uint32_t>(policy.candidates.size()));
     for (std::uint32_t i = 0; i < record->CandidateCounters.count; ++i) {
         fill_candidate(policy, policy.candidates[i], &record->CandidateCounters.elements[i], &set->memory);
     }

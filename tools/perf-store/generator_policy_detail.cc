@@ -22,7 +22,8 @@ void fill_list(const policy_state &policy, const policy_list &list, pm_srpolicy_
     record->LivenessDetectionEnabled = policy.is_liveness ? 1 : 0;
     record->LivenessDetectionInfo = gen_liveness(state);
     record->ProbeStartTimeStamp = probe_start(state);
-    record->AtomicPaths = memory->array<pm_srpolicy_atomic_path_parcel>(static_cast<std::uint32_t>(list.sessions.size()));
+    record->AtomicPaths =
+        memory->array<pm_srpolicy_atomic_path_parcel>(static_cast<std::uint32_t>(list.sessions.size()));
     record->AtomicPathTotalCount = record->AtomicPaths.count;
     for (std::uint32_t i = 0; i < record->AtomicPaths.count; ++i) {
         record->AtomicPaths.elements[i] = gen_atomic_path(policy, list, list.sessions[i], memory);
@@ -93,8 +94,8 @@ void gen_policy_detail(generation *set, const policy_state &policy) {
     for (std::uint32_t i = 0; i < record->CandidatePaths.count; ++i) {
         fill_candidate(policy, policy.candidates[i], &record->CandidatePaths.elements[i], &set->memory);
     }
-    set->writer.item(set->route_processor().id, gen_text("srpolicy/detail/", policy.name), pm_srpolicy_parcel_descriptor(),
-                     record);
+    set->writer.item(set->route_processor().id, gen_text("srpolicy/detail/", policy.name),
+                     pm_srpolicy_parcel_descriptor(), record);
 }
 
 }  // namespace perf_store

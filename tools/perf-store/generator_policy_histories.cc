@@ -39,8 +39,8 @@ void write_history(generation *set, const policy_state &policy, const char *path
     record->Color = policy.color;
     record->EndPointAddress = policy.endpoint;
     record->PolicyName = policy.name;
-    record->CandidatePathsHistory =
-        set->memory.array<pm_srpolicy_history_candidate_path_parcel>(static_cast<std::uint32_t>(policy.candidates.size()));
+    record->CandidatePathsHistory = set->memory.array<pm_srpolicy_history_candidate_path_parcel>(
+        static_cast<std::uint32_t>(policy.candidates.size()));
     for (std::uint32_t i = 0; i < record->CandidatePathsHistory.count; ++i) {
         fill_candidate(type, policy, policy.candidates[i], &record->CandidatePathsHistory.elements[i], &set->memory);
     }

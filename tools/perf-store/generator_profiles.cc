@@ -19,9 +19,9 @@ struct named_profile {
     pm_transport_type_e transport;
 };
 constexpr named_profile NAMED_PROFILES[] = {
-    {"gold", PM_MEASUREMENT_DELAY, PM_TRANSPORT_INTERFACE},    {"gold", PM_MEASUREMENT_DELAY, PM_TRANSPORT_RSVP_TE},
-    {"gold", PM_MEASUREMENT_DELAY, PM_TRANSPORT_SR_POLICY},    {"gold", PM_MEASUREMENT_DELAY, PM_TRANSPORT_ENDPOINT},
-    {"silver", PM_MEASUREMENT_DELAY, PM_TRANSPORT_SR_POLICY},  {"gold", PM_MEASUREMENT_LIVENESS, PM_TRANSPORT_SR_POLICY},
+    {"gold", PM_MEASUREMENT_DELAY, PM_TRANSPORT_INTERFACE},   {"gold", PM_MEASUREMENT_DELAY, PM_TRANSPORT_RSVP_TE},
+    {"gold", PM_MEASUREMENT_DELAY, PM_TRANSPORT_SR_POLICY},   {"gold", PM_MEASUREMENT_DELAY, PM_TRANSPORT_ENDPOINT},
+    {"silver", PM_MEASUREMENT_DELAY, PM_TRANSPORT_SR_POLICY}, {"gold", PM_MEASUREMENT_LIVENESS, PM_TRANSPORT_SR_POLICY},
     {"gold", PM_MEASUREMENT_LIVENESS, PM_TRANSPORT_ENDPOINT},
 };
 constexpr std::string_view USED_PROFILE = "gold";
@@ -83,7 +83,8 @@ std::uint32_t **delay_count(pm_delay_transport_profile_parcel *profile, pm_trans
     return &profile->SessionCountInterface;
 }
 
-pm_delay_transport_profile_parcel delay_profile(pm_transport_type_e transport, std::uint32_t sessions, item_memory *memory) {
+pm_delay_transport_profile_parcel delay_profile(pm_transport_type_e transport, std::uint32_t sessions,
+                                                item_memory *memory) {
     pm_delay_transport_profile_parcel profile{};
     fill_intervals(&profile, memory);
     fill_advertisement(&profile);

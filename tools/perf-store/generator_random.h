@@ -21,7 +21,9 @@ public:
         state_ += STEP;
         return static_cast<std::uint32_t>(((mixed(state_) >> 32U) * count) >> 32U);
     }
-    [[nodiscard]] std::uint32_t between(std::uint32_t least, std::uint32_t most) { return least + below(most - least + 1); }
+    [[nodiscard]] std::uint32_t between(std::uint32_t least, std::uint32_t most) {
+        return least + below(most - least + 1);
+    }
     // Another sequence, which does not follow this one.
     [[nodiscard]] random_source branch() {
         random_source other;

@@ -88,7 +88,8 @@ void dataset_writer::line(std::string_view object) {
 }
 
 // Paths are made of names that need no escapes in JSON.
-void dataset_writer::item(std::uint32_t node, std::string_view path, const parcel_descriptor *type, const void *record) {
+void dataset_writer::item(std::uint32_t node, std::string_view path, const parcel_descriptor *type,
+                          const void *record) {
     std::string &to = out_.buffer();
     to.append(R"({"item":{"root":"main","node":)");
     append_number(node, &to);

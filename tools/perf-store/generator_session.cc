@@ -10,14 +10,17 @@ namespace {
 constexpr std::uint32_t MSEC_PER_MINUTE = 60000;
 
 // Reasons that the counters of the transport can explain.
-constexpr pm_probe_running_error_reason INTERFACE_REASONS[] = {PM_NOT_RUNNING_INTERFACE_DOWN, PM_NOT_RUNNING_NO_MPLS_CAPS,
-                                                               PM_NOT_RUNNING_IPV4_DOWN, PM_NOT_RUNNING_NO_NEXT_HOP_MAC};
-constexpr pm_probe_running_error_reason POLICY_REASONS[] = {PM_NOT_RUNNING_NO_IP_ADDRESS, PM_NOT_RUNNING_NO_SOURCE_ADDRESS};
+constexpr pm_probe_running_error_reason INTERFACE_REASONS[] = {PM_NOT_RUNNING_INTERFACE_DOWN,
+                                                               PM_NOT_RUNNING_NO_MPLS_CAPS, PM_NOT_RUNNING_IPV4_DOWN,
+                                                               PM_NOT_RUNNING_NO_NEXT_HOP_MAC};
+constexpr pm_probe_running_error_reason POLICY_REASONS[] = {PM_NOT_RUNNING_NO_IP_ADDRESS,
+                                                            PM_NOT_RUNNING_NO_SOURCE_ADDRESS};
 constexpr pm_probe_running_error_reason TUNNEL_REASONS[] = {PM_NOT_RUNNING_NO_IP_ADDRESS};
-constexpr pm_probe_running_error_reason ENDPOINT_REASONS[] = {PM_NOT_RUNNING_NO_IP_ADDRESS, PM_NOT_RUNNING_NO_SEGMENT_LIST};
+constexpr pm_probe_running_error_reason ENDPOINT_REASONS[] = {PM_NOT_RUNNING_NO_IP_ADDRESS,
+                                                              PM_NOT_RUNNING_NO_SEGMENT_LIST};
 
 constexpr pm_advert_reason_e ADVERTISEMENT_REASONS[] = {
-    PM_ADVERT_REASON_PERIODIC_AVERAGE, PM_ADVERT_REASON_PERIODIC_MINIMUM,   PM_ADVERT_REASON_PERIODIC_MAXIMUM,
+    PM_ADVERT_REASON_PERIODIC_AVERAGE, PM_ADVERT_REASON_PERIODIC_MINIMUM, PM_ADVERT_REASON_PERIODIC_MAXIMUM,
     PM_ADVERT_REASON_PERIODIC_AVERAGE, PM_ADVERT_REASON_ACCELERATED_AVERAGE};
 
 std::span<const pm_probe_running_error_reason> reasons_of(pm_transport_type_e transport) {

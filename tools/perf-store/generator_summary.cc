@@ -38,7 +38,7 @@ pm_delay_counters_info_parcel counters_of(const session_totals &totals, pm_trans
 pm_delay_transport_summary_parcel delay_summary(const gen_node &node, pm_transport_type_e transport) {
     const session_totals &totals = node.of(PM_MEASUREMENT_DELAY, transport);
     pm_delay_transport_summary_parcel summary{};
-    summary.DelaySessionCounters = {totals.sessions,     totals.not_running(), totals.running,      totals.running_ipv4,
+    summary.DelaySessionCounters = {totals.sessions,     totals.not_running(), totals.running,     totals.running_ipv4,
                                     totals.running_ipv6, totals.running_mpls,  totals.running_srv6};
     summary.DelayTransportCounters = counters_of(totals, transport);
     return summary;
@@ -48,9 +48,9 @@ pm_liveness_summary_parcel liveness_summary(const gen_node &node) {
     const session_totals &endpoints = node.of(PM_MEASUREMENT_LIVENESS, PM_TRANSPORT_ENDPOINT);
     const session_totals &policies = node.of(PM_MEASUREMENT_LIVENESS, PM_TRANSPORT_SR_POLICY);
     pm_liveness_summary_parcel summary{};
-    summary.EndpointLivenessSummary.EndpointLivenessSessionCounters = {
-        endpoints.sessions,     endpoints.not_running(), endpoints.running,
-        endpoints.running_ipv4, endpoints.running_ipv6,  endpoints.running_srv6};
+    summary.EndpointLivenessSummary.EndpointLivenessSessionCounters = {endpoints.sessions,     endpoints.not_running(),
+                                                                       endpoints.running,      endpoints.running_ipv4,
+                                                                       endpoints.running_ipv6, endpoints.running_srv6};
     summary.EndpointLivenessSummary.EndpointLivenessTransportCounters = gen_endpoint_liveness_counters(endpoints.sum);
     summary.SRPolicyLivenessSummary.SRPolicyLivenessSessionCounters = {
         policies.sessions, policies.not_running(), policies.running, policies.running_ipv4, policies.running_ipv6};
@@ -62,7 +62,8 @@ pm_liveness_summary_parcel liveness_summary(const gen_node &node) {
 void fill_processor(const generation &set, pm_summary_parcel *record, item_memory *memory) {
     const gen_node &node = set.nodes.front();
     const auto cards = set.first_card == 0 ? 0 : static_cast<std::uint32_t>(set.nodes.size()) - set.first_card;
-    record->CheckpointOperationQueue = {0, node.last_session, node.last_session / 16, GEN_BASE_MSEC - 24 * MSEC_PER_HOUR};
+    record->CheckpointOperationQueue = {0, node.last_session, node.last_session / 16,
+                                        GEN_BASE_MSEC - 24 * MSEC_PER_HOUR};
     record->LineCardDistributionInfo.ConnectedLineCards = cards;
     record->LineCardDistributionInfo.LineCardList = memory->array<std::uint32_t>(cards);
     for (std::uint32_t card = 0; card < cards; ++card) {

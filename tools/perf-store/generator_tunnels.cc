@@ -60,8 +60,8 @@ void write_counters(generation *set, const tunnel_state &tunnel) {
 void write_history(generation *set, const tunnel_state &tunnel, const char *path, pm_history_type_e type) {
     auto *record = set->memory.make<pm_rsvpte_history_parcel>();
     record->TunnelName = tunnel.name;
-    record->LSPList =
-        set->memory.array_of({pm_rsvpte_lsp_history_parcel{tunnel.lsp, gen_history(type, tunnel.session, &set->memory)}});
+    record->LSPList = set->memory.array_of(
+        {pm_rsvpte_lsp_history_parcel{tunnel.lsp, gen_history(type, tunnel.session, &set->memory)}});
     write_item(set, tunnel, path, pm_rsvpte_history_parcel_descriptor(), record);
 }
 
@@ -69,7 +69,8 @@ void write_session(generation *set, const tunnel_state &tunnel) {
     auto *record = set->memory.make<pm_session_parcel>();
     record->MeasurementType = tunnel.session.kind;
     record->Session.type = PM_TRANSPORT_RSVP_TE;
-    record->Session.RSVPTETunnelSession = {tunnel.name, gen_tunnel_handle(tunnel.index), lsp_session(tunnel, &set->memory)};
+    record->Session.RSVPTETunnelSession = {tunnel.name, gen_tunnel_handle(tunnel.index),
+                                           lsp_session(tunnel, &set->memory)};
     set->write_session(set->route_processor(), tunnel.session, *record);
 }
 

@@ -12,7 +12,8 @@ namespace perf_store {
 class progress {
 public:
     // `whole` is the amount of work in all; 0 when it is not known.
-    progress(const char *what, std::uint64_t whole) : what_(what), whole_(whole), shown_(::isatty(STDERR_FILENO) != 0) {}
+    progress(const char *what, std::uint64_t whole)
+        : what_(what), whole_(whole), shown_(::isatty(STDERR_FILENO) != 0) {}
     ~progress() {
         if (drawn_) {
             std::fputs("\r\033[K", stderr);

@@ -16,9 +16,9 @@ using parcel_notation::kind;
 namespace {
 
 constexpr std::size_t BLOCK_SIZE = 64 * 1024;
-constexpr std::size_t MAX_FIELDS = 256;  // of one record
+constexpr std::size_t MAX_FIELDS = 256;   // of one record
 constexpr std::uint32_t MAX_DEPTH = 256;  // of records within one another; the codec's own limit is lower
-constexpr std::uint32_t IPV4_VALUE = 0;  // discriminators of an address
+constexpr std::uint32_t IPV4_VALUE = 0;   // discriminators of an address
 constexpr std::uint32_t IPV6_VALUE = 1;
 constexpr std::uint32_t NONE_VALUE = 2;
 
@@ -28,9 +28,7 @@ void put(std::uint8_t *to, T value) {
 }
 
 // A number of 1, 2, 4 or 8 bytes.
-void put_unsigned(std::uint8_t *to, std::uint64_t value, std::uint32_t size) {
-    std::memcpy(to, &value, size);
-}
+void put_unsigned(std::uint8_t *to, std::uint64_t value, std::uint32_t size) { std::memcpy(to, &value, size); }
 
 std::uint64_t largest_of(std::uint32_t size) {
     return size == sizeof(std::uint64_t) ? ~0ULL : (1ULL << (8 * size)) - 1;
@@ -213,7 +211,8 @@ void record_reader::read_union(const json_node &node, const record_shape &shape,
     const field_shape *arm = shape.arm_of(static_cast<std::uint32_t>(value));
     path_->enter(content_name->text);
     if (arm == nullptr || arm->name != content_name->text) {
-        fail(*content_name, "is not the arm that " + shape.discriminator + " " + std::string(discriminator->text) + " selects");
+        fail(*content_name,
+             "is not the arm that " + shape.discriminator + " " + std::string(discriminator->text) + " selects");
     }
     read_value(*content, *arm->type, to + arm->offset);
     path_->leave();

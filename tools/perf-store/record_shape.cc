@@ -18,7 +18,8 @@ constexpr char ADDRESS_DISCRIMINATOR[] = "IPAddressType";
 }  // namespace
 
 const field_shape *record_shape::arm_of(std::uint32_t value) const {
-    const auto found = std::find_if(fields.begin(), fields.end(), [&](const field_shape &each) { return each.value == value; });
+    const auto found =
+        std::find_if(fields.begin(), fields.end(), [&](const field_shape &each) { return each.value == value; });
     return found != fields.end() ? &*found : nullptr;
 }
 

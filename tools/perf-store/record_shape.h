@@ -19,25 +19,25 @@ struct record_shape;
 // The type of a field or element.
 struct value_shape {
     parcel_notation::kind what{};
-    char format = 0;               // of raw bytes: 's' IPv6, 'm' MAC
-    std::uint32_t count = 0;       // of raw bytes and fixed arrays
-    std::uint32_t size = 0;        // bytes in the structure
-    std::string notation;          // for messages
+    char format = 0;                       // of raw bytes: 's' IPv6, 'm' MAC
+    std::uint32_t count = 0;               // of raw bytes and fixed arrays
+    std::uint32_t size = 0;                // bytes in the structure
+    std::string notation;                  // for messages
     const value_shape *element = nullptr;  // of optionals and arrays
     const record_shape *record = nullptr;  // of references
 };
 
 struct field_shape {
-    std::string name;  // empty for an arm without content
-    std::uint32_t value = 0;   // of an arm: its discriminator
-    std::uint32_t offset = 0;  // in the structure
+    std::string name;                   // empty for an arm without content
+    std::uint32_t value = 0;            // of an arm: its discriminator
+    std::uint32_t offset = 0;           // in the structure
     const value_shape *type = nullptr;  // null for an arm without content
 };
 
 // A record or a union.
 struct record_shape {
     bool is_union = false;
-    bool is_address = false;    // a union that is written as address text
+    bool is_address = false;  // a union that is written as address text
     std::uint32_t size = 0;
     std::string discriminator;  // of a union; stands at the start of the structure
     std::vector<field_shape> fields;

@@ -59,7 +59,8 @@ void append_text(const char *text, std::string *out) {
     }
 }
 
-void append_elements(const std::uint8_t *elements, const value_shape &element, std::uint32_t count, json_fields fields, std::string *out) {
+void append_elements(const std::uint8_t *elements, const value_shape &element, std::uint32_t count, json_fields fields,
+                     std::string *out) {
     out->push_back('[');
     for (std::uint32_t i = 0; i < count; ++i) {
         if (i != 0) {

@@ -27,9 +27,9 @@ struct batch {
 };
 
 errcode read_batch(store::environment *store, std::string_view prefix, std::string_view after, batch *out) {
-    out->bytes.clear();
-    out->entries.clear();
     return store->read([&](const store::view &state) {
+        out->bytes.clear();
+        out->entries.clear();
         return state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
             if (out->bytes.size() >= BATCH_BYTES) {
                 return false;

@@ -14,10 +14,10 @@ namespace perf_store {
 [[nodiscard]] std::string describe_store(errcode code);
 
 // Calls visit(key, parcel) for every record whose key begins with `prefix`, in order. Each batch is one
-// consistent state. A value that is not its key's is visited as an empty parcel. Stops when visit returns a text, which is the result; a failure of the store gives
-// its description.
-[[nodiscard]] std::string for_each_key(std::string_view prefix,
-                                       const std::function<std::string(std::string_view key, std::string_view parcel)> &visit);
+// consistent state. A value that is not its key's is visited as an empty parcel. Stops when visit returns a text, which
+// is the result; a failure of the store gives its description.
+[[nodiscard]] std::string for_each_key(
+    std::string_view prefix, const std::function<std::string(std::string_view key, std::string_view parcel)> &visit);
 
 // What visit may return when it has seen enough.
 inline constexpr char STOP[] = "stop";

@@ -37,7 +37,7 @@ struct piece {
     bool zero = false;
     int width = NONE;
     int precision = NONE;
-    std::size_t begin = 0;     // literal text: where it stands in the format
+    std::size_t begin = 0;  // literal text: where it stands in the format
     std::size_t length = 0;
     std::size_t argument = 0;  // index of the first argument that the conversion takes
 };
@@ -113,8 +113,7 @@ consteval auto parse() {
                 result.error = "a number takes no precision here";
             }
             break;
-        default:
-            result.error = "unknown conversion";
+        default: result.error = "unknown conversion";
         }
         result.pieces[result.count++] = next;
     }
@@ -197,8 +196,8 @@ inline void convert(field &out, Argument argument, int precision) {
             const auto number = Piece.is_long ? static_cast<std::int64_t>(value)
                                               : static_cast<std::int64_t>(static_cast<std::int32_t>(value));
             out.negative = number < 0;
-            begin = write_decimal(end, number < 0 ? 0 - static_cast<std::uint64_t>(number)
-                                                  : static_cast<std::uint64_t>(number));
+            begin = write_decimal(
+                end, number < 0 ? 0 - static_cast<std::uint64_t>(number) : static_cast<std::uint64_t>(number));
         } else {
             begin = Piece.is_long ? write_decimal(end, value) : write_decimal(end, static_cast<std::uint32_t>(value));
         }
@@ -263,9 +262,8 @@ inline void prepare(prepared<Format> &out, Arguments... arguments) {
     static_assert(parsed.arguments == sizeof...(Arguments), "the format takes another number of arguments");
     out.size = 0;
     const std::tuple<Arguments...> tuple{arguments...};
-    [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-        (prepare_piece<Format, Index>(out, tuple), ...);
-    }(std::make_index_sequence<parsed.count>{});
+    [&]<std::size_t... Index>(std::index_sequence<Index...>) { (prepare_piece<Format, Index>(out, tuple), ...); }
+    (std::make_index_sequence<parsed.count>{});
 }
 
 template <pm_format_literal Format, std::size_t Index, class Writer>
@@ -294,9 +292,8 @@ inline void write_piece(Writer &writer, const prepared<Format> &text) {
 // Writes a prepared text: to anything with put(bytes, length) and fill(byte, length).
 template <pm_format_literal Format, class Writer>
 inline void write(Writer &writer, const prepared<Format> &text) {
-    [&]<std::size_t... Index>(std::index_sequence<Index...>) {
-        (write_piece<Format, Index>(writer, text), ...);
-    }(std::make_index_sequence<parsed_format<Format>.count>{});
+    [&]<std::size_t... Index>(std::index_sequence<Index...>) { (write_piece<Format, Index>(writer, text), ...); }
+    (std::make_index_sequence<parsed_format<Format>.count>{});
 }
 
 // Copies of the few bytes that most texts have, without a call.

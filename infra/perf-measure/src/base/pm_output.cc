@@ -96,10 +96,11 @@ void pm_output_error(const char *message, std::size_t length) {
 
 void pm_assertion_failed(const char *expression, const char *source, int line, const char *function) {
     // Not pm_output_flush: it ends the program quietly when nobody reads.
-    static_cast<void>(pm_output_detail::write_all(STDOUT_FILENO, out.bytes, static_cast<std::size_t>(out.cursor - out.bytes)));
+    static_cast<void>(
+        pm_output_detail::write_all(STDOUT_FILENO, out.bytes, static_cast<std::size_t>(out.cursor - out.bytes)));
     char message[PM_ERROR_SIZE];
     const std::size_t length = pm_format_text<"Assertion failed: %s, %s:%d, %s\n">(message, sizeof message, expression,
-                                                                                  source, line, function);
+                                                                                   source, line, function);
     static_cast<void>(pm_output_detail::write_all(STDERR_FILENO, message, length));
     std::abort();
 }

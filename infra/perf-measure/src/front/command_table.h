@@ -52,7 +52,7 @@ struct pm_show_record {
 };
 
 struct pm_show_command {
-    std::uint32_t type;  // -c
+    std::uint32_t type;          // -c
     const char *root = nullptr;  // null: no show command, or another row says
     pm_show_path_rule path = {};
     pm_show_record record = {};

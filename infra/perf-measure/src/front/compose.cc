@@ -99,18 +99,13 @@ void pm_show_compose_srpolicy(pm_show_path &out, const char *plain_prefix, const
         return;
     }
     pm_show_path key;
-    pm_snprintf(key, sizeof key, "%s,%s,%s,%s,%s,%s,%s,%s,%s,%s,%s",
-                number_component::of_number(o.f_set, o.f_value).text,
-                address_component().text,
-                number_component::of_number(o.o_set, o.o_value).text,
-                number_component::of_number(o.g_set, o.g_value).text,
-                wide_number_component::of_number(o.m_set, o.m_value).text,
-                text_component::of_text(o.n_set, o.n_text).text,
-                number_component::of_text(o.true_flag, "TRUE").text,
-                number_component::of_number(o.h_set, o.h_value).text,
-                number_component::of_number(o.jr_set, o.jr_value).text,
-                number_component::of_number(o.u_set, o.u_value).text,
-                number_component::of_number(o.k_set, o.k_value).text);
+    pm_snprintf(
+        key, sizeof key, "%s,%s,%s,%s,%s,%s,%s,%s,%s,%s,%s", number_component::of_number(o.f_set, o.f_value).text,
+        address_component().text, number_component::of_number(o.o_set, o.o_value).text,
+        number_component::of_number(o.g_set, o.g_value).text, wide_number_component::of_number(o.m_set, o.m_value).text,
+        text_component::of_text(o.n_set, o.n_text).text, number_component::of_text(o.true_flag, "TRUE").text,
+        number_component::of_number(o.h_set, o.h_value).text, number_component::of_number(o.jr_set, o.jr_value).text,
+        number_component::of_number(o.u_set, o.u_value).text, number_component::of_number(o.k_set, o.k_value).text);
     compose_filtered(out, filter_prefix, key, name_or_nothing());
 }
 
@@ -121,10 +116,8 @@ void pm_show_compose_endpoint(pm_show_path &out, const char *plain_prefix, const
         return;
     }
     pm_show_path key;
-    pm_snprintf(key, sizeof key, "%s,%s,%s,%s",
-                text_component::of_text(o.V_set, o.V_text).text,
-                address_component().text,
-                text_component::of_text(o.n_set, o.n_text).text,
+    pm_snprintf(key, sizeof key, "%s,%s,%s,%s", text_component::of_text(o.V_set, o.V_text).text,
+                address_component().text, text_component::of_text(o.n_set, o.n_text).text,
                 number_component::of_number(o.h_set, o.h_value).text);
     compose_filtered(out, filter_prefix, key, name_or_nothing());
 }
@@ -137,8 +130,7 @@ void pm_show_compose_rsvpte(pm_show_path &out, const char *plain_prefix, const c
     }
     pm_show_path key;
     pm_snprintf(key, sizeof key, "%s,%s",  // here the address comes last
-                wide_number_component::of_number(o.a_set, o.a_value).text,
-                address_component().text);
+                wide_number_component::of_number(o.a_set, o.a_value).text, address_component().text);
     compose_filtered(out, filter_prefix, key, name_or_nothing());
 }
 
@@ -152,7 +144,7 @@ errcode encode_profile_name(const char *routine, pm_heap_block<char> *encoded) {
     encoded->reset(text);
     if (code != ERRCODE_SUCCESS) {
         pm_print_error<"%s: Error encoding name name %s: %s (0x%x)">(routine, pm_show_options.profile_name,
-                                                                      errcode_strerror(code), code);
+                                                                     errcode_strerror(code), code);
     }
     return code;
 }
@@ -182,8 +174,7 @@ errcode pm_show_compose_name_profile_filter(pm_show_path &key) {
         }
     }
     const bool kind_given = o.loss_kind || o.delay_kind || o.liveness_kind;  // the probe kind stays a wildcard
-    pm_snprintf(key, sizeof key, "%s,%s,%s",
-                number_component::of_number(kind_given, o.profile_kind).text,
+    pm_snprintf(key, sizeof key, "%s,%s,%s", number_component::of_number(kind_given, o.profile_kind).text,
                 number_component::of_number(o.profile_type_set, o.profile_type).text,
                 component<PROFILE_NAME_SIZE>::of_text(encoded != nullptr, encoded.get()).text);
     return ERRCODE_SUCCESS;

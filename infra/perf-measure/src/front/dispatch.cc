@@ -36,12 +36,9 @@ const pm_show_command *find_command() {
         return nullptr;
     }
     switch (command->path.form) {
-    case pm_show_path_form::BY_SUBTYPE:
-        return find_subtype();
-    case pm_show_path_form::BY_PROFILE:
-        return find_profile();
-    default:
-        return command;
+    case pm_show_path_form::BY_SUBTYPE: return find_subtype();
+    case pm_show_path_form::BY_PROFILE: return find_profile();
+    default: return command;
     }
 }
 
@@ -58,49 +55,32 @@ void choose_nodes(pm_show_nodes nodes) {
 // decides that. Fails, reported, when a name cannot be encoded.
 errcode compose(const pm_show_path_rule &rule, pm_show_path &path, bool *single_path) {
     switch (rule.form) {
-    case pm_show_path_form::FIXED:
-        pm_snprintf(path, sizeof path, "%s", rule.prefix);
-        break;
-    case pm_show_path_form::NAME:
-        pm_show_compose_plain(path, rule.prefix);
-        break;
+    case pm_show_path_form::FIXED: pm_snprintf(path, sizeof path, "%s", rule.prefix); break;
+    case pm_show_path_form::NAME: pm_show_compose_plain(path, rule.prefix); break;
     case pm_show_path_form::NAME_BY_KIND:
         pm_show_compose_plain(path, pm_show_options.loss_kind ? rule.other_prefix : rule.prefix);
         break;
-    case pm_show_path_form::SESSION:
-        pm_show_compose_session(path, rule.prefix);
-        break;
-    case pm_show_path_form::SRPOLICY:
-        pm_show_compose_srpolicy(path, rule.prefix, rule.other_prefix);
-        break;
-    case pm_show_path_form::ENDPOINT:
-        pm_show_compose_endpoint(path, rule.prefix, rule.other_prefix);
-        break;
-    case pm_show_path_form::RSVPTE:
-        pm_show_compose_rsvpte(path, rule.prefix, rule.other_prefix);
-        break;
-    case pm_show_path_form::NAMED_PROFILE:
-        return pm_show_compose_named_profile(path, single_path);
+    case pm_show_path_form::SESSION: pm_show_compose_session(path, rule.prefix); break;
+    case pm_show_path_form::SRPOLICY: pm_show_compose_srpolicy(path, rule.prefix, rule.other_prefix); break;
+    case pm_show_path_form::ENDPOINT: pm_show_compose_endpoint(path, rule.prefix, rule.other_prefix); break;
+    case pm_show_path_form::RSVPTE: pm_show_compose_rsvpte(path, rule.prefix, rule.other_prefix); break;
+    case pm_show_path_form::NAMED_PROFILE: return pm_show_compose_named_profile(path, single_path);
     case pm_show_path_form::INVALID:
     case pm_show_path_form::BY_SUBTYPE:
     case pm_show_path_form::BY_PROFILE:
-        PM_ASSERT(false, "the row says what to read", "front", "compose(const pm_show_path_rule &, pm_show_path &, bool *)");
+        PM_ASSERT(false, "the row says what to read", "front",
+                  "compose(const pm_show_path_rule &, pm_show_path &, bool *)");
     }
     return ERRCODE_SUCCESS;
 }
 
 bool is_single(pm_show_single rule, bool single_path) {
     switch (rule) {
-    case pm_show_single::NEVER:
-        return false;
-    case pm_show_single::ALWAYS:
-        return true;
-    case pm_show_single::WITH_NAME:
-        return pm_show_options.name != nullptr;
-    case pm_show_single::WITH_SESSION_ID:
-        return pm_show_options.session_id != 0;
-    case pm_show_single::BY_PATH:
-        break;
+    case pm_show_single::NEVER: return false;
+    case pm_show_single::ALWAYS: return true;
+    case pm_show_single::WITH_NAME: return pm_show_options.name != nullptr;
+    case pm_show_single::WITH_SESSION_ID: return pm_show_options.session_id != 0;
+    case pm_show_single::BY_PATH: break;
     }
     return single_path;
 }
@@ -134,12 +114,9 @@ int pm_show_dispatch() {
     pm_show_request request;
     pm_show_path item_path;
     switch (pm_show_build_request(&request, item_path)) {
-    case pm_show_build::REFUSED:
-        return -1;
-    case pm_show_build::NOTHING:
-        return 0;
-    case pm_show_build::READY:
-        break;
+    case pm_show_build::REFUSED: return -1;
+    case pm_show_build::NOTHING: return 0;
+    case pm_show_build::READY: break;
     }
     if (request.display == nullptr) {
         pm_print_error<"perf-show: show command type %u is not available yet\n">(pm_show_options.command_type);

@@ -64,8 +64,8 @@ void free_batch(listing &state) {
     const errcode code = opstore_datalist_free(state.batch);
     state.batch = nullptr;
     if (code != ERRCODE_SUCCESS) {
-        pm_print_error<"%s: Cannot free the data from system database: %s (0x%x)\n">(
-            listing_routine, errcode_strerror(code), code);
+        pm_print_error<"%s: Cannot free the data from system database: %s (0x%x)\n">(listing_routine,
+                                                                                     errcode_strerror(code), code);
     }
 }
 
@@ -97,23 +97,19 @@ bool show_next_item(listing &state, const char **key) {
 
 void report_listing_answer(errcode code) {
     switch (code) {
-    case OPSTORE_NOT_PUBLISHED:
-        break;
+    case OPSTORE_NOT_PUBLISHED: break;
     case OPSTORE_UNREACHABLE:
     case OPSTORE_STARTING:
-    case OPSTORE_STOPPED:
-        print_not_running();
-        break;
-    default:
-        print_unexpected(REPORTED_LISTING_LINE, code);
+    case OPSTORE_STOPPED: print_not_running(); break;
+    default: print_unexpected(REPORTED_LISTING_LINE, code);
     }
 }
 
 // Requests the next batch. Its item count; 0 ends the listing, answered.
 std::uint32_t request_batch(listing &state) {
     std::uint32_t count = state.request.batch_size;
-    errcode code = opstore_datalist(pm_show_opstore_handle, state.request.item_path, state.key, &count, &state.batch,
-                                    state.flags);
+    errcode code =
+        opstore_datalist(pm_show_opstore_handle, state.request.item_path, state.key, &count, &state.batch, state.flags);
     if (code != ERRCODE_SUCCESS) {
         report_listing_answer(code);
         return 0;
@@ -174,7 +170,8 @@ errcode show_listing(const pm_show_request &request) {
 // Decodes and displays a fetched item. What decoding allocates stays until the program ends.
 errcode show_fetched_item(const pm_show_request &request, std::uint32_t data_type, const void *data,
                           std::uint32_t length) {
-    const pm_heap_block<void> record = allocate_record(request, "MPLS-TE decoded parcel");  // the tag of every record type
+    const pm_heap_block<void> record =
+        allocate_record(request, "MPLS-TE decoded parcel");  // the tag of every record type
     if (record == nullptr) {
         return ERRCODE_SUCCESS;
     }
@@ -197,19 +194,14 @@ errcode show_single_item(const pm_show_request &request) {
     const errcode code = opstore_item_get(pm_show_opstore_handle, request.item_path, &data_type, &fetched, &length, 0);
     const pm_heap_block<void> data(fetched);
     switch (code) {
-    case ERRCODE_SUCCESS:
-        return show_fetched_item(request, data_type, data.get(), length);
-    case OPSTORE_NOT_PUBLISHED:
-        break;
+    case ERRCODE_SUCCESS: return show_fetched_item(request, data_type, data.get(), length);
+    case OPSTORE_NOT_PUBLISHED: break;
     case OPSTORE_UNREACHABLE:
     case OPSTORE_STOPPED:  // OPSTORE_STARTING is missing on purpose, unlike in a listing
         print_not_running();
         break;
-    case ERRCODE_NOT_FOUND:
-        pm_print<"Item not found\n">();
-        break;
-    default:
-        print_unexpected(REPORTED_ITEM_LINE, code);
+    case ERRCODE_NOT_FOUND: pm_print<"Item not found\n">(); break;
+    default: print_unexpected(REPORTED_ITEM_LINE, code);
     }
     return code;
 }
@@ -230,9 +222,8 @@ bool is_complete(const pm_show_request *request) {
 errcode bind_node(const char *base_path, std::uint32_t node_id) {
     pm_show_path bind_path;
     pm_snprintf(bind_path, sizeof bind_path, "%snode/%x/", base_path, node_id);
-    const errcode code = store_client_present()
-                             ? _opstore_bind(&pm_show_opstore_handle, bind_path, OPSTORE_BIND_READ)
-                             : OPSTORE_NO_CLIENT;
+    const errcode code = store_client_present() ? _opstore_bind(&pm_show_opstore_handle, bind_path, OPSTORE_BIND_READ)
+                                                : OPSTORE_NO_CLIENT;
     if (code != ERRCODE_SUCCESS) {
         pm_print_error<" %s: opstore_bind failed: %s (0x%x)\n">("generic_show", errcode_strerror(code), code);
     }

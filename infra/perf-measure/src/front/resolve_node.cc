@@ -31,7 +31,7 @@ errcode pm_show_resolve_node() {
     if (pm_show_options.name == nullptr) {
         return ERRCODE_INVALID_ARGUMENT;
     }
-    ifnx_parsed_name interface{};
+    ifnx_parsed_name interface {};
     errcode code = ifnx_ifname_parse(pm_show_options.name, 0, &interface);
     if (code != ERRCODE_SUCCESS) {
         return code;

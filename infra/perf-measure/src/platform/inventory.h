@@ -7,8 +7,8 @@
 
 struct invd_inventory;  // a snapshot of the inventory; lives until the process ends
 
-inline constexpr std::uint32_t INVD_ALL_NODES = 7;       // inventory kind that lists every node
-inline constexpr std::uint32_t INVD_SW_STATE_UP = 6;     // the node's software is up
+inline constexpr std::uint32_t INVD_ALL_NODES = 7;    // inventory kind that lists every node
+inline constexpr std::uint32_t INVD_SW_STATE_UP = 6;  // the node's software is up
 inline constexpr std::uint32_t NODEID_NONE = 0xFFFFFFFF;
 
 // Takes a snapshot of the inventory. Any kind but INVD_ALL_NODES is ERRCODE_INVALID_ARGUMENT.

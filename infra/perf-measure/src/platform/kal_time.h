@@ -13,8 +13,7 @@ void kal_time_msec64_to_timespec(std::uint64_t msec, std::timespec *time);
 
 // Formats `time` with a strftime format in the local time zone. A text that does not fit leaves
 // the empty text.
-void kal_time_format_timespec2(const std::timespec *time, const char *format, int mode, char *buffer,
-                               std::size_t size);
+void kal_time_format_timespec2(const std::timespec *time, const char *format, int mode, char *buffer, std::size_t size);
 
 // `*difference` = later - earlier, nanoseconds within 0 to 999999999.
 void kal_time_diff(const std::timespec *earlier, const std::timespec *later, std::timespec *difference);

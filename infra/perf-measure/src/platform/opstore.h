@@ -18,10 +18,10 @@ struct opstore_list;  // one batch of a listing
 
 using opstore_handle = opstore_bind *;
 
-inline constexpr std::uint32_t OPSTORE_BIND_READ = 4;     // flags of _opstore_bind
-inline constexpr std::uint32_t OPSTORE_LIST_AFTER = 32;   // flag of opstore_datalist: start after the start key
-inline constexpr std::uint32_t OPSTORE_TYPE_PARCEL = 7;   // data type of an encoded record
-inline constexpr std::size_t OPSTORE_KEY_SIZE = 128;      // bytes of a key that a caller keeps, terminator included
+inline constexpr std::uint32_t OPSTORE_BIND_READ = 4;    // flags of _opstore_bind
+inline constexpr std::uint32_t OPSTORE_LIST_AFTER = 32;  // flag of opstore_datalist: start after the start key
+inline constexpr std::uint32_t OPSTORE_TYPE_PARCEL = 7;  // data type of an encoded record
+inline constexpr std::size_t OPSTORE_KEY_SIZE = 128;     // bytes of a key that a caller keeps, terminator included
 
 // Whether the database's client can be used at all: the store's data file is readable. Where a
 // user lacks the permission, one line on standard error says which group may read.

@@ -24,10 +24,10 @@ struct parcel_descriptor {
     const char *name;             // record type name
     std::uint32_t version_major;  // schema version of the descriptor group
     std::uint32_t version_minor;
-    const char *library;          // name of the descriptor group
+    const char *library;  // name of the descriptor group
     const parcel_layout *layout;
-    const char *schema;           // full schema, with field names
-    const char *compact_schema;   // the same with the field names left out
+    const char *schema;          // full schema, with field names
+    const char *compact_schema;  // the same with the field names left out
 };
 
 // A variable-length array inside a record: `count` elements, null when there is none.

@@ -13,16 +13,16 @@ inline constexpr std::uint32_t PM_SHOW_ALL_NODES = 0xFFFFFFFF;
 // The request. The member initialisers are the defaults. Texts are owned copies that live until
 // the program ends; null when not given.
 struct pm_show_options_record {
-    std::uint32_t command_type = 0;   // -c
-    std::uint32_t subtype = 0;        // -t
-    std::uint32_t history_limit = 0;  // -l; 0 means no limit
-    const char *name = nullptr;       // -i: interface name, or last component of a filtered path
-    std::uint32_t session_id = 0;     // -s
-    bool detail = false;              // -d
-    bool verbose = false;             // -v
-    bool internal = false;            // -p
+    std::uint32_t command_type = 0;             // -c
+    std::uint32_t subtype = 0;                  // -t
+    std::uint32_t history_limit = 0;            // -l; 0 means no limit
+    const char *name = nullptr;                 // -i: interface name, or last component of a filtered path
+    std::uint32_t session_id = 0;               // -s
+    bool detail = false;                        // -d
+    bool verbose = false;                       // -v
+    bool internal = false;                      // -p
     std::uint32_t node_id = PM_SHOW_ALL_NODES;  // -N
-    bool all_nodes = false;           // -A
+    bool all_nodes = false;                     // -A
 
     // Components of the filter keys; they mean nothing here beyond their position in a key.
     bool f_set = false;

@@ -28,12 +28,9 @@ constexpr pm_name ADDRESS_FAMILY_PREFIXES[] = {
 // Bytes of an IP address; 0 for a type that is not IP.
 std::size_t ip_size(std::uint32_t type) {
     switch (type) {
-    case PM_ADDRESS_IPV4:
-        return PM_IPV4_SIZE;
-    case PM_ADDRESS_IPV6:
-        return PM_IPV6_SIZE;
-    default:
-        return 0;
+    case PM_ADDRESS_IPV4: return PM_IPV4_SIZE;
+    case PM_ADDRESS_IPV6: return PM_IPV6_SIZE;
+    default: return 0;
     }
 }
 
@@ -54,22 +51,15 @@ bool is_valid_unicast_ipv6(const std::uint8_t *octets) {
 
 }  // namespace
 
-const char *pm_address_type_str(std::uint32_t type) {
-    return pm_name_of(ADDRESS_TYPES, type, "Invalid address");
-}
+const char *pm_address_type_str(std::uint32_t type) { return pm_name_of(ADDRESS_TYPES, type, "Invalid address"); }
 
-const char *pm_address_family_prefix_str(std::uint32_t type) {
-    return pm_name_of(ADDRESS_FAMILY_PREFIXES, type, "");
-}
+const char *pm_address_family_prefix_str(std::uint32_t type) { return pm_name_of(ADDRESS_FAMILY_PREFIXES, type, ""); }
 
 std::uint32_t pm_address_type_to_af(std::uint32_t type) {
     switch (type) {
-    case PM_ADDRESS_IPV4:
-        return 1;
-    case PM_ADDRESS_IPV6:
-        return 2;
-    default:
-        return 0;
+    case PM_ADDRESS_IPV4: return 1;
+    case PM_ADDRESS_IPV6: return 2;
+    default: return 0;
     }
 }
 
@@ -117,8 +107,7 @@ bool pm_addr_to_prefix(const pm_address_type *pm_addr, pm_prefix_t *out_prefix) 
     if (size == 0) {
         return false;
     }
-    out_prefix->family =
-        static_cast<std::uint8_t>(pm_addr->type == PM_ADDRESS_IPV4 ? IP_FAMILY_IPV4 : IP_FAMILY_IPV6);
+    out_prefix->family = static_cast<std::uint8_t>(pm_addr->type == PM_ADDRESS_IPV4 ? IP_FAMILY_IPV4 : IP_FAMILY_IPV6);
     out_prefix->length = static_cast<std::uint8_t>(size * 8);
     memcpy_s(ip_addr_ptr(out_prefix), sizeof out_prefix->octets, pm_addr->value, size);
     return true;
@@ -145,11 +134,8 @@ bool pm_address_is_valid_unicast(const pm_address_type *addr) {
         return false;
     }
     switch (addr->type) {
-    case PM_ADDRESS_IPV4:
-        return is_valid_unicast_ipv4(addr->value);
-    case PM_ADDRESS_IPV6:
-        return is_valid_unicast_ipv6(addr->value);
-    default:
-        return false;
+    case PM_ADDRESS_IPV4: return is_valid_unicast_ipv4(addr->value);
+    case PM_ADDRESS_IPV6: return is_valid_unicast_ipv6(addr->value);
+    default: return false;
     }
 }

@@ -21,7 +21,7 @@ inline constexpr std::size_t PM_IPV4_SIZE = 4;
 inline constexpr std::size_t PM_IPV6_SIZE = 16;
 
 struct pm_address_type {
-    std::uint32_t type;                // a pm_address_kind, or any other value
+    std::uint32_t type;                 // a pm_address_kind, or any other value
     alignas(8) std::uint8_t value[16];  // the first 6 bytes for Ethernet, 4 for IPv4; network byte order
 };
 static_assert(offsetof(pm_address_type, value) == 8);

@@ -9,12 +9,9 @@ namespace {
 // Text of an IP address, borrowed from the platform; null for an address of another type.
 const char *ip_text(const pm_address_type &address) {
     switch (address.type) {
-    case PM_ADDRESS_IPV4:
-        return inet_ntoa_r(pm_address_ipv4(address));
-    case PM_ADDRESS_IPV6:
-        return inet6_ntoa_r(address.value);
-    default:
-        return nullptr;
+    case PM_ADDRESS_IPV4: return inet_ntoa_r(pm_address_ipv4(address));
+    case PM_ADDRESS_IPV6: return inet6_ntoa_r(address.value);
+    default: return nullptr;
     }
 }
 
@@ -25,8 +22,8 @@ const char *pm_address_to_str(const pm_address_type *address) {
     if (address == nullptr) {
         return "Unknown";
     }
-    const char *value = address->type == PM_ADDRESS_ETHERNET ? pm_mac_to_dotted_str(address->value, PM_MAC_SIZE)
-                                                             : ip_text(*address);
+    const char *value =
+        address->type == PM_ADDRESS_ETHERNET ? pm_mac_to_dotted_str(address->value, PM_MAC_SIZE) : ip_text(*address);
     pm_format_text<"%s%s%s">(slot, PM_UTILS_MAX_STRING_LEN, pm_address_type_str(address->type),
                              value != nullptr ? " " : "", value != nullptr ? value : "");
     return slot;

@@ -55,10 +55,8 @@ bool pm_advert_reason_withdraws_values(pm_advert_reason_e reason) {
     case PM_ADVERT_REASON_EXEC_CLEAR:
     case PM_ADVERT_REASON_DELAY_UNCONFIG:
     case PM_ADVERT_REASON_CONTROL_CODE_ERROR:
-    case PM_ADVERT_REASON_SESSION_ERROR:
-        return true;
-    default:
-        return false;
+    case PM_ADVERT_REASON_SESSION_ERROR: return true;
+    default: return false;
     }
 }
 

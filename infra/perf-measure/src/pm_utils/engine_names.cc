@@ -6,11 +6,8 @@
 namespace {
 
 constexpr pm_name BATCH_TYPES[] = {
-    {0, "DM/LM attr publish"},
-    {1, "dm/lm attr unpublish"},  // lower case, unlike its counterpart
-    {2, "pm caps create"},
-    {3, "pm caps delete"},
-    {4, "pm path tracing attr update"},
+    {0, "DM/LM attr publish"}, {1, "dm/lm attr unpublish"},  // lower case, unlike its counterpart
+    {2, "pm caps create"},     {3, "pm caps delete"},       {4, "pm path tracing attr update"},
 };
 
 constexpr pm_name QUEUE_TYPES[] = {
@@ -21,13 +18,8 @@ constexpr pm_name QUEUE_TYPES[] = {
 };
 
 constexpr pm_name IM_EVENTS[] = {
-    {0, "IM CAPS ADD"},
-    {1, "IM CAPS DELETE"},
-    {2, "IM ATTR REG"},
-    {3, "IM ATTR UNREG"},
-    {4, "IM DELAY/LOSS ATTR"},
-    {5, "KPKT Attach"},
-    {6, "IM PTRACE ATTR"},
+    {0, "IM CAPS ADD"},        {1, "IM CAPS DELETE"}, {2, "IM ATTR REG"},    {3, "IM ATTR UNREG"},
+    {4, "IM DELAY/LOSS ATTR"}, {5, "KPKT Attach"},    {6, "IM PTRACE ATTR"},
 };
 
 // The numbers named "UNKNOWN" belonged to timers that are gone; they are not given out again.
@@ -80,35 +72,21 @@ constexpr pm_name CHKPT_TYPES[] = {
 
 }  // namespace
 
-const char *pm_batch_type_str(std::int32_t type) {
-    return pm_name_of(BATCH_TYPES, type, "unknown batch type");
-}
+const char *pm_batch_type_str(std::int32_t type) { return pm_name_of(BATCH_TYPES, type, "unknown batch type"); }
 
-const char *pm_queue_type_str(std::int32_t type) {
-    return pm_name_of(QUEUE_TYPES, type, "Unknown queue type");
-}
+const char *pm_queue_type_str(std::int32_t type) { return pm_name_of(QUEUE_TYPES, type, "Unknown queue type"); }
 
-const char *pm_im_event_str(std::int32_t type) {
-    return pm_name_of(IM_EVENTS, type, "UNKNOWN");
-}
+const char *pm_im_event_str(std::int32_t type) { return pm_name_of(IM_EVENTS, type, "UNKNOWN"); }
 
-const char *pm_timer_type_str(std::int32_t type) {
-    return pm_name_of(TIMER_TYPES, type, "UNKNOWN");
-}
+const char *pm_timer_type_str(std::int32_t type) { return pm_name_of(TIMER_TYPES, type, "UNKNOWN"); }
 
-const char *pm_punt_type_str(std::int32_t type) {
-    return pm_name_of(PUNT_TYPES, type, "UNKNOWN");
-}
+const char *pm_punt_type_str(std::int32_t type) { return pm_name_of(PUNT_TYPES, type, "UNKNOWN"); }
 
 const char *pm_cfg_op_str(std::uint32_t flags) {
     const std::uint32_t lowest = flags & (~flags + 1);
     return pm_name_of(CONFIG_OPERATIONS, lowest, "Unknown");
 }
 
-const char *pm_udp_port_kind_str(std::int32_t kind) {
-    return pm_name_of(UDP_PORT_KINDS, kind, "Unknown");
-}
+const char *pm_udp_port_kind_str(std::int32_t kind) { return pm_name_of(UDP_PORT_KINDS, kind, "Unknown"); }
 
-const char *pm_chkpt_type_str(std::int32_t type) {
-    return pm_name_of(CHKPT_TYPES, type, "Unknown");
-}
+const char *pm_chkpt_type_str(std::int32_t type) { return pm_name_of(CHKPT_TYPES, type, "Unknown"); }

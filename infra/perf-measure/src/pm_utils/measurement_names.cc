@@ -8,11 +8,8 @@ namespace {
 constexpr char MEASUREMENT_UNKNOWN[] = "Measurement Type Unknown";
 
 constexpr pm_name TRANSPORT_TYPES[] = {
-    {PM_TRANSPORT_INTERFACE, "Interface"},
-    {PM_TRANSPORT_RSVP_TE, "RSVP-TE"},
-    {PM_TRANSPORT_SR_POLICY, "SR Policy"},
-    {PM_TRANSPORT_ENDPOINT, "Endpoint"},
-    {PM_TRANSPORT_GENERIC, "Generic"},
+    {PM_TRANSPORT_INTERFACE, "Interface"}, {PM_TRANSPORT_RSVP_TE, "RSVP-TE"}, {PM_TRANSPORT_SR_POLICY, "SR Policy"},
+    {PM_TRANSPORT_ENDPOINT, "Endpoint"},   {PM_TRANSPORT_GENERIC, "Generic"},
 };
 
 constexpr pm_long_and_short_name MEASUREMENT_TYPES[] = {
@@ -42,14 +39,10 @@ constexpr pm_name PROBE_TYPES[] = {
 };
 
 constexpr pm_name HISTORY_TYPES[] = {
-    {PM_HISTORY_DM_PROBE, "DM PROBE"},
-    {PM_HISTORY_DM_PACKET, "DM PKT"},
-    {PM_HISTORY_DM_AGGREGATION, "DM AGGR"},
-    {PM_HISTORY_DM_ADVERTISEMENT, "DM ADV"},
-    {PM_HISTORY_LIVENESS, "LIVE"},
-    {PM_HISTORY_LM_PROBE, "LM PROBE"},
-    {PM_HISTORY_LM_PACKET, "LM PKT"},
-    {PM_HISTORY_LM_AGGREGATION, "LM AGGR"},
+    {PM_HISTORY_DM_PROBE, "DM PROBE"},       {PM_HISTORY_DM_PACKET, "DM PKT"},
+    {PM_HISTORY_DM_AGGREGATION, "DM AGGR"},  {PM_HISTORY_DM_ADVERTISEMENT, "DM ADV"},
+    {PM_HISTORY_LIVENESS, "LIVE"},           {PM_HISTORY_LM_PROBE, "LM PROBE"},
+    {PM_HISTORY_LM_PACKET, "LM PKT"},        {PM_HISTORY_LM_AGGREGATION, "LM AGGR"},
     {PM_HISTORY_LM_ADVERTISEMENT, "LM ADV"},
 };
 
@@ -74,12 +67,7 @@ constexpr pm_name PROBE_PROTOCOLS[] = {
 };
 
 constexpr pm_name PPS_CLASSES[] = {
-    {0, "IPv4-T1"},
-    {1, "IPv4-T2"},
-    {2, "IPv6-T1"},
-    {3, "IPv6-T2"},
-    {4, "MPLS-T1"},
-    {5, "MPLS-T2"},
+    {0, "IPv4-T1"}, {1, "IPv4-T2"}, {2, "IPv6-T1"}, {3, "IPv6-T2"}, {4, "MPLS-T1"}, {5, "MPLS-T2"},
 };
 
 constexpr pm_name PPS_POOL_TYPES[] = {
@@ -122,57 +110,36 @@ const char *pm_threshold_check_type_str(std::int32_t type) {
     return pm_name_of(THRESHOLD_CHECK_TYPES, type, "Threshold-check Type Unknown");
 }
 
-const char *pm_delay_mode_str(pm_delay_mode_e mode) {
-    return pm_name_of(DELAY_MODES, mode, "Unknown");
-}
+const char *pm_delay_mode_str(pm_delay_mode_e mode) { return pm_name_of(DELAY_MODES, mode, "Unknown"); }
 
 const char *pm_probe_type_str(pm_probe_type_e type) {
     return pm_name_of(PROBE_TYPES, type, "Probe Type Not Initialized");
 }
 
-const char *pm_history_type_str(pm_history_type_e type) {
-    return pm_name_of(HISTORY_TYPES, type, "");
-}
+const char *pm_history_type_str(pm_history_type_e type) { return pm_name_of(HISTORY_TYPES, type, ""); }
 
 const char *pm_srpolicy_origin_str(pm_tectl_srpolicy_origin_e origin) {
     return pm_name_of(SRPOLICY_ORIGINS, origin, "");
 }
 
-const char *pm_udp_mpls_str(std::int32_t encap) {
-    return pm_name_of(ENCAP_MODES, encap, "MPLS");
-}
+const char *pm_udp_mpls_str(std::int32_t encap) { return pm_name_of(ENCAP_MODES, encap, "MPLS"); }
 
 const char *pm_protocol_name_str(std::int32_t protocol, std::int32_t encap) {
     switch (protocol) {
-    case PM_PAYLOAD_PM:
-        return pm_name_of(PM_PROTOCOLS_BY_ENCAP, encap, "PM-MPLS");
-    case PM_PAYLOAD_TWAMP_LIGHT:
-        return "TWAMP-light";
-    default:
-        return "Unknown";
+    case PM_PAYLOAD_PM: return pm_name_of(PM_PROTOCOLS_BY_ENCAP, encap, "PM-MPLS");
+    case PM_PAYLOAD_TWAMP_LIGHT: return "TWAMP-light";
+    default: return "Unknown";
     }
 }
 
-const char *pm_probe_protocol_str(std::int32_t protocol) {
-    return pm_name_of(PROBE_PROTOCOLS, protocol, "Unknown");
-}
+const char *pm_probe_protocol_str(std::int32_t protocol) { return pm_name_of(PROBE_PROTOCOLS, protocol, "Unknown"); }
 
-const char *pm_pps_class_str(std::int32_t pps_class) {
-    return pm_name_of(PPS_CLASSES, pps_class, "Unknown");
-}
+const char *pm_pps_class_str(std::int32_t pps_class) { return pm_name_of(PPS_CLASSES, pps_class, "Unknown"); }
 
-const char *pm_pps_pool_type_str(pm_rl_pps_pool_type_e type) {
-    return pm_name_of(PPS_POOL_TYPES, type, "");
-}
+const char *pm_pps_pool_type_str(pm_rl_pps_pool_type_e type) { return pm_name_of(PPS_POOL_TYPES, type, ""); }
 
-const char *pm_up_down_error_str(std::int32_t state) {
-    return pm_name_of(UP_DOWN_ERROR_STATES, state, "Unknown");
-}
+const char *pm_up_down_error_str(std::int32_t state) { return pm_name_of(UP_DOWN_ERROR_STATES, state, "Unknown"); }
 
-const char *pm_prefix_db_str(std::int32_t db) {
-    return pm_name_of(PREFIX_DBS, db, "Unknown Prefix DB");
-}
+const char *pm_prefix_db_str(std::int32_t db) { return pm_name_of(PREFIX_DBS, db, "Unknown Prefix DB"); }
 
-const char *pm_prefix_source_str(std::int32_t source) {
-    return pm_name_of(PREFIX_SOURCES, source, "INVALID");
-}
+const char *pm_prefix_source_str(std::int32_t source) { return pm_name_of(PREFIX_SOURCES, source, "INVALID"); }

@@ -19,8 +19,7 @@ constexpr pm_long_and_short_name NOT_RUNNING_REASONS[] = {
     {PM_NOT_RUNNING_NO_IP_ADDRESS, "IP address is not configured", "Missing IP address"},
     {PM_NOT_RUNNING_NO_NEXT_HOP, "Next-hop address is required to be configured under the PM interface",
      "Missing Next-hop address"},
-    {PM_NOT_RUNNING_NEXT_HOP_TYPE, "Wrong next-hop address type under the PM interface",
-     "Wrong next-hop address type"},
+    {PM_NOT_RUNNING_NEXT_HOP_TYPE, "Wrong next-hop address type under the PM interface", "Wrong next-hop address type"},
     {PM_NOT_RUNNING_NO_PORT, "Missing protocol querier-dst-port configuration", "Missing port configure"},
     {PM_NOT_RUNNING_DST_PORT_FAILED, "Protocol querier-dst-port failed to open", "Port failed to open"},
     {PM_NOT_RUNNING_PM_MPLS_UNSUPPORTED, "Does not support PM-MPLS protocol (RFC6374)",
@@ -51,8 +50,7 @@ constexpr pm_long_and_short_name NOT_RUNNING_REASONS[] = {
     {PM_NOT_RUNNING_INVALID_REVERSE_PATH, "Invalid reverse path segment list for loopback mode",
      "Invalid reverse path"},
     {PM_NOT_RUNNING_SOURCE_FAMILY_MISMATCH,
-     "Source address incompatible with Endpoint address family or Segment-list type",
-     "Source address family mismatch"},
+     "Source address incompatible with Endpoint address family or Segment-list type", "Source address family mismatch"},
     {PM_NOT_RUNNING_SWFWD_NOT_READY, "SWFWD not ready", "SWFWD not ready"},
 };
 
@@ -98,10 +96,8 @@ bool pm_not_running_reason_is_hard(pm_probe_running_error_reason reason) {
     case PM_NOT_RUNNING_IPV4_DOWN:
     case PM_NOT_RUNNING_IPV6_DOWN:
     case PM_NOT_RUNNING_IPV4_IPV6_DOWN:
-    case PM_NOT_RUNNING_NO_NEXT_HOP_MAC:
-        return false;
-    default:
-        return true;
+    case PM_NOT_RUNNING_NO_NEXT_HOP_MAC: return false;
+    default: return true;
     }
 }
 
@@ -114,10 +110,8 @@ bool pm_not_running_reason_is_reportable(pm_probe_running_error_reason reason) {
     case PM_NOT_RUNNING_IPV6_DOWN:
     case PM_NOT_RUNNING_IPV4_IPV6_DOWN:
     case PM_NOT_RUNNING_NO_NEXT_HOP_MAC:
-    case PM_NOT_RUNNING_SRC_PORT_FAILED:
-        return false;
-    default:
-        return true;
+    case PM_NOT_RUNNING_SRC_PORT_FAILED: return false;
+    default: return true;
     }
 }
 
@@ -125,6 +119,4 @@ bool pm_not_running_reason_is_transient(pm_probe_running_error_reason reason) {
     return reason == PM_NOT_RUNNING_SEGMENT_LIST_DAMPENING || reason == PM_NOT_RUNNING_SWFWD_NOT_READY;
 }
 
-bool pm_not_running_reason_is_permanent(pm_probe_running_error_reason) {
-    return false;
-}
+bool pm_not_running_reason_is_permanent(pm_probe_running_error_reason) { return false; }

@@ -27,14 +27,8 @@ constexpr pm_name HW_PROTOCOLS[] = {
 };
 
 constexpr pm_name NPU_ERRORS[] = {
-    {0, "Success"},
-    {1, "Internal error"},
-    {2, "Invalid parameter"},
-    {3, "Session exists"},
-    {4, "No space left"},
-    {5, "Invalid memory"},
-    {6, "Session not found"},
-    {7, "Uknown error"},  // spelled so
+    {0, "Success"},       {1, "Internal error"}, {2, "Invalid parameter"}, {3, "Session exists"},
+    {4, "No space left"}, {5, "Invalid memory"}, {6, "Session not found"}, {7, "Uknown error"},  // spelled so
 };
 
 constexpr pm_name NPU_CREATE_FAIL_REASONS[] = {
@@ -53,9 +47,7 @@ const char *pm_npu_session_protocol_str(std::int32_t protocol) {
     return pm_name_of(NPU_SESSION_PROTOCOLS, protocol, "UNKNOWN");
 }
 
-const char *pm_hw_protocol_str(std::int32_t protocol) {
-    return pm_name_of(HW_PROTOCOLS, protocol, "Unknown");
-}
+const char *pm_hw_protocol_str(std::int32_t protocol) { return pm_name_of(HW_PROTOCOLS, protocol, "Unknown"); }
 
 const char *pm_npu_error_str(std::uint32_t code) {
     const char *own = pm_name_of(NPU_ERRORS, code, nullptr);

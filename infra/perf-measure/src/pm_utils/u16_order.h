@@ -4,6 +4,4 @@
 #include <cstdint>
 
 // Whether a < b in their low 16 bits; the bits above do not count.
-[[nodiscard]] constexpr bool pm_u16_less(std::uint32_t a, std::uint32_t b) {
-    return (a & 0xFFFF) < (b & 0xFFFF);
-}
+[[nodiscard]] constexpr bool pm_u16_less(std::uint32_t a, std::uint32_t b) { return (a & 0xFFFF) < (b & 0xFFFF); }

@@ -30,7 +30,7 @@ using parcel_notation::kind;
 struct entry {
     std::string name;
     std::string number;
-    std::string body;   // in the schema notation: "{Field}D...", "?(...)" or a scalar
+    std::string body;  // in the schema notation: "{Field}D...", "?(...)" or a scalar
     std::size_t size = 0;
     bool inner = false;
     std::string version_major, version_minor, library;
@@ -249,7 +249,9 @@ struct layout {
     std::vector<std::size_t> offsets;
 };
 
-std::size_t round_up(std::size_t value, std::size_t alignment) { return (value + alignment - 1) / alignment * alignment; }
+std::size_t round_up(std::size_t value, std::size_t alignment) {
+    return (value + alignment - 1) / alignment * alignment;
+}
 
 // Natural alignment for every type; a 16-byte address or SID is aligned to 8, a MAC address to 1.
 class measurer {
@@ -360,8 +362,7 @@ std::string compact_definition(const compiled &of, const parcel_notation::defini
     }
     std::string text;
     for (const parcel_notation::field &field : definition.fields) {
-        const std::string notation =
-            field.empty ? "v" : (field.marked ? "P" : "") + compact_type(of, field.type);
+        const std::string notation = field.empty ? "v" : (field.marked ? "P" : "") + compact_type(of, field.type);
         text += definition.what == form::choice ? "," + std::to_string(field.value) + ":" + notation : notation;
     }
     if (definition.what == form::choice) {
@@ -373,8 +374,8 @@ std::string compact_definition(const compiled &of, const parcel_notation::defini
 std::string compact_text(const compiled &of) {
     std::string text;
     for (std::size_t i = 0; i < of.types.size(); ++i) {
-        text += "$" + of.types[i]->number + "=" +
-                compact_definition(of, of.schema.definitions[i], of.types[i]->body) + ";";
+        text +=
+            "$" + of.types[i]->number + "=" + compact_definition(of, of.schema.definitions[i], of.types[i]->body) + ";";
     }
     return text;
 }
@@ -395,8 +396,7 @@ std::string cpp_type(const compiled &of, parcel_notation::type_index index) {
     case kind::reference: return of.types[type.definition]->name;
     case kind::optional: return cpp_type(of, type.element) + " *";
     case kind::array: return "parcel_array<" + cpp_type(of, type.element) + ">";
-    case kind::fixed_array:
-        return "std::array<" + cpp_type(of, type.element) + ", " + std::to_string(type.count) + ">";
+    case kind::fixed_array: return "std::array<" + cpp_type(of, type.element) + ", " + std::to_string(type.count) + ">";
     }
     return {};
 }
@@ -486,8 +486,8 @@ void write_descriptor_header(const std::string &path, const catalogue &catalogue
         out << "\n// Registration routines: each registers its run of the catalogue, all or nothing.\n";
     }
     for (const run &each : catalogue.runs) {
-        out << "[[nodiscard]] errcode " << each.name << "();  // " << each.types.front() << " to "
-            << each.types.back() << "\n";
+        out << "[[nodiscard]] errcode " << each.name << "();  // " << each.types.front() << " to " << each.types.back()
+            << "\n";
     }
 }
 

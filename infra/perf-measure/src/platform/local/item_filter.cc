@@ -106,7 +106,8 @@ bool has_npu(text npu, const policy &record) {
     return any_path(record, [&](const candidate_path &path) {
         return any(path.SegmentLists, [&](const auto &list) {
             return any(list.AtomicPaths, [&](const auto &atomic) {
-                return atomic.SessionNPUOffloadInfo != nullptr && is_number(npu, atomic.SessionNPUOffloadInfo->NpuNumber);
+                return atomic.SessionNPUOffloadInfo != nullptr &&
+                       is_number(npu, atomic.SessionNPUOffloadInfo->NpuNumber);
             });
         });
     });
@@ -122,13 +123,17 @@ constexpr policy_rule POLICY_RULES[] = {
     [](text c, const policy &r) {
         return any_path(r, [&](const candidate_path &p) { return is_number(c, p.Discriminator); });
     },
-    [](text c, const policy &r) { return any_path(r, [&](const candidate_path &p) { return is_number(c, p.Preference); }); },
+    [](text c, const policy &r) {
+        return any_path(r, [&](const candidate_path &p) { return is_number(c, p.Preference); });
+    },
     has_segment_list,
     [](text, const policy &) { return true; },  // the service does not compare this one
     has_kind,
     has_host,
     has_npu,
-    [](text c, const policy &r) { return any_path(r, [&](const candidate_path &p) { return is_number(c, p.LocalLabel); }); },
+    [](text c, const policy &r) {
+        return any_path(r, [&](const candidate_path &p) { return is_number(c, p.LocalLabel); });
+    },
 };
 
 // Endpoints --------------------------------------------------------------------------------------
@@ -146,7 +151,8 @@ bool has_endpoint_segment_list(text name, const endpoint &record) {
     const auto named = [&](const auto &list) { return is_text(name, list.SegmentListName); };
     return any(record.EndpointDelay,
                [&](const auto &each) {
-                   return any(each.EP_Consolidated_Detail, [&](const auto &group) { return any(group.EP_SegmentLists, named); });
+                   return any(each.EP_Consolidated_Detail,
+                              [&](const auto &group) { return any(group.EP_SegmentLists, named); });
                }) ||
            any(record.EndpointLiveness,
                [&](const auto &each) {
@@ -171,8 +177,12 @@ bool has_endpoint_kind(text kind, const endpoint &record) {
 
 using endpoint_rule = bool (*)(text component, const endpoint &record);
 constexpr endpoint_rule ENDPOINT_RULES[] = {
-    [](text c, const endpoint &r) { return any_section(r, [&](const auto &each) { return is_text(c, each.VRFName); }); },
-    [](text c, const endpoint &r) { return any_section(r, [&](const auto &each) { return is_address(c, each.EndPointAddress); }); },
+    [](text c, const endpoint &r) {
+        return any_section(r, [&](const auto &each) { return is_text(c, each.VRFName); });
+    },
+    [](text c, const endpoint &r) {
+        return any_section(r, [&](const auto &each) { return is_address(c, each.EndPointAddress); });
+    },
     has_endpoint_segment_list,
     has_endpoint_kind,
 };
@@ -282,7 +292,8 @@ bool matcher::matches_detail(std::string_view path, std::string_view parcel, con
         }
     }
     Record record;
-    if (parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &record, descriptor) != ERRCODE_SUCCESS) {
+    if (parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &record, descriptor) !=
+        ERRCODE_SUCCESS) {
         return true;
     }
     bool all = true;
@@ -300,7 +311,8 @@ bool matcher::matches(std::string_view path, std::string_view parcel) const {
     case family::srpolicy:
         return matches_detail<policy>(path, parcel, "srpolicy/detail/", pm_srpolicy_parcel_descriptor(), POLICY_RULES);
     case family::endpoint:
-        return matches_detail<endpoint>(path, parcel, "endpoint/detail/", pm_endpoint_common_descriptor(), ENDPOINT_RULES);
+        return matches_detail<endpoint>(path, parcel, "endpoint/detail/", pm_endpoint_common_descriptor(),
+                                        ENDPOINT_RULES);
     case family::rsvpte:
         return matches_detail<tunnel>(path, parcel, "rsvpte/detail/", pm_rsvpte_parcel_descriptor(), TUNNEL_RULES);
     case family::profile: return matches_profile(path.substr(selection_.prefix.size()), selection_.components);

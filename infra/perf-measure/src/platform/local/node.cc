@@ -11,17 +11,28 @@
 #include "platform/local/local_store_records.h"
 #include "platform/local/router.h"
 #include "platform/local/store.h"
+#include "platform/opstore.h"
 
 namespace {
+
+// The store, opened. Says why where this user may not read it.
+errcode open_store(store::environment **store) {
+    const errcode failure = store::environment::shared(store);
+    if (failure == OPSTORE_NO_CLIENT) {
+        static_cast<void>(opstore_client_present());
+    }
+    return failure;
+}
 
 // Parcels under the keys of one space, in key order.
 errcode read_all(store::key_space space, std::vector<std::string> *values) {
     store::environment *store = nullptr;
-    if (const errcode failure = store::environment::shared(&store); failure != ERRCODE_SUCCESS) {
+    if (const errcode failure = open_store(&store); failure != ERRCODE_SUCCESS) {
         return failure;
     }
     const std::string prefix = store::key(space);
     return store->read([&](const store::view &state) {
+        values->clear();
         return state.scan(prefix, "", [&](std::string_view key, std::string_view value) {
             values->emplace_back(store::unseal(key, value));
             return true;
@@ -63,7 +74,7 @@ errcode platform_record(const local_platform **out) {
         return ERRCODE_SUCCESS;
     }
     store::environment *store = nullptr;
-    errcode failure = store::environment::shared(&store);
+    errcode failure = open_store(&store);
     if (failure == ERRCODE_SUCCESS) {
         failure = store->get_record(store::key(store::key_space::platform), &the_record, local_platform_descriptor());
     }

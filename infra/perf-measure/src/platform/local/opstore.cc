@@ -44,7 +44,7 @@ struct opstore_list {
 };
 
 struct opstore_bind {
-    std::string branch;         // key of the branch's items
+    std::string branch;  // key of the branch's items
     std::string publisher_key;
     std::string listed_prefix;  // of the last batch, and
     std::string last_key;       // its last key in full: callers keep only its first bytes
@@ -132,6 +132,9 @@ errcode fill(store::environment *store, opstore_list *list, const question &aske
     list->items.reserve(wanted);
     const errcode failure = store->read([&](const store::view &state) {
         const item_filter::matcher matcher(asked.selection, asked.branch, state);
+        list->items.clear();
+        list->used = 0;
+        list->more = false;
         return state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
             const std::string_view name = key.substr(prefix.size());
             const std::string_view parcel = store::unseal(key, value);
@@ -147,8 +150,8 @@ errcode fill(store::environment *store, opstore_list *list, const question &aske
         });
     });
     // A damaged tree could go round in circles; batches that ascend make every listing end.
-    const bool ascends = list->items.empty() || after.empty() ||
-                         list->key_of(list->items.back()) > after.substr(prefix.size());
+    const bool ascends =
+        list->items.empty() || after.empty() || list->key_of(list->items.back()) > after.substr(prefix.size());
     return failure == ERRCODE_SUCCESS && !ascends ? OPSTORE_DAMAGED : failure;
 }
 

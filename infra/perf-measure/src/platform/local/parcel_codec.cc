@@ -41,7 +41,8 @@ codec_state &state() {
 
 const plan *known_plan(const parcel_descriptor *descriptor, const std::uint64_t *fingerprint) {
     const auto fits = [&](const plan &each) {
-        return each.descriptor == descriptor && (fingerprint != nullptr ? each.fingerprint == *fingerprint : each.native);
+        return each.descriptor == descriptor &&
+               (fingerprint != nullptr ? each.fingerprint == *fingerprint : each.native);
     };
     if (state().last != nullptr && fits(*state().last)) {
         return state().last;

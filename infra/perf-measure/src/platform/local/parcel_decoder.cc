@@ -273,9 +273,8 @@ private:
         }
         const arm *chosen = find_arm(plan_, step, load<std::uint32_t>(at));
         at += sizeof(std::uint32_t);
-        return chosen == nullptr || chosen->program == parcel_plan::NO_PROGRAM
-                   ? at
-                   : skip(programs_[chosen->program], at);
+        return chosen == nullptr || chosen->program == parcel_plan::NO_PROGRAM ? at
+                                                                               : skip(programs_[chosen->program], at);
     }
 
     const plan &plan_;
@@ -302,7 +301,8 @@ void lowest_pointer(const plan &plan, const Steps &steps, const std::uint8_t *re
         case step_kind::array: consider(load<generic_array>(at).elements); break;
         case step_kind::fixed_array:
             for (std::uint32_t i = 0; i < step.count; ++i) {
-                lowest_pointer(plan, plan.steps_of(plan.programs[step.program]), at + std::size_t{i} * step.size, lowest);
+                lowest_pointer(plan, plan.steps_of(plan.programs[step.program]), at + std::size_t{i} * step.size,
+                               lowest);
             }
             break;
         case step_kind::choice:

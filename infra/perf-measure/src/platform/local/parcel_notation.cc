@@ -8,9 +8,9 @@ namespace parcel_notation {
 
 namespace {
 
-constexpr std::size_t MAX_NESTING = 16;      // of p( and a( in one field
+constexpr std::size_t MAX_NESTING = 16;  // of p( and a( in one field
 constexpr std::size_t MAX_DEFINITIONS = 4096;
-constexpr std::uint32_t MAX_COUNT = 65536;   // of nA( and nx%
+constexpr std::uint32_t MAX_COUNT = 65536;  // of nA( and nx%
 
 class parser {
 public:
@@ -127,9 +127,7 @@ private:
             result.element = parse_type(nesting + 1);
             expect(")");
             break;
-        default:
-            --at_;
-            fail("unknown type");
+        default: --at_; fail("unknown type");
         }
         return add(result);
     }
@@ -215,7 +213,8 @@ private:
     void resolve_references() {
         std::unordered_map<std::uint32_t, definition_index> by_number;
         for (const definition &each : out_->definitions) {
-            if (!by_number.emplace(each.number, static_cast<definition_index>(&each - out_->definitions.data())).second) {
+            if (!by_number.emplace(each.number, static_cast<definition_index>(&each - out_->definitions.data()))
+                     .second) {
                 error_ = "$" + std::to_string(each.number) + " is defined twice";
                 return;
             }

@@ -35,12 +35,12 @@ using definition_index = std::uint32_t;
 
 struct type {
     kind what{};
-    char format = 0;                 // of bytes: 's' for an IPv6 address or SID, 'm' for a MAC address; 'h' of D%h
-    std::uint32_t count = 0;         // of bytes and fixed_array
-    std::uint32_t number = 0;        // of reference: the N of $N
+    char format = 0;                  // of bytes: 's' for an IPv6 address or SID, 'm' for a MAC address; 'h' of D%h
+    std::uint32_t count = 0;          // of bytes and fixed_array
+    std::uint32_t number = 0;         // of reference: the N of $N
     definition_index definition = 0;  // of reference
-    type_index element = 0;          // of optional, array and fixed_array
-    std::string_view name;           // of enumeration
+    type_index element = 0;           // of optional, array and fixed_array
+    std::string_view name;            // of enumeration
 };
 
 // A field of a record or an arm of a union.

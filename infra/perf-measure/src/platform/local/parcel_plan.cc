@@ -19,10 +19,10 @@ using parcel_notation::schema;
 using parcel_notation::type;
 using parcel_notation::type_index;
 
-constexpr type_index NOT_READ = 0xFFFFFFFF;       // the reader does not know this part
-constexpr std::uint32_t MAX_FLATTENING = 64;      // of records that stand in one another by value
-constexpr std::size_t MAX_STEPS = 1U << 16;       // of a whole plan; a hostile schema could double without end
-constexpr std::uint64_t MAX_STRUCTURE = 1U << 24; // bytes
+constexpr type_index NOT_READ = 0xFFFFFFFF;        // the reader does not know this part
+constexpr std::uint32_t MAX_FLATTENING = 64;       // of records that stand in one another by value
+constexpr std::size_t MAX_STEPS = 1U << 16;        // of a whole plan; a hostile schema could double without end
+constexpr std::uint64_t MAX_STRUCTURE = 1U << 24;  // bytes
 
 // A program while it is made.
 struct draft {
@@ -106,7 +106,8 @@ private:
         to->least_wire = static_cast<std::uint32_t>(std::min<std::uint64_t>(to->least_wire + least_wire, 0x7FFFFFFF));
         if (!to->steps.empty()) {
             step &last = to->steps.back();
-            if (last.kind == step_kind::copy && next.kind == step_kind::copy && last.offset + last.count == next.offset) {
+            if (last.kind == step_kind::copy && next.kind == step_kind::copy &&
+                last.offset + last.count == next.offset) {
                 last.count += next.count;
                 return;
             }
@@ -145,8 +146,9 @@ private:
         case step_kind::array: return true;
         case step_kind::fixed_array: return program_owns(step.program);
         case step_kind::choice:
-            return std::any_of(plan_->arms.begin() + step.first_arm, plan_->arms.begin() + step.first_arm + step.count,
-                               [&](const arm &each) { return each.program != NO_PROGRAM && program_owns(each.program); });
+            return std::any_of(
+                plan_->arms.begin() + step.first_arm, plan_->arms.begin() + step.first_arm + step.count,
+                [&](const arm &each) { return each.program != NO_PROGRAM && program_owns(each.program); });
         default: return false;
         }
     }
@@ -193,12 +195,8 @@ private:
             add(to, next, 1);
             return;
         case kind::optional:
-        case kind::array:
-            add_indirection(to, from, into, next);
-            return;
-        case kind::fixed_array:
-            add_fixed_array(to, from, into, next);
-            return;
+        case kind::array: add_indirection(to, from, into, next); return;
+        case kind::fixed_array: add_fixed_array(to, from, into, next); return;
         default:
             next.kind = step_kind::copy;
             next.count = parcel_notation::scalar_size(from);

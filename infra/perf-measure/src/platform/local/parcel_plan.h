@@ -17,7 +17,7 @@ namespace parcel_plan {
 inline constexpr std::uint32_t NO_PROGRAM = 0xFFFFFFFF;
 
 enum class step_kind : std::uint8_t {
-    copy,         // `count` bytes that look the same in the structure
+    copy,  // `count` bytes that look the same in the structure
     text,
     optional,     // `program` describes the value, of `size` bytes
     array,        // `program` describes an element, of `size` bytes
@@ -58,7 +58,7 @@ struct plan {
     std::vector<program> programs;  // the first is the record's
     std::vector<step> steps;
     std::vector<arm> arms;
-    std::vector<step> owners;       // the record's steps that may hold pointers, arms included
+    std::vector<step> owners;  // the record's steps that may hold pointers, arms included
 
     // The steps of a program, to iterate over.
     struct step_range {

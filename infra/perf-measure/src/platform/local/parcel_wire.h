@@ -46,7 +46,8 @@ inline const std::uint8_t *read_varint(const std::uint8_t *at, const std::uint8_
 }
 
 // The arm of a union that a discriminator value selects; null when the value is not listed.
-inline const parcel_plan::arm *find_arm(const parcel_plan::plan &plan, const parcel_plan::step &step, std::uint32_t value) {
+inline const parcel_plan::arm *find_arm(const parcel_plan::plan &plan, const parcel_plan::step &step,
+                                        std::uint32_t value) {
     for (std::uint32_t i = 0; i < step.count; ++i) {
         if (plan.arms[step.first_arm + i].value == value) {
             return &plan.arms[step.first_arm + i];

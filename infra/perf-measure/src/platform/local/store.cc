@@ -83,14 +83,14 @@ bool stored_schema(std::uint64_t fingerprint, std::string *schema) {
     std::size_t length = 0;
     schema->clear();
     return store->read([&](const view &state) {
-               const errcode failure = state.get(key, &text);
-               if (failure == ERRCODE_SUCCESS) {
-                   length = text.size();
-                   schema->resize(length);
-                   std::memcpy(schema->data(), text.data(), length);
-               }
-               return failure;
-           }) == ERRCODE_SUCCESS;
+        const errcode failure = state.get(key, &text);
+        if (failure == ERRCODE_SUCCESS) {
+            length = text.size();
+            schema->resize(length);
+            std::memcpy(schema->data(), text.data(), length);
+        }
+        return failure;
+    }) == ERRCODE_SUCCESS;
 }
 
 }  // namespace
@@ -216,6 +216,7 @@ errcode environment::shared(environment **out) {
 }
 
 errcode environment::open(const char *folder) {
+    folder_ = folder;
     if (const errcode failure = check_file(folder); failure != ERRCODE_SUCCESS) {
         return failure;
     }
@@ -254,8 +255,28 @@ errcode environment::open(const char *folder) {
     return failure;
 }
 
+// Opens the store again, without its lock file.
+int environment::open_unlocked() {
+    mdb_env_close(env_);
+    env_ = nullptr;
+    unlocked_ = true;
+    const int failure = create_environment(&env_);
+    return failure != 0 ? failure : mdb_env_open(env_, folder_.c_str(), MDB_RDONLY | MDB_NOTLS | MDB_NOLOCK, 0);
+}
+
+// Whether a writer may have used pages of the state that was read without a slot: those that it frees
+// are used again by the second transaction after the one that freed them.
+bool environment::overtaken(MDB_txn *txn) const {
+    MDB_envinfo info{};
+    return unlocked_ && mdb_env_info(env_, &info) == 0 && info.me_last_txnid > mdb_txn_id(txn) + 1;
+}
+
 int environment::begin(MDB_txn **txn) {
     int failure = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    if ((failure == EAGAIN || failure == EACCES) && !unlocked_) {  // a process of our number has the slot
+        failure = open_unlocked();
+        failure = failure != 0 ? failure : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    }
     if (failure == MDB_MAP_RESIZED) {  // a writer has made the map larger
         mdb_env_set_mapsize(env_, 0);
         failure = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);

@@ -19,7 +19,8 @@ namespace store {
 
 inline constexpr char DEFAULT_URL[] = "lmdb:/var/lib/perf-show/opstore";
 inline constexpr char FORMAT[] = "perf-show opstore 1";  // the value under key_space::format
-inline constexpr unsigned MAX_READERS = 510;        // at one time
+inline constexpr unsigned MAX_READERS = 510;             // at one time
+inline constexpr int MAX_TRIES = 100;                    // of reading a state that writers overtake
 inline constexpr std::size_t MAX_PATH_LENGTH = 400;      // bytes of an item's path below its branch
 
 enum class key_space : char {
@@ -99,7 +100,8 @@ public:
     [[nodiscard]] static errcode shared(environment **out);
 
     // Runs body(view) on one consistent state and holds nothing of the store afterwards. The body
-    // must not own anything when it touches the view (see fault_guard.h).
+    // must not own anything when it touches the view (see fault_guard.h), and begins afresh each time it
+    // is called: a state that a writer overtook is read again.
     template <class Body>
     [[nodiscard]] errcode read(Body body);
 
@@ -109,9 +111,15 @@ public:
 
 private:
     [[nodiscard]] errcode open(const char *folder);
+    [[nodiscard]] int open_unlocked();
     [[nodiscard]] int begin(MDB_txn **txn);
+    [[nodiscard]] bool overtaken(MDB_txn *txn) const;
 
+    std::string folder_;
     MDB_env *env_ = nullptr;
+    // Reading without a slot in the lock file, which another process of this process's number holds (each
+    // in a PID namespace of its own). A state is then checked after it was read.
+    bool unlocked_ = false;
     MDB_dbi table_ = 0;
     bool damaged_ = false;  // LMDB must not be called any more
 };
@@ -168,7 +176,19 @@ errcode environment::read(Body body) {
             left = true;
             return code_of(failure);
         }
-        const errcode code = body(view(txn, table_));
+        errcode code = body(view(txn, table_));
+        for (int tries = 0; overtaken(txn); ++tries) {
+            if (tries == MAX_TRIES) {
+                code = OPSTORE_BUSY;
+                break;
+            }
+            mdb_txn_reset(txn);
+            if (const int failure = mdb_txn_renew(txn); failure != 0) {
+                code = code_of(failure);
+                break;
+            }
+            code = body(view(txn, table_));
+        }
         mdb_txn_abort(txn);
         left = true;
         return code;

@@ -385,7 +385,8 @@ problem writer::commit() {
         int file = -1;
         if (code == 0 && mdb_env_info(env_, &info) == 0 && mdb_env_stat(env_, &stat) == 0 &&
             mdb_env_get_fd(env_, &file) == 0) {
-            static_cast<void>(::posix_fallocate(file, static_cast<off_t>(info.me_last_pgno * stat.ms_psize), stat.ms_psize));
+            static_cast<void>(
+                ::posix_fallocate(file, static_cast<off_t>(info.me_last_pgno * stat.ms_psize), stat.ms_psize));
         }
         return code;
     });
