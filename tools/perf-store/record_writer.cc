@@ -1,6 +1,7 @@
 // See record_writer.h.
 #include "record_writer.h"
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -29,9 +30,35 @@ std::uint64_t load_unsigned(const std::uint8_t *from, std::uint32_t size) {
 void append_value(const std::uint8_t *from, const value_shape &shape, json_fields fields, std::string *out);
 void append_shape(const std::uint8_t *from, const record_shape &shape, json_fields fields, std::string *out);
 
-// Whether a field is zero, false, absent or empty: then all its bytes are zero.
-bool is_zero(const std::uint8_t *from, std::size_t size) {
-    return *from == 0 && std::memcmp(from, from + 1, size - 1) == 0;
+bool is_zero(const std::uint8_t *from, const value_shape &shape);
+
+bool is_zero(const std::uint8_t *from, const record_shape &shape) {
+    if (shape.is_union) {
+        const field_shape *arm = load<std::uint32_t>(from) == 0 ? shape.arm_of(0) : nullptr;
+        return load<std::uint32_t>(from) == 0 &&
+               (arm == nullptr || arm->type == nullptr || is_zero(from + arm->offset, *arm->type));
+    }
+    return std::all_of(shape.fields.begin(), shape.fields.end(),
+                       [&](const field_shape &field) { return is_zero(from + field.offset, *field.type); });
+}
+
+// Whether a value is zero, false, absent or empty. Field by field: the bytes between fields may be anything.
+bool is_zero(const std::uint8_t *from, const value_shape &shape) {
+    switch (shape.what) {
+        case kind::reference:
+            return is_zero(from, *shape.record);
+        case kind::array:
+            return load<generic_array>(from).count == 0;
+        case kind::fixed_array:
+            for (std::uint32_t i = 0; i < shape.count; ++i) {
+                if (!is_zero(from + std::size_t{i} * shape.element->size, *shape.element)) {
+                    return false;
+                }
+            }
+            return true;
+        default:
+            return *from == 0 && std::memcmp(from, from + 1, shape.size - 1) == 0;
+    }
 }
 
 void append_unsigned(std::uint64_t value, std::string *out) {
@@ -167,7 +194,7 @@ void append_shape(const std::uint8_t *from, const record_shape &shape, json_fiel
     out->push_back('{');
     bool first = true;
     for (const field_shape &field : shape.fields) {
-        if (fields == json_fields::set && is_zero(from + field.offset, field.type->size)) {
+        if (fields == json_fields::set && is_zero(from + field.offset, *field.type)) {
             continue;
         }
         append_name(field.name, first, out);
