@@ -12,6 +12,17 @@
 
 namespace {
 
+// Makes standard output a pipe whose reader is gone.
+void let_nobody_read() {
+    int pipe_ends[2];
+    if (pipe(pipe_ends) != 0) {
+        std::_Exit(9);
+    }
+    std::signal(SIGPIPE, SIG_IGN);
+    close(pipe_ends[0]);
+    dup2(pipe_ends[1], STDOUT_FILENO);
+}
+
 std::string printed() {
     pm_output_flush();
     return testing::internal::GetCapturedStdout();
@@ -67,13 +78,7 @@ TEST(Output, WritesWhatWasPrintedBeforeAnError) {
 TEST(OutputDeath, AReaderThatGoesAwayEndsTheProgramQuietly) {
     EXPECT_EXIT(
         {
-            int pipe_ends[2];
-            if (pipe(pipe_ends) != 0) {
-                std::_Exit(9);
-            }
-            std::signal(SIGPIPE, SIG_IGN);
-            close(pipe_ends[0]);
-            dup2(pipe_ends[1], STDOUT_FILENO);
+            let_nobody_read();
             pm_print<"text\n">();
             pm_output_flush();
         },
@@ -113,13 +118,7 @@ TEST(OutputDeath, AnAssertionWritesOutWhatWasPrintedAndNamesItsPlace) {
 TEST(OutputDeath, AnAssertionReportsAndAbortsAlsoWhenNobodyReads) {
     EXPECT_DEATH(
         {
-            int pipe_ends[2];
-            if (pipe(pipe_ends) != 0) {
-                std::_Exit(9);
-            }
-            std::signal(SIGPIPE, SIG_IGN);
-            close(pipe_ends[0]);
-            dup2(pipe_ends[1], STDOUT_FILENO);
+            let_nobody_read();
             pm_print<"printed before\n">();
             PM_ASSERT(false, "NULL != time", "pm_utils", "f(time)");
         },

@@ -20,18 +20,6 @@ constexpr double LONGEST_RUN_SECONDS = 8;
 
 int discard(const void * /*decoded_parcel*/) { return PM_SHOW_NOTHING; }
 
-unsigned shown = 0;
-int count_item(const void *decoded_parcel) {
-    shown += decoded_parcel != nullptr ? 1 : 0;
-    return PM_SHOW_NOTHING;
-}
-
-int print_item(const void *decoded_parcel) {
-    const auto *record = static_cast<const pm_intf_parcel *>(decoded_parcel);
-    pm_print<"%s %s\n">(record->InterfaceName, record->DelayMeasurementSessions[0].ProfileName);
-    return PM_SHOW_NOTHING;
-}
-
 class KilledProcesses : public testing::Test {
 protected:
     // Two equal stores, and loads that change some items of them.

@@ -36,6 +36,20 @@ inline constexpr char STRESS_LISTED[] = "intf/detail/";
 inline constexpr std::uint32_t STRESS_NODE = 1;
 inline constexpr std::uint32_t STRESS_BATCH = 200;
 
+// Displays of listings: one counts the items in `shown`, one prints what tells them apart.
+inline unsigned shown = 0;
+
+inline int count_item(const void *decoded_parcel) {
+    shown += decoded_parcel != nullptr ? 1 : 0;
+    return PM_SHOW_NOTHING;
+}
+
+inline int print_item(const void *decoded_parcel) {
+    const auto *record = static_cast<const pm_intf_parcel *>(decoded_parcel);
+    pm_print<"%s %s\n">(record->InterfaceName, record->DelayMeasurementSessions[0].ProfileName);
+    return PM_SHOW_NOTHING;
+}
+
 using stress_clock = std::chrono::steady_clock;
 
 inline double seconds_since(stress_clock::time_point start) {

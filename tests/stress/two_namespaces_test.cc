@@ -27,19 +27,6 @@ running_process first_of_namespace(Body body) {
     });
 }
 
-unsigned shown = 0;
-
-int count_item(const void *decoded_parcel) {
-    shown += decoded_parcel != nullptr ? 1 : 0;
-    return PM_SHOW_NOTHING;
-}
-
-int print_item(const void *decoded_parcel) {
-    const auto *record = static_cast<const pm_intf_parcel *>(decoded_parcel);
-    pm_print<"%s %s\n">(record->InterfaceName, record->DelayMeasurementSessions[0].ProfileName);
-    return PM_SHOW_NOTHING;
-}
-
 class TwoNamespaces : public testing::Test {
 protected:
     void SetUp() override {

@@ -39,7 +39,9 @@ const char *name_or_nothing() { return pm_show_options.name != nullptr ? pm_show
 // One component of a key in a buffer of its own: the wildcard until it is given.
 template <std::size_t Size>
 struct component {
-    char text[Size] = "________";
+    char text[Size];
+
+    component() { pm_snprintf(text, Size, "________"); }
 
     static component of_number(bool given, std::uint32_t value) {
         component result;
