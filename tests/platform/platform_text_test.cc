@@ -107,6 +107,27 @@ TEST(Time, IsFormattedInTheLocalZone) {
     tzset();
 }
 
+TEST(Time, NowIsTheMomentOfAReplay) {
+    setenv("PERF_SHOW_NOW", "1709647387042", 1);
+    std::timespec now{};
+    kal_time_get_timespec_realtime(&now);
+    EXPECT_EQ(now.tv_sec, 1709647387);
+    EXPECT_EQ(now.tv_nsec, 42000000);
+    unsetenv("PERF_SHOW_NOW");
+}
+
+TEST(Time, NowIsTheClocksUnlessAReplayGivesANumber) {
+    for (const char *no_number : {"", "yesterday", "17096x", "-1", "18446744073709551616"}) {
+        setenv("PERF_SHOW_NOW", no_number, 1);
+        const std::time_t before = std::time(nullptr);
+        std::timespec now{};
+        kal_time_get_timespec_realtime(&now);
+        EXPECT_GE(now.tv_sec + 1, before) << no_number;
+        EXPECT_LE(now.tv_sec, std::time(nullptr) + 1) << no_number;
+    }
+    unsetenv("PERF_SHOW_NOW");
+}
+
 TEST(Time, ADurationHasDaysHoursMinutesAndSeconds) {
     EXPECT_STREQ(sprint_dhms(0), "0d 00:00:00");
     EXPECT_STREQ(sprint_dhms(93784), "1d 02:03:04");

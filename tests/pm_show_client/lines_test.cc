@@ -144,6 +144,30 @@ TEST_F(TimeText, TwoInOneStatementAreTheLaterOne) {
     EXPECT_STREQ(first, second);
 }
 
+std::string duration_text(const pm_duration &duration) {
+    return captured([&] { pm_print<"%u.%u">(duration.seconds, duration.msec); });
+}
+
+TEST(Duration, IsSecondsAndUnpaddedMilliseconds) {
+    EXPECT_EQ(duration_text(pm_duration_of(1005)), "1.5");
+    EXPECT_EQ(duration_text(pm_duration_of(1050)), "1.50");
+    EXPECT_EQ(duration_text(pm_duration_of(999)), "0.999");
+    EXPECT_EQ(duration_text(pm_duration_of(0)), "0.0");
+}
+
+TEST(Duration, AnAgeCountsFromTheStartOfTheProgram) {
+    pm_show_now_msec = 1709647387042ULL;
+    EXPECT_EQ(duration_text(pm_age_of(1709647385037ULL)), "2.5");
+    EXPECT_EQ(duration_text(pm_age_of(pm_show_now_msec)), "0.0");
+    pm_show_now_msec = 0;
+}
+
+TEST(Duration, AnAgeOfTheFutureShowsTheLowBitsOfWhatWrapped) {
+    // 2^64 - 1 ms is 18446744073709551 s and 615 ms; 18446744073709551 mod 2^32 is 1271310319.
+    pm_show_now_msec = 0;
+    EXPECT_EQ(duration_text(pm_age_of(1)), "1271310319.615");
+}
+
 TEST(Separators, HaveTheirShape) {
     EXPECT_EQ(std::string(pm_show_separator), std::string(160, '-') + "\n");
     EXPECT_EQ(std::string(pm_show_table_rule), " " + std::string(158, '-') + " \n");

@@ -7,6 +7,8 @@
 
 inline constexpr int KAL_TIME_LOCAL_ZONE = 2;  // mode of kal_time_format_timespec2
 
+// The time now. On the local platform the moment in the environment variable PERF_SHOW_NOW, when that
+// is a number of milliseconds since the epoch: so the ages of a captured state stay those of its capture.
 void kal_time_get_timespec_realtime(std::timespec *now);
 [[nodiscard]] std::uint64_t kal_timespec_to_msec64(const std::timespec *time);
 void kal_time_msec64_to_timespec(std::uint64_t msec, std::timespec *time);

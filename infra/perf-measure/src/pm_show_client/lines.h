@@ -12,6 +12,7 @@
 #include <cstdint>
 
 #include "base/pm_output.h"
+#include "pm_show_client/pm_show_options.h"
 #include "schema/pm_records.h"
 
 inline constexpr std::size_t PM_LINE_SIZE = 256;
@@ -67,3 +68,17 @@ void pm_print_label_address(const char *label, const pm_record_address &address,
 // Text of a hop's time stamp. The date reads the value as milliseconds, the fraction of nine digits
 // reads it as nanoseconds.
 [[nodiscard]] const char *pm_time_nsec_str(std::uint64_t value);
+
+// A duration as the displays print it, "%u.%u" of the two: seconds and milliseconds without padding,
+// so that 1005 ms reads 1.5 and 1050 ms reads 1.50.
+struct pm_duration {
+    std::uint64_t seconds;
+    std::uint64_t msec;
+};
+
+[[nodiscard]] constexpr pm_duration pm_duration_of(std::uint64_t msec) { return {msec / 1000, msec % 1000}; }
+
+// The age of a time stamp in milliseconds since the epoch. One in the future wraps around.
+[[nodiscard]] inline pm_duration pm_age_of(std::uint64_t timestamp_msec) {
+    return pm_duration_of(pm_show_now_msec - timestamp_msec);
+}

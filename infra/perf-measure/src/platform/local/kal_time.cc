@@ -1,7 +1,11 @@
 // Clocks and the texts of points in time. See platform/kal_time.h.
 #include "platform/kal_time.h"
 
+#include <charconv>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
 
 namespace {
 
@@ -9,9 +13,30 @@ constexpr std::uint64_t MSEC_PER_SEC = 1000;
 constexpr long NSEC_PER_MSEC = 1000000;
 constexpr long NSEC_PER_SEC = 1000000000;
 
+// The moment that PERF_SHOW_NOW sets, in milliseconds since the epoch; none unless it is such a number.
+std::optional<std::uint64_t> replayed_moment() {
+    const char *const text = std::getenv("PERF_SHOW_NOW");
+    if (text == nullptr) {
+        return std::nullopt;
+    }
+    const char *const end = text + std::strlen(text);
+    std::uint64_t msec = 0;
+    const auto [stop, error] = std::from_chars(text, end, msec);
+    if (error != std::errc() || stop != end) {
+        return std::nullopt;
+    }
+    return msec;
+}
+
 }  // namespace
 
-void kal_time_get_timespec_realtime(std::timespec *now) { clock_gettime(CLOCK_REALTIME, now); }
+void kal_time_get_timespec_realtime(std::timespec *now) {
+    if (const std::optional<std::uint64_t> moment = replayed_moment()) {
+        kal_time_msec64_to_timespec(*moment, now);
+    } else {
+        clock_gettime(CLOCK_REALTIME, now);
+    }
+}
 
 std::uint64_t kal_timespec_to_msec64(const std::timespec *time) {
     return static_cast<std::uint64_t>(time->tv_sec) * MSEC_PER_SEC +
