@@ -134,7 +134,8 @@ private:
         return index;
     }
 
-    // Whether a step can put a pointer into the structure that it belongs to.
+    // Whether a step can put a pointer into the structure that it belongs to. An arm that the reader does not
+    // know puts nothing there, and may hold its own union.
     [[nodiscard]] bool may_own(const step &step) const {
         const auto program_owns = [&](std::uint32_t program) {
             const auto steps = plan_->steps_of(plan_->programs[program]);
@@ -146,9 +147,10 @@ private:
         case step_kind::array: return true;
         case step_kind::fixed_array: return program_owns(step.program);
         case step_kind::choice:
-            return std::any_of(
-                plan_->arms.begin() + step.first_arm, plan_->arms.begin() + step.first_arm + step.count,
-                [&](const arm &each) { return each.program != NO_PROGRAM && program_owns(each.program); });
+            return std::any_of(plan_->arms.begin() + step.first_arm, plan_->arms.begin() + step.first_arm + step.count,
+                               [&](const arm &each) {
+                                   return each.known && each.program != NO_PROGRAM && program_owns(each.program);
+                               });
         default: return false;
         }
     }
