@@ -14,6 +14,7 @@
 #include "platform/kal_time.h"
 #include "platform/node.h"
 #include "platform/opstore.h"
+#include "platform/srv6_util.h"
 
 platform_text_fake platform_fake;
 
@@ -56,6 +57,21 @@ errcode memcpy_s(void *destination, std::size_t size, const void *source, std::s
     std::memcpy(destination, source, count);
     return ERRCODE_SUCCESS;
 }
+
+errcode strncpy_s(char *destination, std::size_t size, const char *source, std::size_t count) {
+    const std::size_t length = strnlen(source, count);
+    return memcpy_s(destination, size, source, length) == ERRCODE_SUCCESS
+               ? memcpy_s(destination + length, size - length, "", 1)
+               : ERRCODE_RANGE;
+}
+
+errcode strcmp_s(const char *text, std::size_t, const char *other, int *result) {
+    *result = std::strcmp(text, other);
+    return ERRCODE_SUCCESS;
+}
+
+const char *srv6_util_sid_fmt_str(std::uint32_t) { return "f3216"; }
+const char *srv6_util_end_func_str(std::uint32_t) { return "End"; }
 
 errcode nodeid_to_str_external(std::uint32_t node, char *buffer, std::size_t size) {
     platform_fake.size_seen = size;

@@ -234,8 +234,12 @@ TEST(Bounded, CompareReportsThroughItsResult) {
     EXPECT_EQ(result, 0);
     EXPECT_EQ(strcmp_s("abc", 3, "abd", &result), 0U);
     EXPECT_LT(result, 0);
-    EXPECT_EQ(strcmp_s("abd", 2, "abc", &result), 0U);
-    EXPECT_EQ(result, 0);
+    EXPECT_EQ(strcmp_s("abd", 2, "ab", &result), 0U);
+    EXPECT_EQ(result, 0) << "the text ends after its size";
+    EXPECT_EQ(strcmp_s("ab", 2, "abc", &result), 0U);
+    EXPECT_LT(result, 0) << "a beginning is not the whole";
+    EXPECT_EQ(strcmp_s("abc", 3, "ab", &result), 0U);
+    EXPECT_GT(result, 0);
     EXPECT_NE(strcmp_s(nullptr, 2, "abc", &result), 0U);
 }
 

@@ -56,8 +56,13 @@ inline double seconds_since(stress_clock::time_point start) {
     return std::chrono::duration<double>(stress_clock::now() - start).count();
 }
 
-// Has the system end this process with its parent, so that no process outlives its test.
-inline void end_with_parent() { prctl(PR_SET_PDEATHSIG, SIGKILL); }
+// Has the system end this process with its parent, so that no process outlives its test; or after a while, for
+// a parent that ended before it could ask.
+inline void end_with_parent() {
+    constexpr unsigned LONGEST_LIFE_SECONDS = 300;
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    alarm(LONGEST_LIFE_SECONDS);
+}
 
 // A running child process, killed at the end of its scope at the latest.
 class running_process {

@@ -47,11 +47,4 @@ TEST_F(Output, AnInvalidCommandEndsWithMinusOne) {
     EXPECT_EQ(result.err, "Show command type invalid 38\n");
 }
 
-TEST_F(Output, ACommandWhoseDisplayIsMissingSaysSo) {
-    const command_result result = run(PERF_SHOW " -c 1");
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "perf-show: show command type 1 is not available yet\n");
-}
-
 }  // namespace

@@ -181,7 +181,10 @@ inline void convert(field &out, Argument argument, int precision) {
             text = precision >= 0 && precision < 6 ? "" : "(null)";
         }
         out.bytes = text;
-        out.length = precision >= 0 ? ::strnlen(text, static_cast<std::size_t>(precision)) : std::strlen(text);
+        out.length = std::strlen(text);
+        if (precision >= 0) {
+            out.length = std::min(out.length, static_cast<std::size_t>(precision));
+        }
     } else {
         static_assert(std::is_integral_v<Argument> || std::is_enum_v<Argument>, "a number conversion takes a number");
         const auto value = static_cast<std::uint64_t>(argument);

@@ -19,5 +19,6 @@ errcode strncpy_s(char *destination, std::size_t size, const char *source, std::
 // Copies `count` bytes; a copy that does not fit zeroes the destination and returns an error.
 errcode memcpy_s(void *destination, std::size_t size, const void *source, std::size_t count);
 
-// Compares at most `size` bytes of `text` with `other`; `*result` is below, at or above zero.
+// Compares `text`, which ends after `size` bytes at the latest, with all of `other`; `*result` is below, at
+// or above zero. A null argument gives an error.
 errcode strcmp_s(const char *text, std::size_t size, const char *other, int *result);

@@ -40,6 +40,14 @@ void pm_print_counter(int indent, const char *label, std::uint64_t value) {
     pm_print_label_u64(PM_COUNTER_WIDTH, indent, label, value, "");
 }
 
+void pm_print_label_hex(const char *label, std::uint32_t value) {
+    pm_print_indented<"%-28s: 0x%08x\n">(2, label, value);
+}
+
+void pm_print_label_decimal(const char *label, std::uint32_t value) {
+    pm_print_indented<"%-28s: %u\n">(2, label, value);
+}
+
 void pm_print_label_address(const char *label, const pm_record_address &address, int indent, int width) {
     const char *text = "Unknown";
     if (address.IPAddressType == PM_RECORD_ADDRESS_IPV4) {

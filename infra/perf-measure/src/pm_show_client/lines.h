@@ -57,6 +57,10 @@ void pm_print_label_u64(int width, int indent, const char *label, std::uint64_t 
 // A counter: a label line whose colon stands at PM_COUNTER_WIDTH.
 void pm_print_counter(int indent, const char *label, std::uint64_t value);
 
+// Label lines at indent 2 with the colon in column 30: a number in eight hexadecimal digits, and in decimal.
+void pm_print_label_hex(const char *label, std::uint32_t value);
+void pm_print_label_decimal(const char *label, std::uint32_t value);
+
 // A label line of an address; "Unknown" when it is neither IPv4 nor IPv6.
 void pm_print_label_address(const char *label, const pm_record_address &address, int indent, int width);
 

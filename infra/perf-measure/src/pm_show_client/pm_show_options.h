@@ -9,6 +9,7 @@
 #include "platform/address.h"
 
 inline constexpr std::uint32_t PM_SHOW_ALL_NODES = 0xFFFFFFFF;
+inline constexpr std::uint32_t PM_SHOW_EVERY_KIND = 4;  // of measurement, in h_value; else a pm_measurement_type_e
 
 // The request. The member initialisers are the defaults. Texts are owned copies that live until
 // the program ends; null when not given.
@@ -57,7 +58,7 @@ struct pm_show_options_record {
     bool V_set = false;
     const char *V_text = nullptr;
     bool h_set = false;
-    std::uint32_t h_value = 4;
+    std::uint32_t h_value = PM_SHOW_EVERY_KIND;
     bool jr_set = false;  // -j gives 1, -r gives 0
     std::uint32_t jr_value = 2;
     bool u_set = false;

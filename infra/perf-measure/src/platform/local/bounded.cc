@@ -49,6 +49,10 @@ errcode strcmp_s(const char *text, std::size_t size, const char *other, int *res
     if (text == nullptr || other == nullptr || result == nullptr) {
         return ERRCODE_INVALID_ARGUMENT;
     }
-    *result = std::strncmp(text, other, size);
+    const std::size_t length = strnlen(text, size);
+    *result = std::strncmp(text, other, length);
+    if (*result == 0 && other[length] != '\0') {
+        *result = -1;
+    }
     return ERRCODE_SUCCESS;
 }
