@@ -47,11 +47,12 @@ bool fill(const char *url, const router &what) {
     platform.RouterType = what.type;
     platform.RpPlusDatapath = what.rp_plus_datapath ? 1 : 0;
     platform.ActiveRp = what.active_rp ? &active_rp : nullptr;
+    local_location places[] = {{{0, 20, 0}}, {{0, 1, 0}}, {{0, 1, 1}}, {{0, 2, 0}}};
     const local_node nodes[] = {
-        {RP, "rp0", 6, {0, 20, 0}, RP},
-        {CARD, "lc1", 6, {0, 1, 0}, CARD_PROCESSOR},
-        {CARD_PROCESSOR, "lc1-cpu", 6, {0, 1, 1}, CARD_PROCESSOR},
-        {0x20, "lc2", 6, {0, 2, 0}, NODEID_NONE},
+        {RP, "rp0", 6, &places[0], RP},
+        {CARD, "lc1", 6, &places[1], CARD_PROCESSOR},
+        {CARD_PROCESSOR, "lc1-cpu", 6, &places[2], CARD_PROCESSOR},
+        {0x20, "lc2", 6, &places[3], NODEID_NONE},
     };
     bool good = store.begin(url).empty() && store.put_platform(&platform).empty();
     for (const local_node &node : nodes) {

@@ -257,7 +257,7 @@ TEST_F(Load, ASetWithoutVersionIsVersionOne) {
 TEST_F(Load, WhatIsLeftOutOfANodeHasItsDefault) {
     load_good(R"({"node":{"id":"0x11","name":"lc1"}})");
     EXPECT_EQ(dump(), std::string(EMPTY) +
-                          R"({"node":{"id":17,"name":"lc1","sw_state":6,"location":[0,0,0],"processor":17}})" + "\n");
+                          R"({"node":{"id":17,"name":"lc1","sw_state":6,"processor":17}})" + "\n");
 }
 
 TEST_F(Load, ANodeKeepsWhatItIsGiven) {

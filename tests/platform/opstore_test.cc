@@ -71,8 +71,9 @@ bool fill_store(const char *url) {
     platform.RpPlusDatapath = 1;
     platform.ActiveRp = &nodes[1];
     platform.Partners = {1, &partner};
-    const local_node rp0{1, "rp0", 6, {0, 20, 0}, 1};
-    const local_node lc1{0x10, "lc1", 4, {0, 1, 0}, 0x11};
+    local_location location{{0, 1, 0}};
+    const local_node rp0{1, "rp0", 6, nullptr, 1};
+    const local_node lc1{0x10, "lc1", 4, &location, 0x11};
     const local_interface eth{"eth0/1/0/4"};
     using state = store::publisher_state;
     good = good && store.put_platform(&platform).empty() && store.put_node(1, &rp0).empty() &&
@@ -318,6 +319,7 @@ TEST_F(Opstore, FindsNodesByLocationProcessorAndName) {
     EXPECT_EQ(nodeid_create(0, 1, 0, &node), ERRCODE_SUCCESS);
     EXPECT_EQ(node, 0x10U);
     EXPECT_EQ(nodeid_create(0, 2, 0, &node), ERRCODE_NOT_FOUND);
+    EXPECT_EQ(nodeid_create(0, 0, 0, &node), ERRCODE_NOT_FOUND) << "a node without a location is nowhere";
     EXPECT_EQ(nodeid_processor_nodeid_for_nodeid(0x10, &node), ERRCODE_SUCCESS);
     EXPECT_EQ(node, 0x11U);
     EXPECT_EQ(nodeid_processor_nodeid_for_nodeid(0x99, &node), ERRCODE_NOT_FOUND);

@@ -186,12 +186,14 @@ private:
             add_number("id", record.Id);
             add_text("name", record.Name != nullptr ? record.Name : "");
             add_number("sw_state", record.SwState);
-            begin_member("location");
-            for (std::size_t i = 0; i < record.Location.size(); ++i) {
-                line_ += i == 0 ? '[' : ',';
-                append_number(record.Location[i], &line_);
+            if (record.Location != nullptr) {
+                begin_member("location");
+                for (std::size_t i = 0; i < record.Location->Numbers.size(); ++i) {
+                    line_ += i == 0 ? '[' : ',';
+                    append_number(record.Location->Numbers[i], &line_);
+                }
+                line_ += ']';
             }
-            line_ += ']';
             add_number("processor", record.Processor);
             return end_object();
         });

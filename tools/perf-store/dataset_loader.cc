@@ -223,6 +223,7 @@ void dataset_loader::load_partners(const json_node &node, void *local_platform_r
 
 void dataset_loader::load_node(const json_node &node) {
     local_node record{};
+    local_location location{};
     record.SwState = INVD_SW_STATE_UP;
     const members all(this, node, {"id", "name", "sw_state", "location", "processor"});
     all.required("id", [&](const json_node &value) { record.Id = record.Processor = *keep_u32(value); });
@@ -231,16 +232,17 @@ void dataset_loader::load_node(const json_node &node) {
     all.optional("processor", [&](const json_node &value) { record.Processor = *keep_u32(value); });
     all.optional("location", [&](const json_node &value) {
         reader_.require(value, json_kind::array);
-        if (value.count != record.Location.size()) {
+        if (value.count != location.Numbers.size()) {
             reader_.fail(value, "a location has three numbers");
         }
         const json_node *each = document_.inside(value);
         for (std::uint32_t i = 0; i < value.count; ++i) {
             path_.enter(i);
-            record.Location[i] = read_u32(*each);
+            location.Numbers[i] = read_u32(*each);
             path_.leave();
             each = document_.behind(*each);
         }
+        record.Location = &location;
     });
     stored(store_->put_node(record.Id, &record));
 }

@@ -56,7 +56,9 @@ errcode read_nodes(std::vector<router::node> *nodes) {
         next.id = record.Id;
         next.name = record.Name != nullptr ? record.Name : "";
         next.sw_state = record.SwState;
-        std::copy(record.Location.begin(), record.Location.end(), next.location);
+        if (record.Location != nullptr) {
+            next.location = record.Location->Numbers;
+        }
         next.processor = record.Processor;
         nodes->push_back(std::move(next));
         parcel_free_indirections(&record, local_node_descriptor());
@@ -208,7 +210,7 @@ errcode nodeid_create(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::ui
         return failure;
     }
     for (const router::node &each : *all) {
-        if (each.location[0] == a && each.location[1] == b && each.location[2] == c) {
+        if (each.location == std::array{a, b, c}) {
             *node = each.id;
             return ERRCODE_SUCCESS;
         }

@@ -1,7 +1,9 @@
 // The router that the store describes: its nodes, its own identity and its interface names.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,7 @@ struct node {
     std::uint32_t id = 0;
     std::string name;
     std::uint32_t sw_state = 0;
-    std::uint32_t location[3] = {};
+    std::optional<std::array<std::uint32_t, 3>> location;  // not every node is in a place of its own
     std::uint32_t processor = 0;
 };
 
