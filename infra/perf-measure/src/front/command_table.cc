@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <iterator>
 
+#include "pm_show_client/resp_intf.h"
+#include "pm_show_client/resp_summary.h"
+#include "pm_show_client/rx_summary.h"
 #include "pm_show_client/summary.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
@@ -91,9 +94,6 @@ constexpr auto profile_record = record<pm_profile_parcel, 1824>(pm_profile_parce
 // Displays that are not built yet. A display that is built has a header instead of a line here.
 constexpr pm_show_display pm_show_intf = nullptr;
 constexpr pm_show_display pm_show_session = nullptr;
-constexpr pm_show_display pm_show_resp_intf = nullptr;
-constexpr pm_show_display pm_show_resp_summary = nullptr;
-constexpr pm_show_display pm_show_rx_summary = nullptr;
 constexpr pm_show_display pm_show_chkpt_scb = nullptr;
 constexpr pm_show_display pm_show_proc_fsm = nullptr;
 constexpr pm_show_display pm_show_batch_counters = nullptr;
