@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "pm_show_client/capability.h"
+#include "pm_show_client/pps_summary.h"
 #include "pm_show_client/resp_intf.h"
 #include "pm_show_client/resp_summary.h"
 #include "pm_show_client/rx_summary.h"
@@ -105,8 +107,6 @@ constexpr pm_show_display pm_show_dr = nullptr;
 constexpr pm_show_display pm_show_chkpt_dr = nullptr;
 constexpr pm_show_display pm_show_endpoint = nullptr;
 constexpr pm_show_display pm_show_endpoint_counters = nullptr;
-constexpr pm_show_display print_pps_summary = nullptr;
-constexpr pm_show_display print_capability = nullptr;
 constexpr pm_show_display print_lc_npu_db = nullptr;
 constexpr pm_show_display pm_show_chkpt_dr_session = nullptr;
 constexpr pm_show_display print_dr_retry_queue = nullptr;
