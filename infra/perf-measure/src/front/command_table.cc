@@ -7,6 +7,7 @@
 
 #include "pm_show_client/capability.h"
 #include "pm_show_client/pps_summary.h"
+#include "pm_show_client/profile.h"
 #include "pm_show_client/resp_intf.h"
 #include "pm_show_client/resp_summary.h"
 #include "pm_show_client/rx_summary.h"
@@ -117,8 +118,6 @@ constexpr pm_show_display pm_show_srpolicy_history = nullptr;
 constexpr pm_show_display pm_show_rsvpte_history = nullptr;
 constexpr pm_show_display pm_show_endpoint_history = nullptr;
 constexpr pm_show_display pm_show_endpoint_live_history = nullptr;
-constexpr pm_show_display pm_show_name_profile = nullptr;
-constexpr pm_show_display pm_show_profile = nullptr;
 
 using enum pm_show_single;
 using enum pm_show_nodes;
