@@ -60,12 +60,7 @@ std::uint32_t effective_tx_interval(const pm_delay_transport_profile_parcel &pro
 void print_intervals(const pm_delay_transport_profile_parcel &profile, pm_transport_type_e transport) {
     pm_profile_interval(4, "Probe computation interval", profile.ProbeComputationInterval,
                         profile.ProbeComputationIntervalEffective, "seconds");
-    if (profile.BurstInterval != nullptr && profile.BurstIntervalEffective != nullptr) {
-        pm_profile_interval(4, "Burst interval", *profile.BurstInterval, *profile.BurstIntervalEffective, "mSec");
-    }
-    if (profile.TXInterval != nullptr) {
-        pm_profile_interval(4, "TX interval", *profile.TXInterval, effective_tx_interval(profile, transport), "uSec");
-    }
+    pm_profile_tx_intervals(profile, effective_tx_interval(profile, transport));
     pm_profile_number(4, "Packets per computation interval", profile.BurstCount);
 }
 
@@ -166,12 +161,8 @@ void print_advertisement(const pm_delay_transport_profile_parcel &profile, bool 
 // Sessions ----------------------------------------------------------------------------------------
 
 void print_session_counts(const pm_delay_transport_profile_parcel &profile, pm_transport_type_e transport) {
-    if (transport == PM_TRANSPORT_SR_POLICY) {
-        pm_profile_optional(4, "CPU session count", profile.SessionCount);
-    } else if (transport == PM_TRANSPORT_GENERIC) {
-        pm_print_heading(4, "CPU session count");
-        pm_profile_optional(6, "SR Policy", profile.SessionCountSRPolicy);
-        pm_profile_optional(6, "Endpoint", profile.SessionCountEndpoint);
+    pm_profile_cpu_sessions(profile, transport);
+    if (transport == PM_TRANSPORT_GENERIC) {
         pm_profile_optional(6, "Interface", profile.SessionCountInterface);
         pm_profile_optional(6, "RSVP TE", profile.SessionCountRSVP_TE);
     }

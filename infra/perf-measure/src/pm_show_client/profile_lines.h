@@ -21,11 +21,8 @@ void pm_profile_interval(int indent, const char *label, std::uint32_t value, std
 void pm_profile_enabled(int indent, const char *label, bool enabled);
 void pm_profile_enabled_default(int indent, const char *label, bool enabled);
 
-// A number that may be absent, which prints nothing, and its value, 0 when it is absent.
+// A number that may be absent, which prints nothing.
 void pm_profile_optional(int indent, const char *label, const std::uint32_t *value);
-[[nodiscard]] constexpr std::uint32_t pm_profile_value_of(const std::uint32_t *value) {
-    return value != nullptr ? *value : 0;
-}
 
 // Whether accelerated advertisement is on; the two states have labels of different word order.
 void pm_profile_accelerated(bool enabled);
@@ -38,3 +35,29 @@ void pm_profile_sweeping(bool enabled, const pm_record_address &start, std::uint
 void pm_profile_list(const char *count_label, const char *list_label, int continuation,
                      const parcel_array<std::uint32_t> &values);
 void pm_profile_flow_labels(const parcel_array<std::uint32_t> &labels);
+
+// The burst and TX intervals of one transport; a line whose configured value is absent is left out.
+// `Profile` is any of the records that hold them.
+template <class Profile>
+void pm_profile_tx_intervals(const Profile &profile, std::uint32_t effective_tx_usec) {
+    if (profile.BurstInterval != nullptr && profile.BurstIntervalEffective != nullptr) {
+        pm_profile_interval(PM_PROFILE_INDENT, "Burst interval", *profile.BurstInterval,
+                            *profile.BurstIntervalEffective, "mSec");
+    }
+    if (profile.TXInterval != nullptr) {
+        pm_profile_interval(PM_PROFILE_INDENT, "TX interval", *profile.TXInterval, effective_tx_usec, "uSec");
+    }
+}
+
+// How many sessions the route processor runs: for SR policies a line, for a generic profile a heading
+// that stands also without a line, for other transports nothing.
+template <class Profile>
+void pm_profile_cpu_sessions(const Profile &profile, pm_transport_type_e transport) {
+    if (transport == PM_TRANSPORT_SR_POLICY) {
+        pm_profile_optional(PM_PROFILE_INDENT, "CPU session count", profile.SessionCount);
+    } else if (transport == PM_TRANSPORT_GENERIC) {
+        pm_print_heading(PM_PROFILE_INDENT, "CPU session count");
+        pm_profile_optional(6, "SR Policy", profile.SessionCountSRPolicy);
+        pm_profile_optional(6, "Endpoint", profile.SessionCountEndpoint);
+    }
+}

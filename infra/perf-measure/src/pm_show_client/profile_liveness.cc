@@ -7,6 +7,8 @@ namespace {
 
 // Intervals ---------------------------------------------------------------------------------------
 
+std::uint32_t value_or_zero(const std::uint32_t *value) { return value != nullptr ? *value : 0; }
+
 // What an interval comes to on each NPU.
 void print_npu_effective(const parcel_array<std::uint32_t> &effective, const char *unit) {
     for (std::uint32_t npu = 0; npu < effective.count; ++npu) {
@@ -36,25 +38,16 @@ void print_npu_intervals(const pm_liveness_transport_profile_parcel &profile, pm
 std::uint32_t effective_tx_interval(const pm_liveness_transport_profile_parcel &profile,
                                     pm_transport_type_e transport) {
     switch (transport) {
-    case PM_TRANSPORT_SR_POLICY: return pm_profile_value_of(profile.TXIntervalEffectiveSRPolicy);
+    case PM_TRANSPORT_SR_POLICY: return value_or_zero(profile.TXIntervalEffectiveSRPolicy);
     case PM_TRANSPORT_ENDPOINT: return profile.TXIntervalEffectiveEndpoint;
     default: return 0;
-    }
-}
-
-void print_cpu_intervals(const pm_liveness_transport_profile_parcel &profile, pm_transport_type_e transport) {
-    if (profile.BurstInterval != nullptr && profile.BurstIntervalEffective != nullptr) {
-        pm_profile_interval(4, "Burst interval", *profile.BurstInterval, *profile.BurstIntervalEffective, "mSec");
-    }
-    if (profile.TXInterval != nullptr) {
-        pm_profile_interval(4, "TX interval", *profile.TXInterval, effective_tx_interval(profile, transport), "uSec");
     }
 }
 
 void print_generic_intervals(const pm_liveness_transport_profile_parcel &profile) {
     if (profile.TXInterval != nullptr) {
         pm_profile_unit(4, "Tx interval", *profile.TXInterval, "uSec");
-        pm_profile_unit(6, "Effective for SR Policy", pm_profile_value_of(profile.TXIntervalEffectiveSRPolicy), "uSec");
+        pm_profile_unit(6, "Effective for SR Policy", value_or_zero(profile.TXIntervalEffectiveSRPolicy), "uSec");
         pm_profile_unit(6, "Effective for Endpoint", profile.TXIntervalEffectiveEndpoint, "uSec");
     }
 }
@@ -65,21 +58,11 @@ void print_intervals(const pm_liveness_transport_profile_parcel &profile, pm_tra
     } else if (transport == PM_TRANSPORT_GENERIC) {
         print_generic_intervals(profile);
     } else {
-        print_cpu_intervals(profile, transport);
+        pm_profile_tx_intervals(profile, effective_tx_interval(profile, transport));
     }
 }
 
 // Sessions ----------------------------------------------------------------------------------------
-
-void print_cpu_sessions(const pm_liveness_transport_profile_parcel &profile, pm_transport_type_e transport) {
-    if (transport == PM_TRANSPORT_SR_POLICY) {
-        pm_profile_optional(4, "CPU session count", profile.SessionCount);
-    } else if (transport == PM_TRANSPORT_GENERIC) {
-        pm_print_heading(4, "CPU session count");
-        pm_profile_optional(6, "SR Policy", profile.SessionCountSRPolicy);
-        pm_profile_optional(6, "Endpoint", profile.SessionCountEndpoint);
-    }
-}
 
 void print_npu_sessions(const parcel_array<std::uint32_t> &sessions, pm_transport_type_e transport) {
     pm_profile_enabled(4, "NPU offload", true);
@@ -117,6 +100,6 @@ void pm_show_liveness_profile(const pm_liveness_transport_profile_parcel &profil
     if (profile.NPUOffloadConfig.NPUOffloadEnabled) {
         print_npu_sessions(profile.NPUOffloadConfig.NpuSessionCount, transport);
     } else {
-        print_cpu_sessions(profile, transport);
+        pm_profile_cpu_sessions(profile, transport);
     }
 }
