@@ -5,9 +5,15 @@
 #include <cstddef>
 #include <iterator>
 
+#include "pm_show_client/capability.h"
 #include "pm_show_client/endpoint.h"
 #include "pm_show_client/history_displays.h"
 #include "pm_show_client/intf.h"
+#include "pm_show_client/pps_summary.h"
+#include "pm_show_client/profile.h"
+#include "pm_show_client/resp_intf.h"
+#include "pm_show_client/resp_summary.h"
+#include "pm_show_client/rx_summary.h"
 #include "pm_show_client/session.h"
 #include "pm_show_client/srpolicy.h"
 #include "pm_show_client/summary.h"
@@ -94,9 +100,6 @@ constexpr auto name_profile_record = record<pm_name_profile_parcel, 352>(pm_name
 constexpr auto profile_record = record<pm_profile_parcel, 1824>(pm_profile_parcel_descriptor);
 
 // Displays that are not built yet. A display that is built has a header instead of a line here.
-constexpr pm_show_display pm_show_resp_intf = nullptr;
-constexpr pm_show_display pm_show_resp_summary = nullptr;
-constexpr pm_show_display pm_show_rx_summary = nullptr;
 constexpr pm_show_display pm_show_chkpt_scb = nullptr;
 constexpr pm_show_display pm_show_proc_fsm = nullptr;
 constexpr pm_show_display pm_show_batch_counters = nullptr;
@@ -106,15 +109,11 @@ constexpr pm_show_display pm_show_srpolicy_counters = nullptr;
 constexpr pm_show_display pm_show_dr = nullptr;
 constexpr pm_show_display pm_show_chkpt_dr = nullptr;
 constexpr pm_show_display pm_show_endpoint_counters = nullptr;
-constexpr pm_show_display print_pps_summary = nullptr;
-constexpr pm_show_display print_capability = nullptr;
 constexpr pm_show_display print_lc_npu_db = nullptr;
 constexpr pm_show_display pm_show_chkpt_dr_session = nullptr;
 constexpr pm_show_display print_dr_retry_queue = nullptr;
 constexpr pm_show_display pm_show_allowed_queriers = nullptr;
 constexpr pm_show_display pm_show_allowed_responders = nullptr;
-constexpr pm_show_display pm_show_name_profile = nullptr;
-constexpr pm_show_display pm_show_profile = nullptr;
 
 using enum pm_show_single;
 using enum pm_show_nodes;

@@ -4,12 +4,10 @@
 #include "pm_show_client/counters.h"
 #include "pm_show_client/lines.h"
 #include "pm_show_client/pm_show_options.h"
-#include "pm_utils/engine_names.h"
+#include "pm_show_client/queue.h"
 #include "pm_utils/measurement_names.h"
 
 namespace {
-
-constexpr std::int32_t CHECKPOINT_OPERATION_QUEUE = 2;  // of pm_queue_type_str
 
 // A heading of two parts, "SR Policy Liveness Detection".
 void print_heading(int indent, const char *first, const char *second) {
@@ -29,15 +27,6 @@ void print_low_u32(int indent, const char *label, std::uint64_t value) {
 
 // The internal state of the process ---------------------------------------------------------------
 
-void print_checkpoint_queue(const pm_operation_queue &queue) {
-    pm_print_heading(2, pm_queue_type_str(CHECKPOINT_OPERATION_QUEUE));
-    print_u32(4, "Size", queue.QueueSize);
-    print_u32(4, "Enqueues", queue.NumberOfEnqueues);
-    print_u32(4, "High water mark", queue.HighWaterMark);
-    // A number without a meaning stands here, where a calendar text would belong; any number serves.
-    print_low_u32(4, "High water mark time", queue.HighWaterMarkTS);
-}
-
 void print_timer_drift(const pm_summary_timer_drift_parcel &drift) {
     pm_print_heading(2, "TX timer drift statistics");
     pm_print_indented<"%-44s: %u msec\n">(4, "Average drift", drift.AverageTimerDrift);
@@ -48,7 +37,7 @@ void print_timer_drift(const pm_summary_timer_drift_parcel &drift) {
 
 void print_infrastructure(const pm_summary_parcel &summary) {
     pm_print_heading(0, "Performance-Measurement Infrastructure Information");
-    print_checkpoint_queue(summary.CheckpointOperationQueue);
+    pm_show_queue(PM_QUEUE_CHECKPOINT_OPERATION, summary.CheckpointOperationQueue, 2);
     print_timer_drift(summary.TXTimerDrift);
     print_empty_line();
 }

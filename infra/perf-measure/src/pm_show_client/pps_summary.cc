@@ -1,0 +1,120 @@
+// See pps_summary.h.
+#include "pm_show_client/pps_summary.h"
+
+#include "base/pm_assert.h"
+#include "pm_show_client/lines.h"
+#include "pm_show_client/pm_show_options.h"
+#include "pm_utils/measurement_names.h"
+
+namespace {
+
+void print_pps(int indent, const char *label, std::uint32_t value) {
+    pm_print_label_u32(PM_COUNTER_WIDTH, indent, label, value, "");
+}
+
+void print_percent(int indent, const char *label, std::uint32_t value) {
+    pm_print_indented<"%-*s: %u%%\n">(indent, PM_COUNTER_WIDTH - indent, label, value);
+}
+
+// The record's burst interval factors are not shown.
+void print_sessions(const pm_pps_transport_info &sessions) {
+    print_pps(6, "Total PPS Budget", sessions.PPSBudget);
+    print_pps(6, "Total PPS Requested", sessions.RequestedPPS);
+    print_pps(6, "Total PPS Effectively In-use", sessions.EffectivePPS);
+    print_percent(6, "PPS Budget Usage", sessions.CurrentMultiHopTXIntervalStretchFactor);
+    if (pm_show_options.detail) {
+        print_percent(8, "Dampened PPS Budget Usage", sessions.DampenedMultiHopTXIntervalStretchFactor);
+    }
+    print_percent(6, "In-use TX Interval Stretched Factor", sessions.InuseMultiHopTXIntervalStretchFactor);
+}
+
+void print_sessions(const char *heading, const pm_pps_transport_info &sessions) {
+    pm_print<"\n">();
+    pm_print_heading(4, heading);
+    print_sessions(sessions);
+}
+
+// Both pools end with these.
+template <class Pool>
+void print_budget_detail(const Pool &pool) {
+    if (pm_show_options.detail) {
+        print_pps(2, "Guaranteed Minimum PPS Budget", pool.MinimumPPSBudget);
+        print_pps(2, "Budget Rebalance PPS Threshold", pool.PPSBudgetRebalanceThreshold);
+    }
+}
+
+void print_interface_sessions(const pm_pps_summary_info &cpu) {
+    print_sessions("Interface Sessions", cpu.InterfaceSessionInfo);
+}
+
+void print_single_pool(const pm_pps_summary_info &cpu) {
+    const pm_single_pps_pool_parcel &pool = cpu.PPSPool.SinglePPSPool;
+    print_pps(2, "Total PPS Limit", pool.MaximumPPSForAllSession);
+    print_pps(2, "Total PPS Requested", pool.TotalPPSRequested);
+    print_budget_detail(pool);
+    print_interface_sessions(cpu);
+}
+
+void print_multiple_pools(const pm_pps_summary_info &cpu) {
+    const pm_multi_pps_pool_parcel &pool = cpu.PPSPool.MultiplePPSPool;
+    print_pps(2, "Interface session PPS limit", pool.MaximumPPSForInterfaceSession);
+    print_pps(2, "Interface session PPS Requested", pool.TotalPPSRequestedForInterfaceSession);
+    print_interface_sessions(cpu);
+    pm_print<"\n">();
+    print_pps(2, "Multi-hop session PPS limit", pool.MaximumPPSForMutihopSession);
+    print_pps(2, "Multi-hop session PPS Requested", pool.TotalPPSRequestedForMHSession);
+    print_budget_detail(pool);
+}
+
+void print_multihop_sessions(const pm_pps_summary_info &cpu) {
+    print_sessions("SR Policy Sessions", cpu.SRPolicySessionInfo);
+    print_sessions("RSVP-TE Tunnel Sessions", cpu.RSVP_TESessionInfo);
+    print_sessions("Endpoint Sessions", cpu.EndpointSessionInfo);
+}
+
+void print_cpu(const pm_pps_summary_info &cpu) {
+    const pm_rl_pps_pool_type_e type = cpu.PPSPool.PPSPoolType;
+    pm_print_indented<"%-46s: %s\n\n">(2, "PPS Pool type", pm_pps_pool_type_str(type));
+    if (type == PM_PPS_POOL_SINGLE) {
+        print_single_pool(cpu);
+    } else if (type == PM_PPS_POOL_MULTIPLE) {
+        print_multiple_pools(cpu);
+    } else {
+        return;  // a pool of no known type has no numbers, and its sessions are not shown either
+    }
+    print_multihop_sessions(cpu);
+}
+
+// The first number of the pool, whatever its type; 0 for a pool that holds none.
+std::uint32_t npu_limit(const pm_pps_pool &pool) {
+    switch (pool.PPSPoolType) {
+    case PM_PPS_POOL_SINGLE: return pool.SinglePPSPool.MaximumPPSForAllSession;
+    case PM_PPS_POOL_MULTIPLE: return pool.MultiplePPSPool.MaximumPPSForInterfaceSession;
+    default: return 0;
+    }
+}
+
+void print_npus(const parcel_array<pm_pps_npu_summary_info> &npus) {
+    pm_print<"\n%*sNPU Offloaded Sessions:">(2, "");  // the first NPU ends the line
+    for (std::uint32_t i = 0; i < npus.count; ++i) {
+        const pm_pps_npu_summary_info &npu = npus[i];
+        // NPUs are named by their place in the list, not by NPU_ID.
+        pm_print<"\n%*sNPU%u:\n">(4, "", i);
+        pm_print_heading(4, "SR Policy");
+        print_pps(6, "Total PPS Limit", npu_limit(npu.PPSPool));
+        print_sessions(npu.SRPolicySessionInfo);
+    }
+}
+
+}  // namespace
+
+int print_pps_summary(const void *decoded_parcel) {
+    PM_ASSERT(decoded_parcel != nullptr, "NULL != decoded_parcel", "pm_show_client",
+              "errcode print_pps_summary(const void *)");
+    const auto &summary = *static_cast<const pm_pps_summary_parcel *>(decoded_parcel);
+    print_cpu(summary.CPUInfo);
+    if (summary.NPUPtr.NPUinfoList.count != 0) {
+        print_npus(summary.NPUPtr.NPUinfoList);
+    }
+    return PM_SHOW_PRINTED;
+}
