@@ -129,3 +129,9 @@ void kal_time_format_timespec2(const std::timespec *time, const char *format, in
     std::tm utc{};
     buffer[std::strftime(buffer, size, format, gmtime_r(&time->tv_sec, &utc))] = '\0';
 }
+
+const char *sprint_dhms(std::uint32_t seconds) {
+    static char text[32];
+    std::snprintf(text, sizeof text, "%u s", seconds);
+    return text;
+}

@@ -55,9 +55,9 @@ TEST_F(DispatchTest, AProfileNameThatCannotBeEncodedShowsNothing) {
 }
 
 TEST_F(DispatchTest, ACommandWhoseDisplayIsNotBuiltSaysSo) {
-    const printed output = run("-c 37");
+    const printed output = run("-c 35");
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(output.err, "perf-show: show command type 37 is not available yet\n");
+    EXPECT_EQ(output.err, "perf-show: show command type 35 is not available yet\n");
     EXPECT_EQ(output.out, "");
     EXPECT_EQ(fake.calls, std::vector<std::string>{});
 }
