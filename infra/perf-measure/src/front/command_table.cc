@@ -10,6 +10,7 @@
 #include "pm_show_client/batch_counters.h"
 #include "pm_show_client/capability.h"
 #include "pm_show_client/endpoint.h"
+#include "pm_show_client/endpoint_counters.h"
 #include "pm_show_client/history_displays.h"
 #include "pm_show_client/intf.h"
 #include "pm_show_client/npu_database.h"
@@ -19,9 +20,11 @@
 #include "pm_show_client/resp_intf.h"
 #include "pm_show_client/resp_summary.h"
 #include "pm_show_client/rx_summary.h"
+#include "pm_show_client/rsvpte.h"
 #include "pm_show_client/session.h"
 #include "pm_show_client/session_distribution.h"
 #include "pm_show_client/srpolicy.h"
+#include "pm_show_client/srpolicy_counters.h"
 #include "pm_show_client/summary.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
@@ -107,11 +110,7 @@ constexpr auto profile_record = record<pm_profile_parcel, 1824>(pm_profile_parce
 
 // Displays that are not built yet. A display that is built has a header instead of a line here.
 constexpr pm_show_display pm_show_chkpt_scb = nullptr;
-constexpr pm_show_display pm_show_rsvpte = nullptr;
-constexpr pm_show_display pm_show_rsvpte_counters = nullptr;
-constexpr pm_show_display pm_show_srpolicy_counters = nullptr;
 constexpr pm_show_display pm_show_chkpt_dr = nullptr;
-constexpr pm_show_display pm_show_endpoint_counters = nullptr;
 constexpr pm_show_display pm_show_chkpt_dr_session = nullptr;
 constexpr pm_show_display print_dr_retry_queue = nullptr;
 

@@ -66,11 +66,8 @@ void print_cells(const pm_scb_probe_parcel &probe) {
                                           pm_not_running_reason_short_str(probe.ProbeNotRunningReason));
         pm_print<"%-47s">(static_cast<const char *>(text));
     } else if (probe.ProbeStartTimeStamp != 0) {
-        pm_format_text<"%u/%u">(text, 16, probe.NumberOfPacketsSent, probe.NumberOfPacketsReceived);
-        pm_print<"%-16s">(static_cast<const char *>(text));
-        pm_format_text<"%u/%u/%u/%u">(text, 32, probe.ProbeResults.Average, probe.ProbeResults.Minimum,
-                                      probe.ProbeResults.Maximum, probe.ProbeResults.Variance);
-        pm_print<" %-31s">(static_cast<const char *>(text));
+        const pm_delay_texts texts(probe);
+        pm_print<"%-16s %-31s">(texts.packets, texts.delays);
     } else {
         const pm_duration wait = pm_duration_of(probe.NextProbeStartTimeRemainingInMillisec);
         pm_format_text<"Probe will start in %u.%u seconds">(text, sizeof text, wait.seconds, wait.msec);

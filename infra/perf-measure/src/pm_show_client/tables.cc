@@ -6,7 +6,6 @@
 namespace {
 
 constexpr std::size_t CELL_SIZE = 64;
-constexpr std::size_t DELAYS_SIZE = 32;  // cuts four delays of more than 31 characters
 
 }  // namespace
 
@@ -27,19 +26,28 @@ void pm_print_probe_will_start_cell(std::uint32_t remaining_msec) {
     pm_print_wide_cell(text);
 }
 
-void pm_print_delay_cells(const pm_scb_probe_parcel &probe) {
+bool pm_print_idle_cell(const pm_scb_probe_parcel &probe) {
     if (probe.ProbeNotRunningReason != 0) {
         pm_print_not_running_cell(probe.ProbeNotRunningReason);
-        return;
+        return true;
     }
     if (probe.ProbeStartTimeStamp == 0) {
         pm_print_probe_will_start_cell(probe.NextProbeStartTimeRemainingInMillisec);
-        return;
+        return true;
     }
-    char packets[CELL_SIZE];
-    char delays[DELAYS_SIZE];
+    return false;
+}
+
+pm_delay_texts::pm_delay_texts(const pm_scb_probe_parcel &probe) {
+    const pm_values_parcel &values = probe.ProbeResults;
     pm_format_text<"%u/%u">(packets, sizeof packets, probe.NumberOfPacketsSent, probe.NumberOfPacketsReceived);
-    pm_format_text<"%u/%u/%u/%u">(delays, sizeof delays, probe.ProbeResults.Average, probe.ProbeResults.Minimum,
-                                  probe.ProbeResults.Maximum, probe.ProbeResults.Variance);
-    pm_print<"%-11.11s %-43.43s">(static_cast<const char *>(packets), static_cast<const char *>(delays));
+    pm_format_text<"%u/%u/%u/%u">(delays, sizeof delays, values.Average, values.Minimum, values.Maximum,
+                                  values.Variance);
+}
+
+void pm_print_delay_cells(const pm_scb_probe_parcel &probe) {
+    if (!pm_print_idle_cell(probe)) {
+        const pm_delay_texts texts(probe);
+        pm_print<"%-11.11s %-43.43s">(texts.packets, texts.delays);
+    }
 }

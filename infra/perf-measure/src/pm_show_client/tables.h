@@ -25,6 +25,17 @@ void pm_print_wide_cell(const char *text);
 void pm_print_not_running_cell(pm_probe_running_error_reason reason);
 void pm_print_probe_will_start_cell(std::uint32_t remaining_msec);
 
-// The columns of a delay session: packets and delays (average, minimum, maximum and variance in
-// microseconds), or one of the texts above.
+// One of these two for a probe that does not run, or not yet; false for one that runs.
+[[nodiscard]] bool pm_print_idle_cell(const pm_scb_probe_parcel &probe);
+
+// The texts of a running probe's columns, cut: packets sent and received; average, minimum, maximum and variance
+// of the delays in microseconds.
+struct pm_delay_texts {
+    char packets[16];
+    char delays[32];
+
+    explicit pm_delay_texts(const pm_scb_probe_parcel &probe);
+};
+
+// The columns of a delay session of SR policies and endpoints, or the cell of an idle one.
 void pm_print_delay_cells(const pm_scb_probe_parcel &probe);
