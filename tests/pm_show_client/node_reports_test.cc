@@ -7,8 +7,6 @@
 #include "pm_show_client/pm_show_options.h"
 #include "pm_show_client/pps_summary.h"
 #include "pm_show_client/resp_intf.h"
-#include "pm_show_client/resp_summary.h"
-#include "pm_show_client/rx_summary.h"
 #include "schema/pm_records.h"
 
 namespace {
@@ -18,17 +16,6 @@ protected:
     void SetUp() override { pm_show_options = {}; }
     void TearDown() override { pm_show_options = {}; }
 };
-
-class WithoutARecord : public testing::TestWithParam<pm_show_display> {};
-
-TEST_P(WithoutARecord, PrintsNothing) {
-    int result = 0;
-    EXPECT_EQ(captured([&] { result = GetParam()(nullptr); }), "");
-    EXPECT_EQ(result, PM_SHOW_NO_RECORD);
-}
-
-INSTANTIATE_TEST_SUITE_P(NodeReports, WithoutARecord,
-                         testing::Values(pm_show_resp_intf, pm_show_resp_summary, pm_show_rx_summary));
 
 TEST_F(NodeReports, ThePacketRateBudgetAbortsWithoutARecord) {
     EXPECT_DEATH(static_cast<void>(print_pps_summary(nullptr)),
