@@ -3,6 +3,8 @@
 #include <cstring>
 #include <ctime>
 #include <gtest/gtest.h>
+#include <random>
+#include <string>
 #include <string>
 
 #include "platform/address.h"
@@ -103,6 +105,55 @@ TEST(Time, IsFormattedInTheLocalZone) {
     EXPECT_STREQ(text, "Mar 05 2024 11:03:07");
     kal_time_format_timespec2(&time, "%b %d %Y %T", KAL_TIME_LOCAL_ZONE, text, 8);
     EXPECT_STREQ(text, "");
+    setenv("TZ", "UTC", 1);
+    tzset();
+}
+
+// The calendar text of a time, by the platform and by the C library.
+std::string calendar(std::time_t seconds) {
+    const std::timespec time{seconds, 0};
+    char text[64];
+    kal_time_format_timespec2(&time, KAL_TIME_CALENDAR_FORMAT, KAL_TIME_LOCAL_ZONE, text, sizeof text);
+    return text;
+}
+std::string calendar_of_the_library(std::time_t seconds) {
+    std::tm local{};
+    char text[64] = "";
+    if (localtime_r(&seconds, &local) != nullptr) {
+        static_cast<void>(std::strftime(text, sizeof text, KAL_TIME_CALENDAR_FORMAT, &local));
+    }
+    return text;
+}
+
+TEST(Time, IsWhatTheLibraryWritesInEveryZone) {
+    // Zones with summer time, with a change at midnight, with an offset of odd seconds, and far from Greenwich.
+    for (const char *zone : {"UTC", "CET-1CEST,M3.5.0,M10.5.0/3", "XYZ3ZYX,M10.3.0/0,M2.3.0/0", "LMT+0:44:30", "FAR-14",
+                             "NEAR+12", "CET-1CEST,M3.5.0,M10.5.0/3"}) {
+        setenv("TZ", zone, 1);
+        tzset();
+        std::mt19937_64 random(1);
+        for (int i = 0; i < 20000; ++i) {
+            const auto day = static_cast<std::time_t>(random() % 20000) * 86400;
+            for (const std::time_t near : {day, day + static_cast<std::time_t>(random() % 86400)}) {
+                ASSERT_EQ(calendar(near), calendar_of_the_library(near)) << zone << " " << near;
+            }
+        }
+        for (const std::time_t time :
+             {std::time_t{0}, std::time_t{-1}, std::time_t{253402300800}, std::time_t{1} << 61}) {
+            EXPECT_EQ(calendar(time), calendar_of_the_library(time)) << zone << " " << time;
+        }
+    }
+    setenv("TZ", "UTC", 1);
+    tzset();
+}
+
+// Every half hour of a year in a zone with summer time, in the order of time.
+TEST(Time, IsWhatTheLibraryWritesWhenTheOffsetChanges) {
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+    tzset();
+    for (std::time_t time = 1704067200; time < 1704067200 + 366 * 86400; time += 1799) {
+        ASSERT_EQ(calendar(time), calendar_of_the_library(time)) << time;
+    }
     setenv("TZ", "UTC", 1);
     tzset();
 }

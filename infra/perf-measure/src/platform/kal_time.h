@@ -13,6 +13,9 @@ void kal_time_get_timespec_realtime(std::timespec *now);
 [[nodiscard]] std::uint64_t kal_timespec_to_msec64(const std::timespec *time);
 void kal_time_msec64_to_timespec(std::uint64_t msec, std::timespec *time);
 
+// The format of the displays' time stamps, the one that is fast on the local platform.
+inline constexpr char KAL_TIME_CALENDAR_FORMAT[] = "%b %d %Y %T";
+
 // Formats `time` with a strftime format in the local time zone. A text that does not fit leaves
 // the empty text.
 void kal_time_format_timespec2(const std::timespec *time, const char *format, int mode, char *buffer, std::size_t size);

@@ -11,13 +11,12 @@ namespace {
 
 constexpr std::size_t TIME_TEXT_SIZE = 64;
 constexpr std::size_t CALENDAR_SIZE = 32;
-constexpr char CALENDAR_FORMAT[] = "%b %d %Y %T";
 
 // The calendar part of a time stamp, without its fraction.
 void calendar_text(std::uint64_t msec, char (&text)[CALENDAR_SIZE]) {
     std::timespec time{};
     kal_time_msec64_to_timespec(msec, &time);
-    kal_time_format_timespec2(&time, CALENDAR_FORMAT, KAL_TIME_LOCAL_ZONE, text, sizeof text);
+    kal_time_format_timespec2(&time, KAL_TIME_CALENDAR_FORMAT, KAL_TIME_LOCAL_ZONE, text, sizeof text);
 }
 
 }  // namespace

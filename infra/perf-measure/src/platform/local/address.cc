@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/pm_format.h"
+
 namespace {
 
 constexpr std::size_t IPV4_OCTETS = 4;
@@ -48,7 +50,14 @@ std::size_t octets_of(std::uint32_t family) {
 
 }  // namespace
 
-const char *inet_ntoa_r(std::uint32_t address) { return inet_ntop(AF_INET, &address, next_slot(), INET6_ADDRSTRLEN); }
+const char *inet_ntoa_r(std::uint32_t address) {
+    std::uint8_t octets[IPV4_OCTETS];
+    std::memcpy(octets, &address, sizeof octets);
+    char *const text = next_slot();
+    // Without inet_ntop, which formats with printf: displays print many of these.
+    pm_format_text<"%u.%u.%u.%u">(text, INET6_ADDRSTRLEN, octets[0], octets[1], octets[2], octets[3]);
+    return text;
+}
 
 const char *inet6_ntoa_r(const std::uint8_t *octets) {
     return inet_ntop(AF_INET6, octets, next_slot(), INET6_ADDRSTRLEN);

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <optional>
 
+#include "base/pm_format.h"
+
 namespace {
 
 constexpr std::uint64_t MSEC_PER_SEC = 1000;
@@ -26,6 +28,62 @@ std::optional<std::uint64_t> replayed_moment() {
         return std::nullopt;
     }
     return msec;
+}
+
+constexpr std::time_t SEC_PER_DAY = 24 * 60 * 60;
+
+// A day of local time during which the zone's offset does not change, so that the time of day is arithmetic.
+struct local_day {
+    std::time_t begin = 0;
+    std::time_t end = 0;  // none yet
+    long zone = 0;        // of the C library, when the day was looked up
+    char date[24] = {};   // "%b %d %Y "
+};
+
+// Whether another time has the date and the offset from UTC of `day`.
+bool is_same_offset(std::time_t other, const std::tm &day) {
+    std::tm local{};
+    return localtime_r(&other, &local) != nullptr && local.tm_gmtoff == day.tm_gmtoff && local.tm_mday == day.tm_mday;
+}
+
+// The day of `time`; null when it has no such day. The day before it is forgotten.
+const local_day *day_of(std::time_t time) {
+    static local_day day;
+    if (time >= day.begin && time < day.end && day.zone == timezone) {
+        return &day;
+    }
+    day.end = day.begin;
+    std::tm local{};
+    if (localtime_r(&time, &local) == nullptr) {
+        return nullptr;
+    }
+    const std::time_t begin = time - local.tm_hour * 3600 - local.tm_min * 60 - local.tm_sec;
+    const std::time_t end = begin + SEC_PER_DAY;
+    if (!is_same_offset(begin, local) || !is_same_offset(end - 1, local) ||
+        std::strftime(day.date, sizeof day.date, "%b %d %Y ", &local) == 0) {
+        return nullptr;
+    }
+    day.begin = begin;
+    day.end = end;
+    day.zone = timezone;
+    return &day;
+}
+
+// Writes the calendar format without strftime, which costs more than all else of a line. False when it cannot.
+bool format_calendar(std::time_t time, char *buffer, std::size_t size) {
+    const local_day *const day = day_of(time);
+    if (day == nullptr) {
+        return false;
+    }
+    const auto second = static_cast<std::uint32_t>(time - day->begin);
+    char text[sizeof day->date + 8];
+    const std::size_t length = pm_format_text<"%s%02u:%02u:%02u">(
+        text, sizeof text, static_cast<const char *>(day->date), second / 3600, second / 60 % 60, second % 60);
+    if (length >= size) {
+        return false;
+    }
+    std::memcpy(buffer, text, length + 1);
+    return true;
 }
 
 }  // namespace
@@ -51,7 +109,8 @@ void kal_time_msec64_to_timespec(std::uint64_t msec, std::timespec *time) {
 void kal_time_format_timespec2(const std::timespec *time, const char *format, int /*mode*/, char *buffer,
                                std::size_t size) {
     std::tm local{};
-    if (size == 0) {
+    if (size == 0 ||
+        (std::strcmp(format, KAL_TIME_CALENDAR_FORMAT) == 0 && format_calendar(time->tv_sec, buffer, size))) {
         return;
     }
     if (localtime_r(&time->tv_sec, &local) == nullptr || std::strftime(buffer, size, format, &local) == 0) {
