@@ -73,6 +73,9 @@ void pm_output_writer::fill(char byte, std::size_t length) {
 }
 
 void pm_output_flush() {
+    if constexpr (pm_prints_with_printf) {
+        std::fflush(stdout);
+    }
     const auto length = static_cast<std::size_t>(out.cursor - out.bytes);
     out.cursor = out.bytes;
     const int failure = pm_output_detail::write_all(STDOUT_FILENO, out.bytes, length);

@@ -8,6 +8,7 @@
 #include <cstddef>
 
 #include "base/pm_format.h"
+#include "base/pm_printf.h"
 
 inline constexpr std::size_t PM_OUTPUT_BUFFER_SIZE = 128 * 1024;
 
@@ -58,9 +59,13 @@ inline void pm_output_write(const pm_format_detail::prepared<Format> &text, std:
 // Prints to standard output.
 template <pm_format_literal Format, class... Arguments>
 inline void pm_print(Arguments... arguments) {
-    pm_format_detail::prepared<Format> text;
-    pm_format_detail::prepare<Format>(text, arguments...);
-    pm_output_write<Format>(text);
+    if constexpr (pm_prints_with_printf) {
+        pm_printf<Format>(arguments...);
+    } else {
+        pm_format_detail::prepared<Format> text;
+        pm_format_detail::prepare<Format>(text, arguments...);
+        pm_output_write<Format>(text);
+    }
 }
 
 // Writes out what is buffered. Ends the program when standard output takes no more.

@@ -36,13 +36,19 @@ void write_cut(const pm_format_detail::prepared<Format> &text, std::size_t inden
 // Prints `indent` blanks and the formatted text, which is cut silently and then loses its newline.
 template <pm_format_literal Format, class... Arguments>
 inline void pm_print_indented(int indent, Arguments... arguments) {
-    pm_format_detail::prepared<Format> text;
-    pm_format_detail::prepare<Format>(text, arguments...);
-    const auto blanks = static_cast<std::size_t>(std::max(indent, 0));
-    if (text.size >= PM_LINE_SIZE) {
-        pm_lines_detail::write_cut<Format>(text, blanks);
+    if constexpr (pm_prints_with_printf) {
+        char line[PM_LINE_SIZE];
+        pm_snprintf_text<Format>(line, sizeof line, arguments...);
+        pm_printf<"%*s%s">(indent, "", static_cast<const char *>(line));
     } else {
-        pm_output_write<Format>(text, blanks);
+        pm_format_detail::prepared<Format> text;
+        pm_format_detail::prepare<Format>(text, arguments...);
+        const auto blanks = static_cast<std::size_t>(std::max(indent, 0));
+        if (text.size >= PM_LINE_SIZE) {
+            pm_lines_detail::write_cut<Format>(text, blanks);
+        } else {
+            pm_output_write<Format>(text, blanks);
+        }
     }
 }
 

@@ -1,6 +1,7 @@
 // See process_fsm.h.
 #include "pm_show_client/process_fsm.h"
 
+#include <array>
 #include <cstdint>
 #include <ctime>
 
@@ -32,8 +33,13 @@ void print_title(const char *title) { pm_print<"  %s:\n">(title); }
 void print_label(const char *label) { pm_print<"    %-24s: ">(label); }
 
 void print_rule(int width) {
-    pm_print<"  ">();
-    pm_output_writer().fill('=', static_cast<std::size_t>(width));
+    static constexpr auto signs = [] {
+        std::array<char, EVENT_HISTORY_RULE + 1> text{};
+        text.fill('=');
+        text.back() = '\0';
+        return text;
+    }();
+    pm_print<"  %.*s">(width, signs.data());
     print_end_of_line();
 }
 
