@@ -61,7 +61,7 @@ void print_measurement(const pm_srpolicy_atomic_path_parcel &path, bool running,
     if (path.CurrentProbeResults.NumberOfPacketsSent != 0) {
         pm_show_probe_samples(&path.CurrentProbeHistory, indent);
     }
-    pm_print<"%*sLiveness Detection: Disabled\n">(indent, "");
+    print_liveness_detection(indent, false);
 }
 
 }  // namespace
@@ -77,13 +77,13 @@ void pm_show_atomic_path(const pm_srpolicy_atomic_path_parcel *path, bool runnin
     pm_print_label_str(width, indent, "Timestamping Enabled", true_or_false(path->TimestampingEnabled));
     const bool is_liveness = path->LivenessDetectionEnabled != 0;
     if (is_liveness) {
-        pm_print<"%*sLiveness Detection: Enabled\n">(indent, "");
+        print_liveness_detection(indent, true);
         pm_show_liveness_state(&path->LivenessDetectionInfo, indent + 2, false);
     } else {
         print_measurement(*path, running, indent);
     }
     pm_show_responder(path->ResponderAddress, path->QueryNumberOfHops, indent, width);
     if (!is_liveness && pm_show_options.internal) {
-        pm_show_control_codes(path->LastNotificationControlCode, path->LastErrorControlCode, indent);
+        pm_show_control_codes(&path->LastNotificationControlCode, &path->LastErrorControlCode, indent);
     }
 }

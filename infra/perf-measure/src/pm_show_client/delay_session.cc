@@ -10,7 +10,6 @@ using namespace pm_session_lines;
 
 namespace {
 
-constexpr int PROFILE_WIDTH = 24;
 constexpr int RESPONDER_WIDTH = 30;
 
 void print_identity(const pm_scb_parcel &session, int indent) {
@@ -22,7 +21,7 @@ void print_identity(const pm_scb_parcel &session, int indent) {
         print_number(indent, "Trace ID", session.TraceId);
     }
     if (session.TransportType != PM_TRANSPORT_ENDPOINT) {
-        pm_show_profile_keys(&session.ProfileKey, session.ProfileName, indent, PROFILE_WIDTH);
+        pm_show_profile_keys(&session.ProfileKey, session.ProfileName, indent, PM_PROFILE_WIDTH);
     }
 }
 

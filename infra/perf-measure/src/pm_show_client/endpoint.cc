@@ -22,7 +22,7 @@ void print_u32(int indent, const char *label, std::uint32_t value) {
     pm_print_label_u32(WIDTH, indent, label, value, "");
 }
 
-const char *or_not_set(const char *text) { return text != nullptr && *text != '\0' ? text : "Not set"; }
+const char *or_not_set(const char *text) { return is_empty(text) ? "Not set" : text; }
 
 // The first lines of an endpoint in every section.
 template <class Endpoint>
@@ -94,7 +94,7 @@ void print_liveness_list(const pm_endpoint_liveness_segment_list_parcel &list) {
     print_u32(4, "Flow-label", list.FlowLabel);
     if (list.LivenessDetectionEnabled != 0) {
         if (list.ProbeNotRunningReason != 0) {
-            pm_print<"%*sSession State: %s\n">(4, "", "Not running");
+            print_labelled(4, "Session State", "Not running");
             print_text(6, pm_not_running_reason_str(list.ProbeNotRunningReason));
         } else {
             pm_show_liveness_state(&list.EPLivenessInfo, 4, pm_needs_ipinip(list.SegmentListName));

@@ -2,10 +2,12 @@
 #include "pm_show_client/endpoint_counters.h"
 
 #include "pm_show_client/counters.h"
-#include "pm_show_client/lines.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_show_client/segment_list_filter.h"
 #include "pm_show_client/segments.h"
+#include "pm_show_client/session_lines.h"
+
+using namespace pm_session_lines;
 
 namespace {
 
@@ -31,8 +33,7 @@ void print_all_counters(const pm_endpoint_segment_list_counters_parcel &list, in
 }
 
 void print_segment_list(const pm_endpoint_segment_list_counters_parcel &list) {
-    const bool has_name = list.SegmentListName != nullptr && *list.SegmentListName != '\0';
-    if (!has_name) {  // measured without a segment list: no filter applies
+    if (is_empty(list.SegmentListName)) {  // measured without a segment list: no filter applies
         print_all_counters(list, 4);
     } else if (pm_segment_list_is_wanted(list.SegmentListName)) {
         pm_print_indented<"%-26s: %s\n">(4, "Segment-List", list.SegmentListName);

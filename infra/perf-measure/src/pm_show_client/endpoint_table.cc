@@ -5,6 +5,7 @@
 
 #include "platform/bounded.h"
 #include "pm_show_client/segment_list_filter.h"
+#include "pm_show_client/session_lines.h"
 #include "pm_show_client/tables.h"
 #include "pm_utils/not_running_reason.h"
 #include "pm_utils/value_text.h"
@@ -15,15 +16,18 @@ constexpr std::size_t NAME_LENGTH = 64;       // of an endpoint, as its header s
 constexpr std::size_t LIST_NAME_LENGTH = 32;  // of a segment list, likewise; names are cut one before
 constexpr std::size_t COPY_LIMIT = 256;
 
-// The name that the rows of an endpoint begin with. A name that fills the whole copy does not fit into it.
+// The name that the rows of an endpoint begin with. One of NAME_LENGTH characters or more does not fit and is empty.
 struct row_name {
     char text[NAME_LENGTH];
-
-    explicit row_name(const char *name) {
-        strncpy_s(text, sizeof text, pm_truncate_name(name, NAME_LENGTH), COPY_LIMIT);
-    }
-    void print() const { pm_print<" %-66.66s ">(static_cast<const char *>(text)); }
 };
+
+row_name row_name_of(const char *endpoint) {
+    row_name name;
+    strncpy_s(name.text, sizeof name.text, pm_truncate_name(endpoint, NAME_LENGTH), COPY_LIMIT);
+    return name;
+}
+
+void print_name(const row_name &name) { pm_print<" %-66.66s ">(name.text); }
 
 // A row that continues the endpoint of the row before.
 void print_continuation() { pm_print<"\n%-67.67s ">(""); }
@@ -46,7 +50,7 @@ void print_delay_header() {
 
 void print_state_header() {
     print_header_names();
-    pm_print<"%-13.13s %-30.30s\n">("Session State", "TimeStamp");
+    pm_print<"%-13.13s %-30.30s\n">("Session State", "TimeStamp");  // "Timestamp" in the table of SR policies
 }
 
 // Calls `print_rows` for each list that the filter wants, with a line break behind the rows unless the list is
@@ -70,7 +74,7 @@ void for_each_wanted_list(const parcel_array<SegmentList> &lists, PrintRows prin
 void print_delay_list(const pm_endpoint_detail_segment_list_parcel &list, const row_name &name) {
     for (const pm_scb_parcel &session : list.DelayMeasurementSessions) {
         if (&session == list.DelayMeasurementSessions.begin()) {
-            name.print();
+            print_name(name);
         } else {
             print_continuation();
         }
@@ -110,7 +114,7 @@ void print_probe_state(const pm_scb_probe_session_parcel &session) {
         pm_print<"Not running: %s">(pm_not_running_reason_str(session.ProbeNotRunningReason));
     } else if (session.NextPacketSentTimeRemainingInMillisec != 0) {
         const pm_duration wait = pm_duration_of(session.NextPacketSentTimeRemainingInMillisec);
-        pm_print<"Next packet will be sent in %u.%u seconds">(wait.seconds, wait.msec);
+        pm_print<"%s %u.%u seconds">(pm_session_lines::NEXT_PACKET, wait.seconds, wait.msec);
     } else {
         pm_print<"No packet scheduled yet">();
     }
@@ -120,9 +124,9 @@ void print_probe_state(const pm_scb_probe_session_parcel &session) {
 
 void pm_show_endpoint_delay_rows(const pm_endpoint_detail &endpoint) {
     pm_print_table_header(print_delay_header);
-    const row_name name(endpoint.EndpointName);
+    const row_name name = row_name_of(endpoint.EndpointName);
     if (endpoint.EP_Consolidated_Detail.count == 0) {
-        name.print();
+        print_name(name);
         pm_print_no_session();
         return;
     }
@@ -135,9 +139,9 @@ void pm_show_endpoint_delay_rows(const pm_endpoint_detail &endpoint) {
 
 void pm_show_endpoint_liveness_rows(const pm_endpoint_liveness &endpoint) {
     pm_print_table_header(print_state_header);
-    const row_name name(endpoint.EndpointName);
+    const row_name name = row_name_of(endpoint.EndpointName);
     if (endpoint.EP_Consolidated_Liveness.count == 0) {
-        name.print();
+        print_name(name);
         pm_print_no_session();
         return;
     }
@@ -145,7 +149,7 @@ void pm_show_endpoint_liveness_rows(const pm_endpoint_liveness &endpoint) {
         const bool is_first = &profile == endpoint.EP_Consolidated_Liveness.begin();
         for_each_wanted_list(profile.EPLivenessSegmentLists, [&](const pm_endpoint_liveness_segment_list_parcel &list) {
             if (is_first) {
-                name.print();
+                print_name(name);
             } else {
                 pm_print<"%-34.34s ">("");  // not as wide as the name, on purpose
             }
@@ -157,9 +161,9 @@ void pm_show_endpoint_liveness_rows(const pm_endpoint_liveness &endpoint) {
 
 void pm_show_endpoint_probe_rows(const pm_endpoint_probe &endpoint) {
     pm_print_table_header(print_state_header);
-    const row_name name(endpoint.EndpointName);
+    const row_name name = row_name_of(endpoint.EndpointName);
     if (endpoint.Sessions.count == 0) {
-        name.print();
+        print_name(name);
         pm_print_no_session();
         return;
     }
@@ -169,7 +173,7 @@ void pm_show_endpoint_probe_rows(const pm_endpoint_probe &endpoint) {
         }
         // The name stands in the row of the first session only, and nowhere when the filter skips that.
         if (&session == endpoint.Sessions.begin()) {
-            name.print();
+            print_name(name);
         } else {
             print_continuation();
         }

@@ -20,12 +20,13 @@ constexpr char NO_PROBES[] = "No probes have successfully completed";
 // The text of a column that holds two counts, with room for two 64-bit numbers.
 struct pair_text {
     char text[48];
-
-    pair_text(std::uint64_t first, std::uint64_t second) {
-        pm_format_text<"%lu/%lu">(text, sizeof text, first, second);
-    }
-    [[nodiscard]] const char *c_str() const { return text; }
 };
+
+pair_text pair_of(std::uint64_t first, std::uint64_t second) {
+    pair_text pair;
+    pm_format_text<"%lu/%lu">(pair.text, sizeof pair.text, first, second);
+    return pair;
+}
 
 // Prints title, header and as many rows as the limit allows; an empty list has a sentence instead. The table
 // stands at `indent`, two further in than the title.
@@ -55,7 +56,7 @@ void print_dm_probes(const pm_probe_history_parcel &history, int indent) {
         [indent](const pm_probe_sample_parcel &sample) {
             pm_print_indented<"%-25.25s %10.10s %9u %9u %9u\n">(
                 indent, pm_time_str(sample.ProbeStartTimestamp),
-                pair_text(sample.PacketsSent, sample.PacketsReceived).c_str(), sample.ProbeValues.Average,
+                pair_of(sample.PacketsSent, sample.PacketsReceived).text, sample.ProbeValues.Average,
                 sample.ProbeValues.Minimum, sample.ProbeValues.Maximum);
         });
 }
@@ -88,7 +89,6 @@ void print_dm_advertisements(const pm_adv_history_parcel &history, int indent) {
         });
 }
 
-constexpr char LIVENESS_TITLE[] = "Liveness-Detection history";
 constexpr char NO_CHANGES[] = "No liveness session state changed";
 
 const char *up_or_down(std::uint32_t is_up) { return is_up != 0 ? "UP" : "DOWN"; }
@@ -98,7 +98,7 @@ void print_liveness(const pm_live_history_parcel &history, int indent) {
         pm_print_indented<"%-35.35s %10.10s\n">(indent, time, state);
     };
     print_table(
-        history.LivenessHisotryList, indent, LIVENESS_TITLE, NO_CHANGES,
+        history.LivenessHisotryList, indent, "Liveness-Detection history", NO_CHANGES,
         [&] { print_line("Liveness state change timestamp", "New State"); },
         [&](const pm_live_sample_parcel &sample) {
             print_line(pm_time_str(sample.LivenessStateChangeTimestamp), up_or_down(sample.LivenessStateIsUp));
@@ -107,7 +107,8 @@ void print_liveness(const pm_live_history_parcel &history, int indent) {
 
 void print_liveness_with_notifications(const pm_live_history_parcel &history, int indent) {
     print_table(
-        history.LivenessHisotryList, indent, "Liveness-Detection history (uSec)", NO_CHANGES,
+        history.LivenessHisotryList, indent, "Liveness-Detection history (uSec)" /* no time, but so it says */,
+        NO_CHANGES,
         [indent] {
             pm_print_indented<"%-35.35s %10.10s %24.24s %15.15s\n">(indent, "Liveness state change timestamp",
                                                                     "New State", "Fast Notification", "Local Label");
@@ -126,9 +127,9 @@ void print_losses(const parcel_array<Sample> &samples, int indent, const char *t
         samples, indent, LOSS_TITLE, empty_text,
         [&] { pm_print_indented<"%-25.25s %40.40s %9.9s\n">(indent, time_label, "Pkt(Sent/Received)", "Loss(%)"); },
         [indent](const Sample &sample) {
-            pm_print_indented<"%-25.25s %40.40s %9u\n">(
-                indent, pm_time_str(sample.Timestamp),
-                pair_text(sample.NumSentPacket, sample.NumReceivedPacket).c_str(), sample.LossPercentage);
+            pm_print_indented<"%-25.25s %40.40s %9u\n">(indent, pm_time_str(sample.Timestamp),
+                                                        pair_of(sample.NumSentPacket, sample.NumReceivedPacket).text,
+                                                        sample.LossPercentage);
         });
 }
 
@@ -140,7 +141,7 @@ void print_lm_packets(const pm_lm_pkt_history_parcel &history, int indent) {
         history.LMPacketHisotryList, indent, LOSS_TITLE, "No packets have received",
         [&] { print_line("Packet Receive Timestamp", "Pkt(TX/RX)"); },
         [&](const pm_lm_pkt_sample_parcel &sample) {
-            print_line(pm_time_str(sample.Timestamp), pair_text(sample.TXCounter, sample.RXCounter).c_str());
+            print_line(pm_time_str(sample.Timestamp), pair_of(sample.TXCounter, sample.RXCounter).text);
         });
 }
 

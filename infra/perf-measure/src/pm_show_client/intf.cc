@@ -10,7 +10,6 @@
 #include "pm_show_client/tables.h"
 #include "pm_utils/address_text.h"
 #include "pm_utils/advert_reason.h"
-#include "pm_utils/not_running_reason.h"
 
 using namespace pm_session_lines;
 
@@ -60,18 +59,12 @@ void print_counters(const pm_intf_parcel &interface) {
 void print_header() { pm_print<" %-30s%-16s %-32s\n">("Interface Name", "Tx/Rx", "Avg/Min/Max/Variance (uSec)"); }
 
 void print_cells(const pm_scb_probe_parcel &probe) {
-    char text[64];
-    if (probe.ProbeNotRunningReason != 0) {
-        pm_format_text<"Not running: %s">(text, sizeof text,
-                                          pm_not_running_reason_short_str(probe.ProbeNotRunningReason));
-        pm_print<"%-47s">(static_cast<const char *>(text));
-    } else if (probe.ProbeStartTimeStamp != 0) {
-        const pm_delay_texts texts(probe);
-        pm_print<"%-16s %-31s">(texts.packets, texts.delays);
+    pm_idle_text idle;
+    if (pm_describe_idle(probe, &idle)) {
+        pm_print<"%-47s">(idle.text);
     } else {
-        const pm_duration wait = pm_duration_of(probe.NextProbeStartTimeRemainingInMillisec);
-        pm_format_text<"Probe will start in %u.%u seconds">(text, sizeof text, wait.seconds, wait.msec);
-        pm_print<"%-47s">(static_cast<const char *>(text));
+        const pm_delay_texts texts = pm_describe_delays(probe);
+        pm_print<"%-16s %-31s">(texts.packets, texts.delays);
     }
 }
 
@@ -113,6 +106,7 @@ void print_attributes(const pm_intf_parcel &interface) {
 
 void print_internal_attributes(const pm_intf_parcel &interface) {
     const auto created = [](std::uint32_t caps) { return caps != 0 ? "Created" : "Not created"; };
+    // "UP" beside "Down", as it stands.
     const auto up_or_down = [](std::uint32_t state) { return state != 0 ? "UP" : "Down"; };
     const char *const registration = interface.IMAttributeRegistration != 0 ? "Registered" : "Not registered";
     print_line("PM Caps", created(interface.PMCapsAdd));

@@ -5,7 +5,10 @@
 #include "pm_show_client/counters.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_show_client/rsvpte_lsp_session.h"
+#include "pm_show_client/session_lines.h"
 #include "pm_show_client/tables.h"
+
+using namespace pm_session_lines;
 
 namespace {
 
@@ -15,7 +18,7 @@ void print_detail(const pm_rsvpte_parcel &tunnel) {
     pm_print<"Tunnel name: %s (ifh: 0x%x)\n">(tunnel.TunnelName, tunnel.InterfaceHandle);
     pm_print_label_str(WIDTH, 2, "Destination", inet_ntoa_r(tunnel.TunnelDestinationIPv4Address));
     for (const pm_rsvpte_lsp_delay_parcel &lsp : tunnel.RSVPTELSPDelaySessions) {
-        pm_print<"\n">();
+        print_empty_line();
         pm_print_heading(2, "Delay Measurement session");
         pm_show_rsvpte_lsp_session(&lsp, 4, WIDTH);
     }
@@ -27,7 +30,7 @@ void print_header() {
 
 void print_cells(const pm_scb_probe_parcel &probe) {
     if (!pm_print_idle_cell(probe)) {
-        const pm_delay_texts texts(probe);
+        const pm_delay_texts texts = pm_describe_delays(probe);
         pm_print<"%-13.13s %-31.31s">(texts.packets, texts.delays);
     }
 }
@@ -66,7 +69,7 @@ int pm_show_rsvpte_counters(const void *decoded_parcel) {
     const auto &tunnel = *static_cast<const pm_rsvpte_counters_parcel *>(decoded_parcel);
     pm_print<"Tunnel name: %s\n">(tunnel.TunnelName);
     for (const pm_rsvpte_lsp_delay_counters_parcel &lsp : tunnel.RSVPTELSPDelayCounters) {
-        pm_print_indented<"%-28s: %u\n">(2, "LSP ID", lsp.LSP_ID);
+        pm_print_label_decimal("LSP ID", lsp.LSP_ID);
         pm_show_session_counters(&lsp.Counters, 4);
     }
     return PM_SHOW_PRINTED;

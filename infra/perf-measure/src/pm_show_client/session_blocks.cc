@@ -14,8 +14,6 @@ using namespace pm_session_lines;
 
 namespace {
 
-bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
-
 void print_profile(int indent, int width, const char *name, const char *type) {
     pm_print_label_str(width, indent, "Profile name", name);
     pm_print_label_str(width, indent, "Profile type", type);
@@ -98,7 +96,7 @@ void pm_show_next_advertisement(const pm_scb_next_advert_parcel *advertisement, 
         pm_print_indented<"Check scheduled at the end of the current computation (roughly every %u seconds)\n">(
             indent, interval_sec);
     }
-    // Measured delays are never 0, so the minimum tells whether there is any.
+    // The minimum decides, not a count.
     if (advertisement->AdvertisementIntervalValues.Minimum != 0) {
         print_delays(indent, "Aggregated", advertisement->AdvertisementIntervalValues);
     } else {
@@ -140,7 +138,7 @@ bool pm_show_probe_lines(const pm_scb_probe_parcel *probe, int indent, int sched
         return false;
     }
     if (probe->ProbeStartTimeStamp == 0) {
-        print_probe_will_start(indent, probe->NextProbeStartTimeRemainingInMillisec);
+        print_wait(indent, PROBE_WILL_START, probe->NextProbeStartTimeRemainingInMillisec);
         return false;
     }
     print_since(indent, "Started", probe->ProbeStartTimeStamp);
@@ -150,7 +148,7 @@ bool pm_show_probe_lines(const pm_scb_probe_parcel *probe, int indent, int sched
     if (probe->NextPacketSentTimeRemainingInMillisec == 0) {
         print_text(schedule_indent, "TX completed");
     } else {
-        print_next_packet(schedule_indent, probe->NextPacketSentTimeRemainingInMillisec);
+        print_wait(schedule_indent, NEXT_PACKET, probe->NextPacketSentTimeRemainingInMillisec);
         print_packet_interval(schedule_indent, probe->TXInterval, probe->TXIntervalIsStretched);
     }
     return true;
@@ -183,12 +181,12 @@ void pm_show_last_notification_cc(const pm_scb_control_code *code, int indent) {
     print_control_code(*code, indent, "Last notification control code", "Notification");
 }
 
-void pm_show_control_codes(const pm_scb_control_code &notification, const pm_scb_control_code &error, int indent) {
-    if (notification.Timestamp != 0) {
-        pm_show_last_notification_cc(&notification, indent);
+void pm_show_control_codes(const pm_scb_control_code *notification, const pm_scb_control_code *error, int indent) {
+    if (notification->Timestamp != 0) {
+        pm_show_last_notification_cc(notification, indent);
     }
-    if (error.Timestamp != 0) {
-        pm_show_last_error_cc(&error, indent);
+    if (error->Timestamp != 0) {
+        pm_show_last_error_cc(error, indent);
     }
 }
 
@@ -211,7 +209,7 @@ void pm_show_probe_session(const pm_scb_probe_session_parcel *session, int inden
     if (pm_show_options.internal) {
         print_number(indent + 2, "Trace ID", session->TraceId);
     }
-    pm_show_profile_keys(&session->ProfileKey, session->ProfileName, indent + 2, 24);
+    pm_show_profile_keys(&session->ProfileKey, session->ProfileName, indent + 2, PM_PROFILE_WIDTH);
     pm_print_heading(indent + 2, "Current status");
     indent += 4;
     if (session->ProbeNotRunningReason != 0) {
@@ -221,7 +219,7 @@ void pm_show_probe_session(const pm_scb_probe_session_parcel *session, int inden
     } else {
         // The interval comes first here, unlike in the block of a running probe.
         print_packet_interval(indent, session->TXInterval, session->TXIntervalIsStretched);
-        print_next_packet(indent, session->NextPacketSentTimeRemainingInMillisec);
+        print_wait(indent, NEXT_PACKET, session->NextPacketSentTimeRemainingInMillisec);
     }
 }
 

@@ -1,6 +1,6 @@
 // The blocks that the displays of sessions are made of. Each prints a heading at `indent` and its
 // lines two further in, unless it says otherwise. Whether a block is printed at all is the caller's
-// decision. The records are the caller's.
+// decision. The records are the caller's and never null, unless a routine says what null means.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,9 @@
 
 // Argument of pm_show_next_advertisement for what has no interval of its own.
 inline constexpr std::uint32_t PM_NO_ADVERTISEMENT_INTERVAL = 0xFFFFFFFF;
+
+// Column of the colons in the profile of a session.
+inline constexpr int PM_PROFILE_WIDTH = 24;
 
 // A label that marks the absence of one: outside of the 20-bit range of MPLS labels.
 inline constexpr std::uint32_t PM_NO_INTERNAL_LABEL = 0x100001;
@@ -48,7 +51,7 @@ void pm_show_last_error_cc(const pm_scb_control_code *code, int indent);
 void pm_show_last_notification_cc(const pm_scb_control_code *code, int indent);
 
 // Both, the notification first, each only when one was received.
-void pm_show_control_codes(const pm_scb_control_code &notification, const pm_scb_control_code &error, int indent);
+void pm_show_control_codes(const pm_scb_control_code *notification, const pm_scb_control_code *error, int indent);
 
 // State of a liveness session, without a heading: the lines stand at `indent`. `needs_ipinip` tells why a
 // session to an endpoint may be down.

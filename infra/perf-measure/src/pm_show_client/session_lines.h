@@ -7,6 +7,9 @@
 
 namespace pm_session_lines {
 
+// Whether a text is absent or empty.
+inline bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
+
 inline const char *true_or_false(std::uint32_t flag) { return flag != 0 ? "True" : "False"; }
 
 inline void print_empty_line() { pm_print<"\n">(); }
@@ -34,10 +37,13 @@ inline void print_packets(int indent, std::uint32_t sent, std::uint32_t received
     pm_print_indented<"Packets Sent: %u, received: %u\n">(indent, sent, received);
 }
 
-// Without its newline the same text stands in tables.
-inline void print_probe_will_start(int indent, std::uint32_t remaining_msec) {
+// What a probe waits for; tables have the same words.
+inline constexpr char PROBE_WILL_START[] = "Probe will start in";
+inline constexpr char NEXT_PACKET[] = "Next packet will be sent in";
+
+inline void print_wait(int indent, const char *what, std::uint32_t remaining_msec) {
     const pm_duration wait = pm_duration_of(remaining_msec);
-    pm_print_indented<"Probe will start in %u.%u seconds\n">(indent, wait.seconds, wait.msec);
+    pm_print_indented<"%s %u.%u seconds\n">(indent, what, wait.seconds, wait.msec);
 }
 
 inline void print_next_probe(int indent, std::uint32_t remaining_msec) {
@@ -46,16 +52,15 @@ inline void print_next_probe(int indent, std::uint32_t remaining_msec) {
         indent, pm_time_str(pm_show_now_msec + remaining_msec), wait.seconds, wait.msec);
 }
 
-inline void print_next_packet(int indent, std::uint32_t remaining_msec) {
-    const pm_duration wait = pm_duration_of(remaining_msec);
-    pm_print_indented<"Next packet will be sent in %u.%u seconds\n">(indent, wait.seconds, wait.msec);
-}
-
 // Seconds and microseconds, unpadded; the line ends in a blank when the interval is not stretched.
 inline void print_packet_interval(int indent, std::uint32_t interval_usec, std::uint32_t is_stretched) {
     pm_print_indented<"Packet sent every %u.%u seconds %s\n">(
         indent, interval_usec / 1000000, interval_usec % 1000000,
         is_stretched != 0 ? "(value stretched for rate-limiting)" : "");
+}
+
+inline void print_liveness_detection(int indent, bool enabled) {
+    pm_print<"%*sLiveness Detection: %s\n">(indent, "", enabled ? "Enabled" : "Disabled");
 }
 
 // A number behind a label of 20 columns.

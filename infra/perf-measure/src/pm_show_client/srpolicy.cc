@@ -63,7 +63,7 @@ void print_list_identity(const pm_srpolicy_segment_list_parcel &list) {
 
 void print_list_measurement(const pm_srpolicy_segment_list_parcel &list, bool running) {
     if (list.LivenessDetectionEnabled != 0) {
-        pm_print<"%*sLiveness Detection: Enabled\n">(6, "");
+        print_liveness_detection(6, true);
         pm_show_liveness_state(&list.LivenessDetectionInfo, 8, false);
         return;
     }
@@ -72,9 +72,9 @@ void print_list_measurement(const pm_srpolicy_segment_list_parcel &list, bool ru
     pm_show_probe_results(&list.LastProbeResults, 6, "Last computation", "None");
     pm_show_probe_results(&list.CurrentProbeResults, 6, "Current computation",
                           running ? "Queued, will run in a different probe" : "Not Running");
-    pm_print<"%*sLiveness Detection: Disabled\n">(6, "");
+    print_liveness_detection(6, false);
     if (pm_show_options.internal) {
-        pm_show_control_codes(list.LastNotificationControlCode, list.LastErrorControlCode, 6);
+        pm_show_control_codes(&list.LastNotificationControlCode, &list.LastErrorControlCode, 6);
     }
 }
 
@@ -129,8 +129,9 @@ void print_path_identity(const pm_srpolicy_candidate_path_parcel &path) {
 
 void print_path_measurement(const pm_srpolicy_candidate_path_parcel &path) {
     if (path.LivenessDetectionEnabled != 0) {
-        pm_print<"%*sLiveness Detection: Enabled\n">(4, "");
+        print_liveness_detection(4, true);
         if (pm_show_options.internal) {
+            // "Minumum" is what scripts look for.
             pm_print<"%*sMinumum SL Up Required: %s\n">(6, "", pm_count_or_all_str(path.MinimumSLUp));
         }
         pm_show_liveness_state(&path.LivenessDetectionInfo, 6, false);
@@ -141,9 +142,9 @@ void print_path_measurement(const pm_srpolicy_candidate_path_parcel &path) {
                                         path.PeriodicAdvertisementIntervalInSec, 4);
     pm_show_probe_results(&path.LastProbeResults, 4, "Last computation", "None");
     pm_show_current_computation(&path.CurrentProbe, 4);
-    pm_print<"%*sLiveness Detection: Disabled\n">(4, "");
+    print_liveness_detection(4, false);
     if (pm_show_options.internal) {
-        pm_show_control_codes(path.LastNotificationControlCode, path.LastErrorControlCode, 4);
+        pm_show_control_codes(&path.LastNotificationControlCode, &path.LastErrorControlCode, 4);
     }
 }
 

@@ -5,7 +5,10 @@
 #include "pm_show_client/lines.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_show_client/segments.h"
+#include "pm_show_client/session_lines.h"
 #include "pm_utils/measurement_names.h"
+
+using namespace pm_session_lines;
 
 namespace {
 
@@ -130,7 +133,7 @@ int pm_show_srpolicy_counters(const void *decoded_parcel) {
         print_cpu_sessions(policy.CandidateCounters);
     }
     if (on_cpu && on_npu) {
-        pm_print<"\n">();
+        print_empty_line();
     }
     if (on_npu) {
         print_npu_sessions(policy.NPUOffloadedCandidatePathCounters);

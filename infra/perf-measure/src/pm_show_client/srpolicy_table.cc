@@ -35,15 +35,14 @@ void print_path_start(const pm_srpolicy_candidate_path_parcel &path, bool is_fir
     pm_print<"%-10.10s ">(static_cast<const char *>(instance));
 }
 
+// A session on a network processor has no probe of its own that would have to run first.
 void print_state(const pm_srpolicy_candidate_path_parcel &path) {
-    if (path.CurrentProbe.ProbeNotRunningReason != 0) {
-        pm_print_not_running_cell(path.CurrentProbe.ProbeNotRunningReason);
-    } else if (path.CurrentProbe.ProbeStartTimeStamp != 0 || path.NPUOffloadSessionEnabled != 0) {
+    const pm_scb_probe_parcel &probe = path.CurrentProbe;
+    const bool is_offloaded = probe.ProbeNotRunningReason == 0 && path.NPUOffloadSessionEnabled != 0;
+    if (is_offloaded || !pm_print_idle_cell(probe)) {
         const pm_liveness_state_info_parcel &state = path.LivenessDetectionInfo;
         pm_print<"%-15.15s %-25.25s ">(state.SessionIsUp != 0 ? "UP" : "DOWN",
                                        pm_time_str(state.LastSessionStateChangeTimestamp));
-    } else {
-        pm_print_probe_will_start_cell(path.CurrentProbe.NextProbeStartTimeRemainingInMillisec);
     }
 }
 

@@ -20,22 +20,26 @@ void pm_print_table_header(PrintHeader print_header) {
 // In place of the columns behind the name.
 void pm_print_no_session();
 
-// In place of the columns of a session: a text, or that it does not run, or not yet.
-void pm_print_wide_cell(const char *text);
-void pm_print_not_running_cell(pm_probe_running_error_reason reason);
-void pm_print_probe_will_start_cell(std::uint32_t remaining_msec);
+// What stands in place of the columns of a probe that does not run, or not yet.
+struct pm_idle_text {
+    char text[64];
+};
 
-// One of these two for a probe that does not run, or not yet; false for one that runs.
-[[nodiscard]] bool pm_print_idle_cell(const pm_scb_probe_parcel &probe);
+// Fills in the text; false for a probe that runs, which leaves it alone.
+[[nodiscard]] bool pm_describe_idle(const pm_scb_probe_parcel &probe, pm_idle_text *idle);
 
 // The texts of a running probe's columns, cut: packets sent and received; average, minimum, maximum and variance
 // of the delays in microseconds.
 struct pm_delay_texts {
     char packets[16];
     char delays[32];
-
-    explicit pm_delay_texts(const pm_scb_probe_parcel &probe);
 };
+[[nodiscard]] pm_delay_texts pm_describe_delays(const pm_scb_probe_parcel &probe);
+
+// A text across the columns of a session; that it does not run; that of an idle probe, and false when it runs.
+void pm_print_wide_cell(const char *text);
+void pm_print_not_running_cell(pm_probe_running_error_reason reason);
+[[nodiscard]] bool pm_print_idle_cell(const pm_scb_probe_parcel &probe);
 
 // The columns of a delay session of SR policies and endpoints, or the cell of an idle one.
 void pm_print_delay_cells(const pm_scb_probe_parcel &probe);
