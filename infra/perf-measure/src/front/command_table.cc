@@ -5,6 +5,11 @@
 #include <cstddef>
 #include <iterator>
 
+#include "pm_show_client/chkpt_dr.h"
+#include "pm_show_client/chkpt_dr_session.h"
+#include "pm_show_client/chkpt_scb.h"
+#include "pm_show_client/dr.h"
+#include "pm_show_client/dr_retry_queue.h"
 #include "pm_show_client/summary.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
@@ -94,22 +99,17 @@ constexpr pm_show_display pm_show_session = nullptr;
 constexpr pm_show_display pm_show_resp_intf = nullptr;
 constexpr pm_show_display pm_show_resp_summary = nullptr;
 constexpr pm_show_display pm_show_rx_summary = nullptr;
-constexpr pm_show_display pm_show_chkpt_scb = nullptr;
 constexpr pm_show_display pm_show_proc_fsm = nullptr;
 constexpr pm_show_display pm_show_batch_counters = nullptr;
 constexpr pm_show_display pm_show_rsvpte = nullptr;
 constexpr pm_show_display pm_show_rsvpte_counters = nullptr;
 constexpr pm_show_display pm_show_srpolicy = nullptr;
 constexpr pm_show_display pm_show_srpolicy_counters = nullptr;
-constexpr pm_show_display pm_show_dr = nullptr;
-constexpr pm_show_display pm_show_chkpt_dr = nullptr;
 constexpr pm_show_display pm_show_endpoint = nullptr;
 constexpr pm_show_display pm_show_endpoint_counters = nullptr;
 constexpr pm_show_display print_pps_summary = nullptr;
 constexpr pm_show_display print_capability = nullptr;
 constexpr pm_show_display print_lc_npu_db = nullptr;
-constexpr pm_show_display pm_show_chkpt_dr_session = nullptr;
-constexpr pm_show_display print_dr_retry_queue = nullptr;
 constexpr pm_show_display pm_show_allowed_queriers = nullptr;
 constexpr pm_show_display pm_show_allowed_responders = nullptr;
 constexpr pm_show_display pm_show_intf_history = nullptr;
