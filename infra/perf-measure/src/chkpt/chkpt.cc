@@ -1,6 +1,9 @@
 // See chkpt.h. The messages' descriptions, and the decoder of each.
 #include "chkpt/chkpt.h"
 
+#include <cstring>
+#include <type_traits>
+
 #include "chkpt/message_decoder.h"
 
 namespace chkpt_decoder {
@@ -78,7 +81,8 @@ namespace {
 template <class Record>
 std::int32_t decode(Record *record, const std::uint8_t *data, std::uint32_t length, ChkptAllocFn alloc = nullptr,
                     void *context = nullptr) {
-    *record = {};
+    static_assert(std::is_trivial_v<Record>);
+    std::memset(record, 0, sizeof *record);
     return chkpt_decoder::decode_message(*record, {data, data + length}, {alloc, context});
 }
 
