@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "blob.h"
 #include "chkpt/chkpt.h"
@@ -30,9 +31,8 @@ decoded<Record> run(const blob &input, std::size_t fail_at, Decode decode) {
     decoded<Record> result;
     std::memset(static_cast<void *>(&result.record), 0x01, sizeof result.record);
     result.memory = std::make_shared<test_memory>(fail_at);
-    const std::unique_ptr<std::uint8_t[]> exact(new std::uint8_t[input.bytes.size()]);
-    std::copy(input.bytes.begin(), input.bytes.end(), exact.get());
-    result.status = decode(&result.record, exact.get(), static_cast<std::uint32_t>(input.bytes.size()), *result.memory);
+    const std::vector<std::uint8_t> exact(input.bytes);
+    result.status = decode(&result.record, exact.data(), static_cast<std::uint32_t>(exact.size()), *result.memory);
     return result;
 }
 

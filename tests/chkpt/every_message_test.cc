@@ -55,7 +55,7 @@ TEST_P(EveryMessage, FieldsComeInAnyOrder) {
     blob reversed;
     for (std::uint32_t number = field_count(); number >= 1; --number) {
         const blob one = only(number);
-        reversed.bytes.insert(reversed.bytes.end(), one.bytes.begin(), one.bytes.end());
+        reversed.add(one);
     }
     const outcome result = decode(reversed);
     EXPECT_EQ(result.status, CHKPT_DECODED);
@@ -85,7 +85,7 @@ TEST_P(EveryMessage, TruncationAtEveryLengthKeepsTheFieldsBeforeIt) {
 TEST_P(EveryMessage, ATagThatEndsTooEarlyIsTruncated) {
     for (unsigned continued = 1; continued < 12; ++continued) {
         blob input = only(1);
-        input.bytes.insert(input.bytes.end(), continued, 0x88);
+        input.append(std::vector<std::uint8_t>(continued, 0x88));
         EXPECT_EQ(decode(input).status, CHKPT_TRUNCATED) << continued << " bytes";
     }
 }
@@ -112,7 +112,7 @@ TEST_P(EveryMessage, UnknownFieldsAreSkippedByTheirWireType) {
         for (blob input : {blob().number(unknown, 1ULL << 63), blob().tag(unknown, 0).raw({0xFF, 0x80, 0}),
                            blob().tag(unknown, 1).raw({1, 2, 3, 4, 5, 6, 7, 0x0B}), blob().text(unknown, "skipped"),
                            blob().text(unknown, ""), blob().tag(unknown, 5).raw({1, 2, 3, 0x0B})}) {
-            input.bytes.insert(input.bytes.end(), known.bytes.begin(), known.bytes.end());
+            input.add(known);
             const outcome result = decode(input);
             EXPECT_EQ(result.status, CHKPT_DECODED) << "field " << unknown << ", type " << (input.bytes[0] & 7);
             EXPECT_EQ(result.presence, bit(1));
@@ -140,7 +140,7 @@ TEST_P(EveryMessage, AnUnknownFieldThatRunsPastTheEndIsTheEnd) {
               blob().tag(unknown, 5).raw({1, 2, 3}), blob().tag(unknown, 2).raw({5, 1, 2, 3, 4}),
               blob().tag(unknown, 2).varint(0xFFFFFFFF).raw({1})}) {
             blob input = known;
-            input.bytes.insert(input.bytes.end(), tail.bytes.begin(), tail.bytes.end());
+            input.add(tail);
             const outcome result = decode(input);
             EXPECT_EQ(result.status, CHKPT_DECODED) << "field " << unknown;
             EXPECT_EQ(result.presence, bit(1));
@@ -162,7 +162,7 @@ TEST_P(EveryMessage, ATextOrAnArrayComesOnceAndOtherFieldsCanComeAgain) {
         blob input = only(number);
         input.number(15, 0);  // so that elements do not stand together
         const blob again = only(number);
-        input.bytes.insert(input.bytes.end(), again.bytes.begin(), again.bytes.end());
+        input.add(again);
         const outcome result = decode(input);
         EXPECT_EQ(result.status, field(number).needs_memory() ? CHKPT_TRUNCATED : CHKPT_DECODED) << "field " << number;
         EXPECT_EQ(result.presence, bit(number)) << "field " << number;
