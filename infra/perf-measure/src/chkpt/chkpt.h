@@ -146,24 +146,27 @@ struct ChkptSingleValue {
 };
 
 // The blobs of pm_chkpt_scb_parcel, pm_chkpt_dr_info and pm_chkpt_dr_db_sess_info.
-std::int32_t ChkptScb_decode(ChkptScb *record, const std::uint8_t *data, std::uint32_t length, ChkptAllocFn alloc,
-                             void *context);
-std::int32_t ChkptDistribution_decode(ChkptDistribution *record, const std::uint8_t *data, std::uint32_t length,
-                                      ChkptAllocFn alloc, void *context);
-std::int32_t ChkptDrSession_decode(ChkptDrSession *record, const std::uint8_t *data, std::uint32_t length,
-                                   ChkptAllocFn alloc, void *context);
+[[nodiscard]] std::int32_t ChkptScb_decode(ChkptScb *record, const std::uint8_t *data, std::uint32_t length,
+                                           ChkptAllocFn alloc, void *context);
+[[nodiscard]] std::int32_t ChkptDistribution_decode(ChkptDistribution *record, const std::uint8_t *data,
+                                                    std::uint32_t length, ChkptAllocFn alloc, void *context);
+[[nodiscard]] std::int32_t ChkptDrSession_decode(ChkptDrSession *record, const std::uint8_t *data, std::uint32_t length,
+                                                 ChkptAllocFn alloc, void *context);
 
 // The messages inside them.
-std::int32_t ChkptAdvertisement_decode(ChkptAdvertisement *record, const std::uint8_t *data, std::uint32_t length);
-std::int32_t ChkptControlCode_decode(ChkptControlCode *record, const std::uint8_t *data, std::uint32_t length);
-std::int32_t ChkptDistributionEntry_decode(ChkptDistributionEntry *record, const std::uint8_t *data,
-                                           std::uint32_t length, ChkptAllocFn alloc, void *context);
-std::int32_t ChkptDistributionGroup_decode(ChkptDistributionGroup *record, const std::uint8_t *data,
-                                           std::uint32_t length, ChkptAllocFn alloc, void *context);
-std::int32_t ChkptDistributionValues_decode(ChkptDistributionValues *record, const std::uint8_t *data,
-                                            std::uint32_t length);
-std::int32_t ChkptSessionIdPair_decode(ChkptSessionIdPair *record, const std::uint8_t *data, std::uint32_t length,
-                                       ChkptAllocFn alloc, void *context);
-std::int32_t ChkptSegmentListInfo_decode(ChkptSegmentListInfo *record, const std::uint8_t *data, std::uint32_t length,
-                                         ChkptAllocFn alloc, void *context);
-std::int32_t ChkptSingleValue_decode(ChkptSingleValue *record, const std::uint8_t *data, std::uint32_t length);
+[[nodiscard]] std::int32_t ChkptAdvertisement_decode(ChkptAdvertisement *record, const std::uint8_t *data,
+                                                     std::uint32_t length);
+[[nodiscard]] std::int32_t ChkptControlCode_decode(ChkptControlCode *record, const std::uint8_t *data,
+                                                   std::uint32_t length);
+[[nodiscard]] std::int32_t ChkptDistributionEntry_decode(ChkptDistributionEntry *record, const std::uint8_t *data,
+                                                         std::uint32_t length, ChkptAllocFn alloc, void *context);
+[[nodiscard]] std::int32_t ChkptDistributionGroup_decode(ChkptDistributionGroup *record, const std::uint8_t *data,
+                                                         std::uint32_t length, ChkptAllocFn alloc, void *context);
+[[nodiscard]] std::int32_t ChkptDistributionValues_decode(ChkptDistributionValues *record, const std::uint8_t *data,
+                                                          std::uint32_t length);
+[[nodiscard]] std::int32_t ChkptSessionIdPair_decode(ChkptSessionIdPair *record, const std::uint8_t *data,
+                                                     std::uint32_t length, ChkptAllocFn alloc, void *context);
+[[nodiscard]] std::int32_t ChkptSegmentListInfo_decode(ChkptSegmentListInfo *record, const std::uint8_t *data,
+                                                       std::uint32_t length, ChkptAllocFn alloc, void *context);
+[[nodiscard]] std::int32_t ChkptSingleValue_decode(ChkptSingleValue *record, const std::uint8_t *data,
+                                                   std::uint32_t length);
