@@ -54,14 +54,6 @@ TEST_F(DispatchTest, AProfileNameThatCannotBeEncodedShowsNothing) {
     EXPECT_EQ(fake.calls, std::vector<std::string>{});
 }
 
-TEST_F(DispatchTest, ACommandWhoseDisplayIsNotBuiltSaysSo) {
-    const printed output = run("-c 35");
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(output.err, "perf-show: show command type 35 is not available yet\n");
-    EXPECT_EQ(output.out, "");
-    EXPECT_EQ(fake.calls, std::vector<std::string>{});
-}
-
 TEST_F(DispatchTest, ABadOptionDoesNotKeepTheCommandFromRunning) {
     const printed output = run("-z -c 38");
     EXPECT_EQ(status, -1);

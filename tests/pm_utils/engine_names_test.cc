@@ -95,4 +95,10 @@ TEST(EngineNames, CheckpointTypesHaveTheirNames) {
     expect_names(pm_chkpt_type_str, {{0, "SCB_CHKPT"}, {1, "DR_CHKPT"}, {2, "DR_DB_SESSION_CHKPT"}}, "Unknown");
 }
 
+TEST(EngineNames, RetryReasonsHaveTheirNamesAndNoWordForOthers) {
+    expect_names(pm_dr_retry_reason_str,
+                 {{0, "Profile not configured in PM"}, {1, "No NPU capacity"}, {2, "Label allocation from LSD failed"}},
+                 "");
+}
+
 }  // namespace

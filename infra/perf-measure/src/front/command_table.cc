@@ -9,6 +9,10 @@
 #include "pm_show_client/allowed_responders.h"
 #include "pm_show_client/batch_counters.h"
 #include "pm_show_client/capability.h"
+#include "pm_show_client/chkpt_dr.h"
+#include "pm_show_client/chkpt_dr_session.h"
+#include "pm_show_client/chkpt_scb.h"
+#include "pm_show_client/dr_retry_queue.h"
 #include "pm_show_client/endpoint.h"
 #include "pm_show_client/endpoint_counters.h"
 #include "pm_show_client/history_displays.h"
@@ -19,8 +23,8 @@
 #include "pm_show_client/profile.h"
 #include "pm_show_client/resp_intf.h"
 #include "pm_show_client/resp_summary.h"
-#include "pm_show_client/rx_summary.h"
 #include "pm_show_client/rsvpte.h"
+#include "pm_show_client/rx_summary.h"
 #include "pm_show_client/session.h"
 #include "pm_show_client/session_distribution.h"
 #include "pm_show_client/srpolicy.h"
@@ -108,12 +112,6 @@ constexpr auto endpoint_history_record = record<pm_endpoint_history_parcel, 88>(
 constexpr auto name_profile_record = record<pm_name_profile_parcel, 352>(pm_name_profile_parcel_descriptor);
 constexpr auto profile_record = record<pm_profile_parcel, 1824>(pm_profile_parcel_descriptor);
 
-// Displays that are not built yet. A display that is built has a header instead of a line here.
-constexpr pm_show_display pm_show_chkpt_scb = nullptr;
-constexpr pm_show_display pm_show_chkpt_dr = nullptr;
-constexpr pm_show_display pm_show_chkpt_dr_session = nullptr;
-constexpr pm_show_display print_dr_retry_queue = nullptr;
-
 using enum pm_show_single;
 using enum pm_show_nodes;
 
@@ -193,15 +191,16 @@ constexpr pm_show_command global_profile{23, MAIN, fixed("profile"), profile_rec
 constexpr pm_show_command all_profiles{23, MAIN, fixed("all-profile/"), name_profile_record, 200, NEVER, ALL, pm_show_name_profile};
 // clang-format on
 
-constexpr bool rows_are_numbered() {
+// Row by row: its number, and a display where there is something to read.
+constexpr bool rows_are_complete() {
     for (std::size_t row = 0; row < std::size(commands); ++row) {
-        if (commands[row].type != row + 1) {
+        if (commands[row].type != row + 1 || (commands[row].root != nullptr && commands[row].display == nullptr)) {
             return false;
         }
     }
     return std::size(commands) == 37;
 }
-static_assert(rows_are_numbered());
+static_assert(rows_are_complete());
 
 }  // namespace
 

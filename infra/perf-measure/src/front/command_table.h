@@ -59,7 +59,7 @@ struct pm_show_command {
     std::uint32_t batch_size = 0;
     pm_show_single single = pm_show_single::NEVER;
     pm_show_nodes nodes = pm_show_nodes::ALL;
-    pm_show_display display = nullptr;  // null: not built yet
+    pm_show_display display = nullptr;
 };
 
 inline constexpr std::uint32_t PM_SHOW_LIVE_HISTORY = 27;  // refuses subtypes in words of its own

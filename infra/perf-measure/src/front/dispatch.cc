@@ -118,10 +118,6 @@ int pm_show_dispatch() {
     case pm_show_build::NOTHING: return 0;
     case pm_show_build::READY: break;
     }
-    if (request.display == nullptr) {
-        pm_print_error<"perf-show: show command type %u is not available yet\n">(pm_show_options.command_type);
-        return 0;
-    }
     generic_show_node_walker(&request);
     return 0;
 }

@@ -70,6 +70,12 @@ constexpr pm_name CHKPT_TYPES[] = {
     {2, "DR_DB_SESSION_CHKPT"},
 };
 
+constexpr pm_name DR_RETRY_REASONS[] = {
+    {PM_DR_RETRY_PROFILE_NOT_CONFIGURED, "Profile not configured in PM"},
+    {PM_DR_RETRY_NO_NPU_CAPACITY, "No NPU capacity"},
+    {PM_DR_RETRY_LABEL_ALLOCATION_FAILED, "Label allocation from LSD failed"},
+};
+
 }  // namespace
 
 const char *pm_batch_type_str(std::int32_t type) { return pm_name_of(BATCH_TYPES, type, "unknown batch type"); }
@@ -90,3 +96,5 @@ const char *pm_cfg_op_str(std::uint32_t flags) {
 const char *pm_udp_port_kind_str(std::int32_t kind) { return pm_name_of(UDP_PORT_KINDS, kind, "Unknown"); }
 
 const char *pm_chkpt_type_str(std::int32_t type) { return pm_name_of(CHKPT_TYPES, type, "Unknown"); }
+
+const char *pm_dr_retry_reason_str(pm_dr_retry_reason_e reason) { return pm_name_of(DR_RETRY_REASONS, reason, ""); }

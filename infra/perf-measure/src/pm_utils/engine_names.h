@@ -1,11 +1,13 @@
 // Words for the inner workings of the measurement engine: its queues, batches, timers, events,
-// ports and checkpoints.
+// ports, checkpoints and distribution.
 //
 // Every routine takes any value and returns constant text, never null; a value without a word of
 // its own gives the word stated as "else".
 #pragma once
 
 #include <cstdint>
+
+#include "schema/pm_enums.h"
 
 // Batches of work towards the interface manager, from 0; else "unknown batch type".
 [[nodiscard]] const char *pm_batch_type_str(std::int32_t type);
@@ -31,3 +33,6 @@
 
 // 0 "SCB_CHKPT", 1 "DR_CHKPT", 2 "DR_DB_SESSION_CHKPT"; else "Unknown".
 [[nodiscard]] const char *pm_chkpt_type_str(std::int32_t type);
+
+// Why the distribution of a record waits for another try; else "".
+[[nodiscard]] const char *pm_dr_retry_reason_str(pm_dr_retry_reason_e reason);
