@@ -114,6 +114,8 @@ private:
     [[nodiscard]] int open_unlocked();
     [[nodiscard]] int begin(MDB_txn **txn);
     [[nodiscard]] bool overtaken(MDB_txn *txn) const;
+    template <class Body>
+    [[nodiscard]] errcode read_whole_state(MDB_txn *txn, Body &body);
 
     std::string folder_;
     MDB_env *env_ = nullptr;
@@ -164,6 +166,23 @@ errcode view::scan(std::string_view prefix, std::string_view after, Visit visit)
     return failure == MDB_NOTFOUND ? ERRCODE_SUCCESS : code_of(failure);
 }
 
+// Runs the body again for each state that a writer overtook meanwhile.
+template <class Body>
+errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
+    errcode code = body(view(txn, table_));
+    for (int tries = 0; overtaken(txn); ++tries) {
+        if (tries == MAX_TRIES) {
+            return OPSTORE_BUSY;
+        }
+        mdb_txn_reset(txn);
+        if (const int failure = mdb_txn_renew(txn); failure != 0) {
+            return code_of(failure);
+        }
+        code = body(view(txn, table_));
+    }
+    return code;
+}
+
 template <class Body>
 errcode environment::read(Body body) {
     if (damaged_) {
@@ -176,18 +195,12 @@ errcode environment::read(Body body) {
             left = true;
             return code_of(failure);
         }
-        errcode code = body(view(txn, table_));
-        for (int tries = 0; overtaken(txn); ++tries) {
-            if (tries == MAX_TRIES) {
-                code = OPSTORE_BUSY;
-                break;
-            }
-            mdb_txn_reset(txn);
-            if (const int failure = mdb_txn_renew(txn); failure != 0) {
-                code = code_of(failure);
-                break;
-            }
-            code = body(view(txn, table_));
+        errcode code = ERRCODE_SUCCESS;
+        try {
+            code = read_whole_state(txn, body);
+        } catch (...) {
+            mdb_txn_abort(txn);
+            throw;
         }
         mdb_txn_abort(txn);
         left = true;
