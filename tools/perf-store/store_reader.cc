@@ -48,7 +48,8 @@ errcode read_batch(store::environment *store, std::string_view prefix, std::stri
 
 std::string describe_store(errcode code) {
     const char *folder = store::folder_of(store::configured_url());
-    const std::string denied = code == OPSTORE_NO_CLIENT && folder != nullptr ? store::access_problem(folder) : "";
+    const std::string denied =
+        code == OPSTORE_NO_CLIENT && folder != nullptr ? store::check_access(folder).problem : "";
     return denied.empty() ? std::string(store::configured_url()) + ": " + errcode_strerror(code) : denied;
 }
 
