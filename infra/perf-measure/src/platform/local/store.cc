@@ -72,6 +72,18 @@ void append_big_endian(Number number, std::string *to) {
     }
 }
 
+// A standard file that the caller closed would be the next one opened, the store's, and be written to as
+// standard output. What stands in for it can be used for nothing.
+void occupy_standard_files() {
+    int file = 0;
+    do {
+        file = ::open("/dev/null", O_PATH);
+    } while (file >= 0 && file <= STDERR_FILENO);
+    if (file >= 0) {
+        ::close(file);
+    }
+}
+
 // The schema source of the parcel codec: schemas are kept under their fingerprint.
 bool stored_schema(std::uint64_t fingerprint, std::string *schema) {
     environment *store = nullptr;
@@ -197,6 +209,7 @@ bool ends_early(const char *folder) {
 }
 
 int create_environment(MDB_env **env) {
+    occupy_standard_files();
     const int failure = mdb_env_create(env);
     if (failure != 0) {
         return failure;

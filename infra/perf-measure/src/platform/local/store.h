@@ -132,7 +132,8 @@ private:
 // taken and given back by a transaction and never written.
 [[nodiscard]] bool ends_early(const char *folder);
 
-// Makes an LMDB environment whose failed assertions end the guarded body instead of the process.
+// Makes an LMDB environment whose failed assertions end the guarded body instead of the process, and whose
+// files are never standard ones.
 [[nodiscard]] int create_environment(MDB_env **env);
 
 // Implementation of the templates ----------------------------------------------------------------
