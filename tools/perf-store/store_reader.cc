@@ -93,7 +93,7 @@ std::uint32_t parse_number(std::string_view text) {
 std::string describe_item(const item_key &item) {
     char node[16];
     std::snprintf(node, sizeof node, " %#x ", item.node);
-    return item.root.word + std::string(node) + on_one_line(item.path);
+    return item.root.word + std::string(node) + on_one_line(excerpt(item.path, store::MAX_PATH_LENGTH));
 }
 
 item_key parse_item_key(std::string_view key) {

@@ -71,6 +71,11 @@ void set_access(const std::string &folder, const char *name, mode_t mode) {
     static_cast<void>(::chmod(path.c_str(), mode));
 }
 
+// What the keys of the items begin with whose paths continue the one of `key` by one or more components.
+std::string prefix_below(const std::string &key, std::string_view path) {
+    return path.empty() || path.ends_with('/') ? key : key + '/';
+}
+
 // What a failure of LMDB means to the user.
 problem describe(const std::string &folder, int failure) {
     switch (failure) {
@@ -335,6 +340,24 @@ problem writer::put_item(root root, std::uint32_t node, std::string_view path, c
     return put_record(to, record, descriptor);
 }
 
+problem writer::has_item(root root, std::uint32_t node, std::string_view path, bool below, bool *found) {
+    const std::string key = branch_key(key_space::item, root, node) + std::string(path);
+    std::string_view value;
+    problem failure = get(key, &value);
+    *found = !value.empty();
+    if (*found || !below || !failure.empty()) {
+        return failure;
+    }
+    const std::string prefix = prefix_below(key, path);
+    return guarded([&] {
+        const errcode code = view(txn_, table_).scan(prefix, "", [&](std::string_view, std::string_view) {
+            *found = true;
+            return false;
+        });
+        return code == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED;
+    });
+}
+
 problem writer::remove_item(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed) {
     std::string key = branch_key(key_space::item, root, node);
     key += path;
@@ -347,11 +370,7 @@ problem writer::remove_item(root root, std::uint32_t node, std::string_view path
 }
 
 problem writer::remove_below(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed) {
-    std::string prefix = branch_key(key_space::item, root, node);
-    prefix += path;
-    if (!path.empty() && !path.ends_with('/')) {
-        prefix += '/';
-    }
+    const std::string prefix = prefix_below(branch_key(key_space::item, root, node) + std::string(path), path);
     return guarded([&] {
         MDB_cursor *cursor = nullptr;
         MDB_val key = detail::to_value(prefix);

@@ -45,6 +45,8 @@ public:
     [[nodiscard]] problem put_item(root root, std::uint32_t node, std::string_view path, const void *record,
                                    const parcel_descriptor *descriptor);
 
+    // Whether there is an item at a path or, if `below` says so, at one that continues it.
+    [[nodiscard]] problem has_item(root root, std::uint32_t node, std::string_view path, bool below, bool *found);
     // Removes the item at a path. `*removed` counts what went: 0 when nothing was there.
     [[nodiscard]] problem remove_item(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed);
     // Removes all items whose path continues `path` by one or more components, and adds to `*removed`.
