@@ -101,7 +101,7 @@ TEST_F(BadInput, AFileThatCannotBeReadChangesNothing) {
     const outcome loaded = run({"load", "good.ndjson", "none.ndjson"});
     EXPECT_EQ(loaded.status, 1);
     EXPECT_EQ(loaded.out, "");
-    EXPECT_EQ(loaded.error, "none.ndjson: No such file or directory\n");
+    EXPECT_EQ(loaded.error, "perf-store: none.ndjson: No such file or directory\n");
     EXPECT_EQ(dump(), BEFORE);
 }
 
@@ -135,6 +135,12 @@ TEST_F(BadInput, NotAnObjectWithOneKey) {
     expect("null", "expected an object, found null");
     expect("{}", "an object of a data set has exactly one key");
     expect(R"({"dataset":{"version":1},"platform":{}})", "an object of a data set has exactly one key");
+}
+
+TEST_F(BadInput, ObjectsWithoutWhiteSpaceBetween) {
+    const std::string interface = R"({"interface":{"handle":1,"name":"eth0"}})";
+    expect(interface + interface, "no white space behind an object");
+    expect_refused(interface + "\n" + interface + "," + interface, "set.ndjson:2: no white space behind an object");
 }
 
 TEST_F(BadInput, UnknownKey) {
@@ -294,6 +300,34 @@ TEST_F(BadInput, APrettyPrintedSetsErrorNamesTheMembersOwnLine) {
     expect_refused("\n\n{\n\"node\":\n{\n\"id\": 1\n}\n}\n", "set.ndjson:5: node.name: is missing");
 }
 
+// The first hundred bytes are enough to find the rest.
+TEST_F(BadInput, WhatAMessageRepeatsIsCut) {
+    const std::string text(1'000'000, '7');
+    const std::string cut = std::string(100, '7') + "...";
+    expect(R"({")" + text + R"(":{}})", cut + ": unknown object");
+    expect(R"({"node":{")" + text + R"(":1}})", "node." + cut + ": unknown member");
+    expect(R"({"node":{"id":")" + text + R"("}})", "node.id: " + cut + " is out of range for N");
+    expect(R"({"node":{"id":"a)" + text + R"("}})", "node.id: a" + cut.substr(1) + " is not an integer");
+    expect(R"({"publisher":{"root":")" + text + R"("}})", "publisher.root: unknown root " + cut);
+    expect(R"({"publisher":{"root":"main","node":1,"state":")" + text + R"("}})",
+           "publisher.state: unknown state " + cut);
+    expect(R"({"item":{"root":"main","node":1,"path":"a","type":")" + text + R"("}})",
+           "item.type: unknown record type " + cut);
+    expect(item_with(R"({")" + text + R"(":1})"), "item.record." + cut + ": unknown field");
+    expect(item_with(R"({"Average":"-)" + text + R"("})"),
+           "item.record.Average: -" + cut.substr(1) + " is out of range for D");
+    const std::string shortest(100, '7');
+    expect(R"({")" + shortest + R"(":{}})", shortest + ": unknown object");
+    // Not within a character: the 34th of three bytes each would end behind the hundredth.
+    std::string signs;
+    std::string whole_signs;
+    for (int i = 0; i < 50; ++i) {
+        signs += "\xE6\x97\xA5";
+        whole_signs = i == 32 ? signs : whole_signs;
+    }
+    expect(R"({")" + signs + R"(":{}})", whole_signs + "...: unknown object");
+}
+
 // Interface histories, each the only bundle member of the one before.
 std::string nested_history(std::size_t depth) {
     std::string record;
@@ -314,6 +348,7 @@ TEST_F(BadInput, ARecordNestedTooDeeply) {
         EXPECT_EQ(loaded.signal, 0) << depth;
         EXPECT_EQ(loaded.status, 1) << depth;
         EXPECT_TRUE(is_one_line(loaded.error)) << depth << " " << loaded.error.substr(0, 200);
+        EXPECT_LT(loaded.error.size(), 1000U) << depth;
         EXPECT_TRUE(loaded.error.starts_with("set.ndjson:1: item.record")) << loaded.error.substr(0, 200);
         EXPECT_EQ(dump(), BEFORE) << depth;
     }
