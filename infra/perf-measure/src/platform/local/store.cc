@@ -33,6 +33,10 @@ static_assert(sizeof(meta_page) == 152);
 constexpr std::uint32_t LMDB_MAGIC = 0xBEEFC0DE;
 constexpr std::uint32_t LMDB_VERSION = 1;
 
+// Sizes of the map that LMDB takes for another one.
+constexpr std::size_t RECORDED_MAP = 0;
+constexpr std::size_t SMALLEST_MAP = 1;  // what the file holds
+
 bool read_meta(int file, std::uint64_t at, meta_page *meta) {
     return ::pread(file, meta, sizeof *meta, static_cast<off_t>(at)) == static_cast<ssize_t>(sizeof *meta) &&
            meta->magic == LMDB_MAGIC && meta->version == LMDB_VERSION;
@@ -236,14 +240,13 @@ errcode environment::open(const char *folder) {
     fault_guard::install();
     bool left = false;
     const errcode result = fault_guard::guarded([&] {
-        int failure = create_environment(&env_);
-        if (failure == 0) {
-            failure = mdb_env_open(env_, folder, MDB_RDONLY | MDB_NOTLS, 0);
-        }
+        const int failure = open_file();
         left = true;
         return code_of(failure);
     });
-    damaged_ = !left;
+    if (!left) {
+        broken_ = OPSTORE_DAMAGED;
+    }
     if (result != ERRCODE_SUCCESS) {
         if (left) {
             mdb_env_close(env_);
@@ -263,18 +266,45 @@ errcode environment::open(const char *folder) {
         return code == ERRCODE_SUCCESS && format == FORMAT ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
     });
     if (failure == OPSTORE_DAMAGED) {
-        damaged_ = true;
+        broken_ = OPSTORE_DAMAGED;
+    }
+    return failure;
+}
+
+// Opens the data file. The map that it records is address space which a limited process may not have; then
+// the map is as large as what is in the file.
+int environment::open_file() {
+    int failure = ENOMEM;
+    for (const std::size_t map : {RECORDED_MAP, SMALLEST_MAP}) {
+        mdb_env_close(env_);
+        env_ = nullptr;
+        failure = create_environment(&env_);
+        if (failure == 0 && map != RECORDED_MAP) {
+            failure = mdb_env_set_mapsize(env_, map);
+        }
+        if (failure == 0) {
+            failure = mdb_env_open(env_, folder_.c_str(), MDB_RDONLY | MDB_NOTLS | (unlocked_ ? MDB_NOLOCK : 0U), 0);
+        }
+        if (failure != ENOMEM) {
+            break;
+        }
     }
     return failure;
 }
 
 // Opens the store again, without its lock file.
 int environment::open_unlocked() {
-    mdb_env_close(env_);
-    env_ = nullptr;
     unlocked_ = true;
-    const int failure = create_environment(&env_);
-    return failure != 0 ? failure : mdb_env_open(env_, folder_.c_str(), MDB_RDONLY | MDB_NOTLS | MDB_NOLOCK, 0);
+    return open_file();
+}
+
+// Maps what writers have added. After a failure there is no map.
+int environment::follow_map() {
+    const int failure = mdb_env_set_mapsize(env_, SMALLEST_MAP);
+    if (failure != 0) {
+        broken_ = code_of(failure);
+    }
+    return failure;
 }
 
 // Whether a writer may have used pages of the state that was read without a slot: those that it frees
@@ -290,9 +320,9 @@ int environment::begin(MDB_txn **txn) {
         failure = open_unlocked();
         failure = failure != 0 ? failure : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
     }
-    if (failure == MDB_MAP_RESIZED) {  // a writer has made the map larger
-        mdb_env_set_mapsize(env_, 0);
-        failure = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    for (int tries = 0; failure == MDB_MAP_RESIZED && tries < MAX_TRIES; ++tries) {
+        failure = follow_map();
+        failure = failure != 0 ? failure : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
     }
     if (failure == MDB_READERS_FULL) {  // slots of readers that were killed
         int cleared = 0;

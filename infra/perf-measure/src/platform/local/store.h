@@ -111,7 +111,9 @@ public:
 
 private:
     [[nodiscard]] errcode open(const char *folder);
+    [[nodiscard]] int open_file();
     [[nodiscard]] int open_unlocked();
+    [[nodiscard]] int follow_map();
     [[nodiscard]] int begin(MDB_txn **txn);
     [[nodiscard]] bool overtaken(MDB_txn *txn) const;
     template <class Body>
@@ -123,7 +125,7 @@ private:
     // in a PID namespace of its own). A state is then checked after it was read.
     bool unlocked_ = false;
     MDB_dbi table_ = 0;
-    bool damaged_ = false;  // LMDB must not be called any more
+    errcode broken_ = ERRCODE_SUCCESS;  // why LMDB must not be called any more
 };
 
 // The head of the store's data file, as far as it can be checked without LMDB.
@@ -176,7 +178,12 @@ errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
             return OPSTORE_BUSY;
         }
         mdb_txn_reset(txn);
-        if (const int failure = mdb_txn_renew(txn); failure != 0) {
+        int failure = mdb_txn_renew(txn);
+        if (failure == MDB_MAP_RESIZED) {
+            failure = follow_map();
+            failure = failure != 0 ? failure : mdb_txn_renew(txn);
+        }
+        if (failure != 0) {
             return code_of(failure);
         }
         code = body(view(txn, table_));
@@ -186,8 +193,8 @@ errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
 
 template <class Body>
 errcode environment::read(Body body) {
-    if (damaged_) {
-        return OPSTORE_DAMAGED;
+    if (broken_ != ERRCODE_SUCCESS) {
+        return broken_;
     }
     MDB_txn *txn = nullptr;
     bool left = false;
@@ -207,7 +214,9 @@ errcode environment::read(Body body) {
         left = true;
         return code;
     });
-    damaged_ = !left;
+    if (!left) {
+        broken_ = OPSTORE_DAMAGED;
+    }
     return result;
 }
 
