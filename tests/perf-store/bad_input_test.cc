@@ -105,6 +105,32 @@ TEST_F(BadInput, AFileThatCannotBeReadChangesNothing) {
     EXPECT_EQ(dump(), BEFORE);
 }
 
+// Nothing was there before the command, and nothing is afterwards.
+TEST_F(BadInput, AFirstSetThatIsRefusedLeavesNoStore) {
+    use_store("none/of/these");
+    EXPECT_EQ(load(CHANGES + "{}"s).error, "set.ndjson:7: an object of a data set has exactly one key\n");
+    EXPECT_FALSE(std::filesystem::exists(folder() + "/none"));
+    EXPECT_EQ(run({"load", "none.ndjson"}).status, 1);
+    EXPECT_FALSE(std::filesystem::exists(folder() + "/none"));
+    std::filesystem::create_directory(folder() + "/empty");
+    use_store("empty");
+    EXPECT_EQ(load(CHANGES + "{}"s).status, 1);
+    EXPECT_TRUE(std::filesystem::is_empty(folder() + "/empty"));
+    EXPECT_EQ(run({"dump"}).error, "perf-store: lmdb:" + folder() + "/empty: Store client not available\n");
+    load_good(BEFORE);
+    EXPECT_EQ(dump(), BEFORE);
+}
+
+TEST_F(BadInput, ARefusedSetLeavesTheStoresSize) {
+    const auto before = std::filesystem::file_size(data_file());
+    std::string set;
+    for (int i = 0; i < 3000; ++i) {
+        set += item_at("values/" + std::to_string(i)) + "\n";
+    }
+    EXPECT_EQ(load(set + "{}").status, 1);
+    EXPECT_EQ(std::filesystem::file_size(data_file()), before);
+}
+
 TEST_F(BadInput, StandardInputHasAName) {
     const outcome loaded = run({"load", "-"}, CHANGES + "{}"s);
     EXPECT_EQ(loaded.status, 1);

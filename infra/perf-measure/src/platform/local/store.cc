@@ -42,8 +42,14 @@ bool read_meta(int file, std::uint64_t at, meta_page *meta) {
            meta->magic == LMDB_MAGIC && meta->version == LMDB_VERSION;
 }
 
-// The file's last page by its own account and by its length; false when it has no sound head.
-bool read_extent(int file, std::uint64_t *last_page, std::uint64_t *pages) {
+// How far a data file reaches: by its own account, and by its length.
+struct extent {
+    std::uint64_t accounted = 0;  // bytes
+    std::uint64_t length = 0;
+};
+
+// False when the file has no sound head.
+bool read_extent(int file, extent *out) {
     meta_page first{};
     meta_page second{};
     if (!read_meta(file, 0, &first) || first.page_size < 512 || first.page_size > 65536 ||
@@ -51,20 +57,21 @@ bool read_extent(int file, std::uint64_t *last_page, std::uint64_t *pages) {
         second.page_size != first.page_size) {
         return false;
     }
-    *last_page = first.transaction > second.transaction ? first.last_page : second.last_page;
+    const std::uint64_t last_page = first.transaction > second.transaction ? first.last_page : second.last_page;
     struct stat status {};
-    *pages = ::fstat(file, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) / first.page_size : 0;
+    const bool known = ::fstat(file, &status) == 0;
+    *out = {(last_page + 1) * first.page_size, known ? static_cast<std::uint64_t>(status.st_size) : 0};
     return true;
 }
 
 // The same of the data file in a folder.
-errcode read_extent(const char *folder, std::uint64_t *last_page, std::uint64_t *pages) {
+errcode read_extent(const char *folder, extent *out) {
     const std::string path = std::string(folder) + "/data.mdb";
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) {
         return code_of(errno);
     }
-    const bool sound = read_extent(file, last_page, pages);
+    const bool sound = read_extent(file, out);
     ::close(file);
     return sound ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
 }
@@ -73,18 +80,6 @@ template <class Number>
 void append_big_endian(Number number, std::string *to) {
     for (int shift = static_cast<int>(sizeof number) * 8 - 8; shift >= 0; shift -= 8) {
         to->push_back(static_cast<char>(number >> shift));
-    }
-}
-
-// A standard file that the caller closed would be the next one opened, the store's, and be written to as
-// standard output. What stands in for it can be used for nothing.
-void occupy_standard_files() {
-    int file = 0;
-    do {
-        file = ::open("/dev/null", O_PATH);
-    } while (file >= 0 && file <= STDERR_FILENO);
-    if (file >= 0) {
-        ::close(file);
     }
 }
 
@@ -201,15 +196,28 @@ std::string_view unseal(std::string_view key, std::string_view value) {
 }
 
 errcode check_file(const char *folder) {
-    std::uint64_t last_page = 0;
-    std::uint64_t pages = 0;
-    return read_extent(folder, &last_page, &pages);
+    extent ignored;
+    return read_extent(folder, &ignored);
 }
 
 bool ends_early(const char *folder) {
-    std::uint64_t last_page = 0;
-    std::uint64_t pages = 0;
-    return read_extent(folder, &last_page, &pages) == ERRCODE_SUCCESS && last_page >= pages;
+    extent found;
+    return read_extent(folder, &found) == ERRCODE_SUCCESS && found.accounted > found.length;
+}
+
+std::uint64_t accounted_size(const char *folder) {
+    extent found;
+    return read_extent(folder, &found) == ERRCODE_SUCCESS ? found.accounted : 0;
+}
+
+void occupy_standard_files() {
+    int file = 0;
+    do {
+        file = ::open("/dev/null", O_PATH);
+    } while (file >= 0 && file <= STDERR_FILENO);
+    if (file >= 0) {
+        ::close(file);
+    }
 }
 
 int create_environment(MDB_env **env) {

@@ -133,6 +133,12 @@ private:
 // Whether the data file ends before the last page of its tree: it was cut short, or its last pages were
 // taken and given back by a transaction and never written.
 [[nodiscard]] bool ends_early(const char *folder);
+// Bytes of the data file by its own account; 0 when it has no sound head.
+[[nodiscard]] std::uint64_t accounted_size(const char *folder);
+
+// Puts something that can be used for nothing where the caller closed a standard file. Else the next file
+// opened would stand there, the store's, and be written to as standard output.
+void occupy_standard_files();
 
 // Makes an LMDB environment whose failed assertions end the guarded body instead of the process, and whose
 // files are never standard ones.
