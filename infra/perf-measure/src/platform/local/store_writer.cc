@@ -118,7 +118,8 @@ problem writer::begin(const char *url) {
     return failure.empty() ? check_format() : failure;
 }
 
-// Opens the environment with the largest map that there is address space for.
+// Opens the environment with the largest map that there is address space for. What is behind the data of a file
+// that is mapped for writing is empty: reading ahead would fill memory with it.
 int writer::open_environment(bool write_map) {
     int code = ENOMEM;
     for (std::size_t map = LARGEST_MAP; map >= SMALLEST_MAP && code == ENOMEM; map /= 2) {
@@ -127,7 +128,7 @@ int writer::open_environment(bool write_map) {
         code = create_environment(&env_);
         if (code == 0) {
             mdb_env_set_mapsize(env_, map);
-            code = mdb_env_open(env_, place_.place().c_str(), write_map ? MDB_WRITEMAP : 0, FILE_MODE);
+            code = mdb_env_open(env_, place_.place().c_str(), write_map ? MDB_WRITEMAP | MDB_NORDAHEAD : 0, FILE_MODE);
         }
     }
     return code;
