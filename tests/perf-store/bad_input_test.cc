@@ -284,6 +284,30 @@ TEST_F(BadInput, Record) {
     expect(item_with(R"({"Average":1,"Average":1})"), "item.record.Average: given twice");
 }
 
+std::string item_of(const std::string &type, const std::string &record) {
+    return R"({"item":{"root":"main","node":0,"path":"values/b","type":")" + type + R"(","record":)" + record + "}}";
+}
+
+// A value of each schema type that is wrong for it.
+TEST_F(BadInput, RecordValues) {
+    const auto expect_value = [&](const char *type, const char *record, const char *message) {
+        expect(item_of(type, record), std::string("item.record.") + message);
+    };
+    expect_value("pm_intf_parcel", R"({"SourceAddress":"10.0.0"})", "SourceAddress: 10.0.0 is not an IPv4 address");
+    expect_value("pm_intf_parcel", R"({"SourceV6Address":"10.0.0.1"})",
+                 "SourceV6Address: 10.0.0.1 is not an IPv6 address");
+    expect_value("pm_intf_parcel", R"({"SourceMacAddress":"00:11"})", "SourceMacAddress: 00:11 is not a MAC address");
+    expect_value("pm_intf_parcel", R"({"InterfaceName":1})", "InterfaceName: expected text, found a number");
+    expect_value("pm_intf_parcel", R"({"InterfaceName":"a\u0000b"})", "InterfaceName: text holds a zero byte");
+    expect_value("pm_intf_parcel", R"({"DelayMeasurementSessions":{}})",
+                 "DelayMeasurementSessions: expected an array, found an object");
+    expect_value("pm_chkpt_scb_parcel", R"({"buf":"123"})", "buf: expected an even number of hexadecimal digits");
+    expect_value("pm_segment_parcel", R"({"IPAddress":"10.0.0.256"})", "IPAddress: 10.0.0.256 is not an address");
+    expect_value("pm_segment_parcel", R"({"IPAddress":{"IPAddressType":2,"IPv4":"10.0.0.1"}})",
+                 "IPAddress.IPv4: is not the arm that IPAddressType 2 selects");
+    expect_value("pm_segment_parcel", R"({"MPLSLabel":"4294967296"})", "MPLSLabel: 4294967296 is out of range for D");
+}
+
 TEST_F(BadInput, Path) {
     expect(item_at(""), "item.path: an empty path");
     expect(item_at("/values"), "item.path: a path begins below its branch, without '/'");
