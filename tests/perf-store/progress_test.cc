@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <pty.h>
-#include <sys/ioctl.h>
 #include <thread>
 
 #include "support/child_process.h"
@@ -31,15 +30,22 @@ protected:
         PerfStore::TearDown();
     }
 
-    // What was written to the terminal until now.
+    // What was written to the terminal until now. It takes its time from one end to the other, so the last
+    // character is the test's own.
     [[nodiscard]] std::string shown() const {
+        constexpr char LAST = '$';
         std::string text;
-        int waiting = 0;
-        while (::ioctl(near_, FIONREAD, &waiting) == 0 && waiting > 0) {
+        EXPECT_EQ(::write(far_, &LAST, 1), 1);
+        while (!text.ends_with(LAST)) {
             char bytes[4096];
             const ssize_t got = ::read(near_, bytes, sizeof bytes);
-            text.append(bytes, got > 0 ? static_cast<std::size_t>(got) : 0);
+            if (got <= 0) {
+                ADD_FAILURE() << "the terminal cannot be read";
+                return text;
+            }
+            text.append(bytes, static_cast<std::size_t>(got));
         }
+        text.pop_back();
         return text;
     }
 
