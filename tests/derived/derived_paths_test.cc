@@ -315,6 +315,29 @@ TEST_F(DerivedPaths, ComponentsThatCannotBeReadMatchNothing) {
     }
 }
 
+TEST_F(DerivedPaths, NamesThatLookLikeAFilterAreNames) {
+    EXPECT_EQ(listed("srpolicy/detail/", ODD_NODE), (names{"a-filter", "a-filter/b", "detail-filter/c"}));
+    EXPECT_EQ(listed("srpolicy/detail/a-filter/", ODD_NODE), names{"b"});
+    EXPECT_EQ(get("srpolicy/detail/a-filter", ODD_NODE), ERRCODE_SUCCESS);
+    EXPECT_EQ(get("srpolicy/detail/a-filter/b", ODD_NODE), ERRCODE_SUCCESS);
+    EXPECT_EQ(get("srpolicy/detail/detail-filter/c", ODD_NODE), ERRCODE_SUCCESS);
+    const std::string filter = "srpolicy/detail-filter/" + key(POLICY, {{1, "0xa"}}) + "/";
+    EXPECT_EQ(listed(filter, ODD_NODE), (names{"a-filter", "a-filter/b", "detail-filter/c"}));
+    EXPECT_EQ(get(filter + "a-filter/b", ODD_NODE), ERRCODE_SUCCESS);
+}
+
+TEST_F(DerivedPaths, OnlyTheKnownPlacesAreFiltered) {
+    EXPECT_EQ(get("srpolicy/other/d", ODD_NODE), ERRCODE_SUCCESS);
+    EXPECT_EQ(get("srpolicy/other-filter/" + key(POLICY, {}) + "/d", ODD_NODE), ERRCODE_NOT_FOUND);
+    EXPECT_EQ(listed("srpolicy/other-filter/" + key(POLICY, {}) + "/", ODD_NODE), names{});
+}
+
+TEST_F(DerivedPaths, AMissingComponentOfAProfileKeyMatchesNoName) {
+    EXPECT_EQ(listed("name-profile/", ODD_NODE), names{"0x0/0x2"});
+    EXPECT_EQ(listed("name-profile-filter/0x0,0x2", ODD_NODE), names{});
+    EXPECT_EQ(get("name-profile-filter/0x0,0x2/0x0,0x2", ODD_NODE), ERRCODE_NOT_FOUND);
+}
+
 // Long listings ----------------------------------------------------------------------------------
 
 TEST_F(DerivedPaths, ManyMatchesAreListedOnceEachInOrderAcrossBatches) {

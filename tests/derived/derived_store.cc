@@ -290,6 +290,16 @@ void put_profiles(filler *store) {
     store->put(NODE, "profile", &global, pm_profile_parcel_descriptor());
 }
 
+void put_odd_names(filler *store) {
+    for (const char *name : {"a-filter", "a-filter/b", "detail-filter/c"}) {
+        put_detail(store, ODD_NODE, policy(name, 10, no_address(), {}));
+    }
+    const pm_srpolicy_parcel elsewhere = policy("d", 10, no_address(), {});
+    store->put(ODD_NODE, "srpolicy/other/d", &elsewhere, pm_srpolicy_parcel_descriptor());
+    const pm_name_profile_parcel profile{};
+    store->put(ODD_NODE, "name-profile/0x0/0x2", &profile, pm_name_profile_parcel_descriptor());
+}
+
 }  // namespace
 
 std::string long_name(unsigned number) {
@@ -305,6 +315,7 @@ bool fill_store(const char *url) {
     put_endpoints(&store);
     put_tunnels(&store);
     put_profiles(&store);
+    put_odd_names(&store);
     for (const std::uint32_t node : {STOPPED_NODE, UNREACHABLE_NODE, STARTING_NODE}) {
         put_detail(&store, node, policy("a", 10, no_address(), {}));
     }

@@ -32,6 +32,7 @@ inline constexpr std::uint32_t UNREACHABLE_NODE = 5;
 inline constexpr std::uint32_t STARTING_NODE = 6;
 inline constexpr std::uint32_t EMPTY_NODE = 7;    // a running publisher without items
 inline constexpr std::uint32_t UNKNOWN_NODE = 8;  // no publisher ever
+inline constexpr std::uint32_t ODD_NODE = 9;      // names that look like parts of derived paths
 
 inline constexpr unsigned MANY = 1000;
 inline constexpr unsigned EVERY = 4;  // every fourth of MANY has MANY_COLOR

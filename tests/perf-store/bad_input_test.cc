@@ -101,8 +101,34 @@ TEST_F(BadInput, AFileThatCannotBeReadChangesNothing) {
     const outcome loaded = run({"load", "good.ndjson", "none.ndjson"});
     EXPECT_EQ(loaded.status, 1);
     EXPECT_EQ(loaded.out, "");
-    EXPECT_EQ(loaded.error, "none.ndjson: No such file or directory\n");
+    EXPECT_EQ(loaded.error, "perf-store: none.ndjson: No such file or directory\n");
     EXPECT_EQ(dump(), BEFORE);
+}
+
+// Nothing was there before the command, and nothing is afterwards.
+TEST_F(BadInput, AFirstSetThatIsRefusedLeavesNoStore) {
+    use_store("none/of/these");
+    EXPECT_EQ(load(CHANGES + "{}"s).error, "set.ndjson:7: an object of a data set has exactly one key\n");
+    EXPECT_FALSE(std::filesystem::exists(folder() + "/none"));
+    EXPECT_EQ(run({"load", "none.ndjson"}).status, 1);
+    EXPECT_FALSE(std::filesystem::exists(folder() + "/none"));
+    std::filesystem::create_directory(folder() + "/empty");
+    use_store("empty");
+    EXPECT_EQ(load(CHANGES + "{}"s).status, 1);
+    EXPECT_TRUE(std::filesystem::is_empty(folder() + "/empty"));
+    EXPECT_EQ(run({"dump"}).error, "perf-store: lmdb:" + folder() + "/empty: Store client not available\n");
+    load_good(BEFORE);
+    EXPECT_EQ(dump(), BEFORE);
+}
+
+TEST_F(BadInput, ARefusedSetLeavesTheStoresSize) {
+    const auto before = std::filesystem::file_size(data_file());
+    std::string set;
+    for (int i = 0; i < 3000; ++i) {
+        set += item_at("values/" + std::to_string(i)) + "\n";
+    }
+    EXPECT_EQ(load(set + "{}").status, 1);
+    EXPECT_EQ(std::filesystem::file_size(data_file()), before);
 }
 
 TEST_F(BadInput, StandardInputHasAName) {
@@ -135,6 +161,12 @@ TEST_F(BadInput, NotAnObjectWithOneKey) {
     expect("null", "expected an object, found null");
     expect("{}", "an object of a data set has exactly one key");
     expect(R"({"dataset":{"version":1},"platform":{}})", "an object of a data set has exactly one key");
+}
+
+TEST_F(BadInput, ObjectsWithoutWhiteSpaceBetween) {
+    const std::string interface = R"({"interface":{"handle":1,"name":"eth0"}})";
+    expect(interface + interface, "no white space behind an object");
+    expect_refused(interface + "\n" + interface + "," + interface, "set.ndjson:2: no white space behind an object");
 }
 
 TEST_F(BadInput, UnknownKey) {
@@ -252,6 +284,30 @@ TEST_F(BadInput, Record) {
     expect(item_with(R"({"Average":1,"Average":1})"), "item.record.Average: given twice");
 }
 
+std::string item_of(const std::string &type, const std::string &record) {
+    return R"({"item":{"root":"main","node":0,"path":"values/b","type":")" + type + R"(","record":)" + record + "}}";
+}
+
+// A value of each schema type that is wrong for it.
+TEST_F(BadInput, RecordValues) {
+    const auto expect_value = [&](const char *type, const char *record, const char *message) {
+        expect(item_of(type, record), std::string("item.record.") + message);
+    };
+    expect_value("pm_intf_parcel", R"({"SourceAddress":"10.0.0"})", "SourceAddress: 10.0.0 is not an IPv4 address");
+    expect_value("pm_intf_parcel", R"({"SourceV6Address":"10.0.0.1"})",
+                 "SourceV6Address: 10.0.0.1 is not an IPv6 address");
+    expect_value("pm_intf_parcel", R"({"SourceMacAddress":"00:11"})", "SourceMacAddress: 00:11 is not a MAC address");
+    expect_value("pm_intf_parcel", R"({"InterfaceName":1})", "InterfaceName: expected text, found a number");
+    expect_value("pm_intf_parcel", R"({"InterfaceName":"a\u0000b"})", "InterfaceName: text holds a zero byte");
+    expect_value("pm_intf_parcel", R"({"DelayMeasurementSessions":{}})",
+                 "DelayMeasurementSessions: expected an array, found an object");
+    expect_value("pm_chkpt_scb_parcel", R"({"buf":"123"})", "buf: expected an even number of hexadecimal digits");
+    expect_value("pm_segment_parcel", R"({"IPAddress":"10.0.0.256"})", "IPAddress: 10.0.0.256 is not an address");
+    expect_value("pm_segment_parcel", R"({"IPAddress":{"IPAddressType":2,"IPv4":"10.0.0.1"}})",
+                 "IPAddress.IPv4: is not the arm that IPAddressType 2 selects");
+    expect_value("pm_segment_parcel", R"({"MPLSLabel":"4294967296"})", "MPLSLabel: 4294967296 is out of range for D");
+}
+
 TEST_F(BadInput, Path) {
     expect(item_at(""), "item.path: an empty path");
     expect(item_at("/values"), "item.path: a path begins below its branch, without '/'");
@@ -294,6 +350,34 @@ TEST_F(BadInput, APrettyPrintedSetsErrorNamesTheMembersOwnLine) {
     expect_refused("\n\n{\n\"node\":\n{\n\"id\": 1\n}\n}\n", "set.ndjson:5: node.name: is missing");
 }
 
+// The first hundred bytes are enough to find the rest.
+TEST_F(BadInput, WhatAMessageRepeatsIsCut) {
+    const std::string text(1'000'000, '7');
+    const std::string cut = std::string(100, '7') + "...";
+    expect(R"({")" + text + R"(":{}})", cut + ": unknown object");
+    expect(R"({"node":{")" + text + R"(":1}})", "node." + cut + ": unknown member");
+    expect(R"({"node":{"id":")" + text + R"("}})", "node.id: " + cut + " is out of range for N");
+    expect(R"({"node":{"id":"a)" + text + R"("}})", "node.id: a" + cut.substr(1) + " is not an integer");
+    expect(R"({"publisher":{"root":")" + text + R"("}})", "publisher.root: unknown root " + cut);
+    expect(R"({"publisher":{"root":"main","node":1,"state":")" + text + R"("}})",
+           "publisher.state: unknown state " + cut);
+    expect(R"({"item":{"root":"main","node":1,"path":"a","type":")" + text + R"("}})",
+           "item.type: unknown record type " + cut);
+    expect(item_with(R"({")" + text + R"(":1})"), "item.record." + cut + ": unknown field");
+    expect(item_with(R"({"Average":"-)" + text + R"("})"),
+           "item.record.Average: -" + cut.substr(1) + " is out of range for D");
+    const std::string shortest(100, '7');
+    expect(R"({")" + shortest + R"(":{}})", shortest + ": unknown object");
+    // Not within a character: the 34th of three bytes each would end behind the hundredth.
+    std::string signs;
+    std::string whole_signs;
+    for (int i = 0; i < 50; ++i) {
+        signs += "\xE6\x97\xA5";
+        whole_signs = i == 32 ? signs : whole_signs;
+    }
+    expect(R"({")" + signs + R"(":{}})", whole_signs + "...: unknown object");
+}
+
 // Interface histories, each the only bundle member of the one before.
 std::string nested_history(std::size_t depth) {
     std::string record;
@@ -314,6 +398,7 @@ TEST_F(BadInput, ARecordNestedTooDeeply) {
         EXPECT_EQ(loaded.signal, 0) << depth;
         EXPECT_EQ(loaded.status, 1) << depth;
         EXPECT_TRUE(is_one_line(loaded.error)) << depth << " " << loaded.error.substr(0, 200);
+        EXPECT_LT(loaded.error.size(), 1000U) << depth;
         EXPECT_TRUE(loaded.error.starts_with("set.ndjson:1: item.record")) << loaded.error.substr(0, 200);
         EXPECT_EQ(dump(), BEFORE) << depth;
     }

@@ -233,6 +233,14 @@ TEST_F(Commands, OutputThatCannotBeWrittenIsAnError) {
     }
 }
 
+TEST_F(Commands, ALongArgumentIsNotRepeatedWhole) {
+    const std::string text(50'000, 'x');
+    EXPECT_EQ(run({"schema", text}).error, "perf-store: unknown record type " + std::string(100, 'x') + "...\n");
+    const outcome node = run({"ls", "--node", text});
+    EXPECT_EQ(node.status, 2);
+    EXPECT_LT(node.error.size(), 400U) << node.error;
+}
+
 // Loading ----------------------------------------------------------------------------------------
 
 TEST_F(Load, SaysHowManyItemsThereWere) {
@@ -240,6 +248,28 @@ TEST_F(Load, SaysHowManyItemsThereWere) {
     EXPECT_EQ(loaded.status, 0);
     EXPECT_EQ(loaded.error, "");
     EXPECT_EQ(loaded.out, "loaded 2 items\n");
+}
+
+TEST_F(Load, WhatIsStoredStaysSoWhenNobodyCanBeTold) {
+    write_to("/dev/full");
+    const outcome loaded = load(item("main", "0", "a", 1) + item("rx", "0", "b", 2));
+    EXPECT_EQ(loaded.status, 0);
+    EXPECT_EQ(loaded.error, "perf-store: loaded 2 items, but standard output: No space left on device\n");
+    before_start([] { ::close(STDOUT_FILENO); });
+    const outcome closed = load(item("main", "0", "c", 3));
+    EXPECT_EQ(closed.status, 0);
+    EXPECT_EQ(closed.error, "perf-store: loaded 1 items, but standard output: Bad file descriptor\n");
+    before_start(nullptr);
+    write_to("");
+    EXPECT_EQ(dump(), EMPTY + publisher("main", "0", "running") + publisher("rx", "0", "running") +
+                          item("main", "0", "a", 1) + item("main", "0", "c", 3) + item("rx", "0", "b", 2));
+}
+
+TEST_F(Load, AStandardInputThatIsClosedIsNoEmptySet) {
+    before_start([] { ::close(STDIN_FILENO); });
+    const outcome loaded = run({"load", "-"});
+    EXPECT_EQ(loaded.status, 1);
+    EXPECT_EQ(loaded.error, "perf-store: <stdin>: Bad file descriptor\n");
 }
 
 TEST_F(Load, AnEmptySetMakesAnEmptyStore) {
@@ -337,9 +367,9 @@ TEST_F(Load, APublisherNeedsNoItems) {
 }
 
 TEST_F(Load, NumbersMayBeText) {
-    load_good(R"({"dataset":{"version":"0x1"}})"
-              R"({"platform":{"my_node":"0x1f","router_type":"010"}})"
-              R"({"interface":{"handle":"0xffffffff","name":""}})"
+    load_good(R"({"dataset":{"version":"0x1"}} )"
+              R"({"platform":{"my_node":"0x1f","router_type":"010"}} )"
+              R"({"interface":{"handle":"0xffffffff","name":""}} )"
               R"({"publisher":{"root":"main","node":"017","state":"stopped"}})");
     EXPECT_EQ(dump(), EMPTY + std::string(R"({"platform":{"my_node":31,"router_type":8,"rp_plus_datapath":false}})") +
                           "\n" + R"({"interface":{"handle":4294967295,"name":""}})" + "\n" +
@@ -370,8 +400,9 @@ TEST_F(Load, SeveralFilesAreOneSet) {
 }
 
 TEST_F(Load, ReplaceEmptiesTheStoreFirst) {
-    load_good(R"({"platform":{"my_node":1}})" + node("0", "rp0") + R"({"interface":{"handle":1,"name":"eth0/1/0/4"}})" +
-              publisher("rx", "0", "stopped") + item("main", "0", "a", 1));
+    load_good(R"({"platform":{"my_node":1}} )" + node("0", "rp0") +
+              R"({"interface":{"handle":1,"name":"eth0/1/0/4"}} )" + publisher("rx", "0", "stopped") +
+              item("main", "0", "a", 1));
     write("set.ndjson", node("7", "lc7") + item("resp", "7", "b", 2));
     const outcome loaded = run({"load", "--replace", "set.ndjson"});
     EXPECT_EQ(loaded.status, 0) << loaded.error;
@@ -444,9 +475,9 @@ TEST_F(Dump, OfADumpIsTheSameDumpForRecordsOfEveryType) {
 }
 
 TEST_F(Dump, OfAStoreThatWasLoadedInPiecesIsThatOfItsDump) {
-    load_good(R"({"platform":{"active_rp":0}})" + node("9", "lc9") + node("3", "lc3"));
+    load_good(R"({"platform":{"active_rp":0}} )" + node("9", "lc9") + node("3", "lc3"));
     load_good(item("rx", "3", "z", 1) + item("rx", "3", "a", 1) + publisher("chkpt", "9", "starting"));
-    load_good(node("9", "lc8") + R"({"interface":{"handle":77,"name":"eth0\n\"\\"}})" + item("main", "9", "a", 1));
+    load_good(node("9", "lc8") + R"({"interface":{"handle":77,"name":"eth0\n\"\\"}} )" + item("main", "9", "a", 1));
     const std::string first = dump();
     use_store("other");
     load_good(first);
@@ -457,7 +488,7 @@ class DumpPart : public Dump {
 protected:
     void SetUp() override {
         Dump::SetUp();
-        load_good(node("256", "rp0") + R"({"interface":{"handle":1,"name":"eth0/1/0/4"}})" +
+        load_good(node("256", "rp0") + R"({"interface":{"handle":1,"name":"eth0/1/0/4"}} )" +
                   item("main", "256", "intf/detail/eth0", 1) + item("main", "256", "intf/detail/eth1", 2) +
                   item("main", "256", "session/1f", 3) + item("main", "512", "intf/detail/eth0", 4) +
                   item("rx", "256", "intf/detail/eth0", 5) + publisher("rx", "512", "stopped"));

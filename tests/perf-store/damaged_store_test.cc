@@ -9,6 +9,8 @@
 #include "platform/local/local_store_records.h"
 #include "platform/local/parcel_codec.h"
 #include "platform/local/store.h"
+#include "schema/pm_descriptors.h"
+#include "schema/pm_records.h"
 
 namespace {
 
@@ -25,9 +27,9 @@ constexpr char ONE_MORE[] =
 
 // A store of several pages: two levels of the tree, values beside their keys and values in pages of their own.
 std::string many_items() {
-    std::string set = R"({"platform":{"my_node":0}})"
-                      R"({"node":{"id":0,"name":"rp0"}}{"node":{"id":1,"name":"lc1"}})"
-                      R"({"interface":{"handle":1,"name":"eth0/1/0/4"}})";
+    std::string set = R"({"platform":{"my_node":0}} )"
+                      R"({"node":{"id":0,"name":"rp0"}} {"node":{"id":1,"name":"lc1"}} )"
+                      R"({"interface":{"handle":1,"name":"eth0/1/0/4"}} )";
     for (int i = 0; i < 150; ++i) {
         set += R"({"item":{"root":"main","node":0,"path":"values/)" + std::to_string(i) +
                R"(","type":"pm_values_parcel","record":{"Average":)" + std::to_string(i) + "}}}\n";
@@ -355,6 +357,38 @@ TEST_F(OtherStore, WithAnyNameOfAPartnerNeverEndsACommandBySignal) {
         EXPECT_EQ(dumped.out.find('\xF6'), std::string::npos) << "the dump is no UTF-8";
         expect_survives(load_one_more(), "load");
     }
+}
+
+// Texts of a record that JSON cannot hold: what was written before it is whole lines.
+TEST_F(OtherStore, WithATextThatIsNotUtf8GivesNoPartOfItsLine) {
+    const std::string good = "Im\0\0\0\0good"s;
+    const std::string bad = "Im\0\0\0\0later"s;
+    pm_intf_parcel record{};
+    record.InterfaceName = "eth0";
+    const key_and_value first = record_under(good, &record, pm_intf_parcel_descriptor());
+    record.InterfaceHandle = 7;
+    record.InterfaceName = "K\xF6ln";
+    make({FORMAT, first, record_under(bad, &record, pm_intf_parcel_descriptor())});
+    const std::string error = "perf-store: main 0 later: a text is not UTF-8\n";
+    const std::string sound =
+        R"({"item":{"root":"main","node":0,"path":"good","type":"pm_intf_parcel","record":{"InterfaceName":"eth0"}}})"
+        "\n";
+    const outcome dumped = run({"dump"});
+    EXPECT_EQ(dumped.status, 1);
+    EXPECT_EQ(dumped.error, error);
+    EXPECT_EQ(dumped.out, "{\"dataset\":{\"version\":1}}\n" + sound);
+    const outcome got = run({"get", "--root", "main", "--node", "0", "later"});
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.error, error);
+    EXPECT_EQ(got.out, "");
+    EXPECT_EQ(run({"get", "--root", "main", "--node", "0", "good"}).status, 0);
+    local_node node{};
+    node.Name = "K\xF6ln";
+    make({FORMAT, record_under("N\0\0\0\0"s, &node, local_node_descriptor())});
+    const outcome nodes = run({"dump"});
+    EXPECT_EQ(nodes.status, 1);
+    EXPECT_EQ(nodes.error, "perf-store: node: a text is not UTF-8\n");
+    EXPECT_EQ(nodes.out, "{\"dataset\":{\"version\":1}}\n");
 }
 
 TEST_F(OtherStore, OfAnUnknownPublisherStateIsRefused) {

@@ -81,6 +81,17 @@ TEST_F(DocumentStream, DocumentsMayTakeSeveralLines) {
     EXPECT_EQ(documents("[\n  1\n]\n\n[\n\n2]\n[3\n]"), (texts{"1", "2", "3"}));
 }
 
+TEST_F(DocumentStream, DocumentsStandApart) {
+    EXPECT_EQ(documents("[1]\n[2][3]"), (texts{"1", "2", "failure set.ndjson:2: no white space behind an object"}));
+    EXPECT_EQ(documents("{}x"), (texts{"?", "failure set.ndjson:1: no white space behind an object"}));
+    // Where one piece ends with the first and the next begins with the second.
+    for (std::size_t before = PIECE - 4; before < PIECE; ++before) {
+        const texts found = documents(std::string(before, '\n') + "[1][2]");
+        ASSERT_EQ(found.size(), 2U) << before;
+        EXPECT_EQ(found[1], "failure set.ndjson:" + std::to_string(before + 1) + ": no white space behind an object");
+    }
+}
+
 TEST_F(DocumentStream, AnEmptyFileHasNoDocument) { EXPECT_EQ(documents(""), texts{}); }
 
 TEST_F(DocumentStream, WhiteSpaceAloneIsNoDocument) {
@@ -96,7 +107,7 @@ TEST_F(DocumentStream, WhiteSpaceBeforeAndBehindIsPassed) {
 TEST_F(DocumentStream, AMissingFileIsAFailureWithItsReason) {
     document_stream in(name());
     json_document document;
-    EXPECT_EQ(in.problem(), name() + ": No such file or directory");
+    EXPECT_EQ(in.problem(), "perf-store: " + name() + ": No such file or directory");
     EXPECT_EQ(in.next(&document), stream_result::failure);
     EXPECT_EQ(in.next(&document), stream_result::failure);
 }
@@ -106,7 +117,7 @@ TEST_F(DocumentStream, AFolderIsAFailureWithItsReason) {
     document_stream in(folder);
     json_document document;
     EXPECT_EQ(in.next(&document), stream_result::failure);
-    EXPECT_EQ(in.problem(), folder + ": Is a directory");
+    EXPECT_EQ(in.problem(), "perf-store: " + folder + ": Is a directory");
 }
 
 TEST_F(DocumentStream, TheDocumentsBeforeAnErrorAreGiven) {

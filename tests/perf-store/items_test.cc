@@ -161,6 +161,13 @@ TEST_F(Items, GetOfAMissingItemSaysWhichOne) {
                    "perf-store: resp 0x100 intf: Item not found\n", before);
 }
 
+TEST_F(Items, ALongPathIsNotRepeatedWhole) {
+    const std::string path(50'000, 'p');
+    const std::string error = "perf-store: main 0x100 " + std::string(400, 'p') + "...: Item not found\n";
+    EXPECT_EQ(get({path}).error, error);
+    EXPECT_EQ(rm({path}).error, error);
+}
+
 // rm ---------------------------------------------------------------------------------------------
 
 TEST_F(Items, RmRemovesOneItemAndNothingElse) {
@@ -197,6 +204,24 @@ TEST_F(Items, RmOfAMissingItemRemovesNothing) {
     expect_refused(rm({"intf/detail"}), "perf-store: main 0x100 intf/detail: Item not found\n", before);
     expect_refused(rm({"-r", "intf/det"}), "perf-store: main 0x100 intf/det: Item not found\n", before);
     expect_refused(rm({"--recursive", "intf", "scb"}), "perf-store: main 0x100 scb: Item not found\n", before);
+}
+
+TEST_F(Items, RmOfWhatAnEarlierPathRemovedIsNoError) {
+    const std::string before = dump();
+    const std::vector<std::pair<std::vector<std::string>, std::string>> calls = {
+        {{"intf", "intf"}, "1"},
+        {{"-r", "intf/detail/eth0", "intf/detail/eth0/1"}, "3"},
+        {{"-r", "intf/detail/eth0/1", "intf/detail/eth0"}, "3"},
+        {{"-r", "intf/detail/eth0", "intf/detail", "intf/detail/eth0/1/x"}, "5"},
+    };
+    for (const auto &[paths, count] : calls) {
+        const outcome removed = rm(paths);
+        EXPECT_EQ(removed.status, 0) << removed.error;
+        EXPECT_EQ(removed.error, "");
+        EXPECT_EQ(removed.out, "removed " + count + " items\n");
+        load_good(before);
+    }
+    expect_refused(rm({"-r", "intf", "intf/no"}), "perf-store: main 0x100 intf/no: Item not found\n", before);
 }
 
 TEST_F(Items, RmRecursivelyRemovesAnItemAndWhatIsBelowIt) {
@@ -308,6 +333,15 @@ TEST_F(Items, OutputThatCannotBeWrittenIsAnError) {
     const outcome got = get({"intf"});
     EXPECT_EQ(got.status, 1);
     EXPECT_TRUE(is_one_line(got.error)) << got.error;
+}
+
+TEST_F(Items, WhatIsRemovedStaysSoWhenNobodyCanBeTold) {
+    write_to("/dev/full");
+    const outcome removed = rm({"intf", "intf/detail/eth0"});
+    EXPECT_EQ(removed.status, 0);
+    EXPECT_EQ(removed.error, "perf-store: removed 2 items, but standard output: No space left on device\n");
+    write_to("");
+    EXPECT_EQ(get({"intf"}).status, 1);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // A reader whose map is smaller than what a writer has made of the store since.
 #include <gtest/gtest.h>
 #include <lmdb.h>
+#include <sys/resource.h>
 
 #include "stress/stress_support.h"
 
@@ -63,6 +64,32 @@ TEST(MapGrowth, IsFollowedByAReaderThatOpenedTheStoreBefore) {
         good = good && run_command(PERF_STORE " load " + folder.path() + "/more", store).status == 0;
         return good && size_of(store) > 2 * SMALL_MAP && list_interfaces(check_item) == ERRCODE_SUCCESS &&
                shown == ITEMS && whole;
+    });
+    EXPECT_TRUE(reader.wait(10));
+}
+
+// As above, by a reader whose address space is smaller than the map.
+TEST(MapGrowth, IsFollowedWithinALimitedAddressSpace) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer needs all of the address space";
+#endif
+    const temporary_folder folder;
+    const std::string store = folder.path() + "/store";
+    std::string set;
+    for (unsigned i = 0; i < ITEMS; ++i) {
+        set += interface_line(padded("eth", i), 1, 100);
+    }
+    write_file(folder.path() + "/few", interface_line(padded("eth", 0), 1, 100));
+    write_file(folder.path() + "/set", set);
+    ASSERT_TRUE(load(store, folder.path() + "/few"));
+    running_process reader([&] {
+        constexpr rlimit LIMIT{std::size_t{3} << 30, std::size_t{3} << 30};
+        setenv("OPSTORE_URL", ("lmdb:" + store).c_str(), 1);
+        static_cast<void>(!std::freopen("/dev/null", "w", stdout));
+        bool good = setrlimit(RLIMIT_AS, &LIMIT) == 0 && list_interfaces(check_item) == ERRCODE_SUCCESS && shown == 1;
+        shown = 0;
+        good = good && run_command(PERF_STORE " load " + folder.path() + "/set", store).status == 0;
+        return good && list_interfaces(check_item) == ERRCODE_SUCCESS && shown == ITEMS && whole;
     });
     EXPECT_TRUE(reader.wait(10));
 }

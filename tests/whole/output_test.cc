@@ -35,6 +35,18 @@ TEST_F(Output, AClosedStandardOutputIsReportedOnce) {
     EXPECT_EQ(result.err, "perf-show: cannot write to standard output: Bad file descriptor\n");
 }
 
+// Else the store's own files would take the numbers that are free.
+TEST_F(Output, ClosedStandardFilesNeverBecomeTheStore) {
+    for (const char *closed : {" <&- >&-", " >&- 2>&-", " <&- >&- 2>&-"}) {
+        EXPECT_EQ(run(std::string(PERF_SHOW " -c 9") + closed).status, 1) << closed;
+        EXPECT_EQ(read_file(folder_.path() + "/lock.mdb").find("---"), std::string::npos) << closed;
+    }
+    EXPECT_EQ(run(PERF_STORE " load " PM_EXAMPLE " <&- >&- 2>&-").status, 0);
+    const command_result show = run(PERF_SHOW " -c 9");
+    EXPECT_EQ(show.status, 0);
+    EXPECT_EQ(show.err, "");
+}
+
 TEST_F(Output, AndMessagesKeepTheirOrder) {
     const command_result result = run(PERF_SHOW " -c 9 -N 0x100 -e nonsense 2>&1 | head -c 30");
     EXPECT_TRUE(result.out.starts_with("Invalid IP address\n---")) << result.out;

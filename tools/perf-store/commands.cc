@@ -8,6 +8,7 @@
 #include "platform/local/store_writer.h"
 #include "schema/pm_descriptors.h"
 #include "store_reader.h"
+#include "value_text.h"
 
 namespace perf_store {
 
@@ -27,6 +28,15 @@ struct usage {
 int report(const std::string &problem) {
     static_cast<void>(std::fprintf(stderr, "perf-store: %s\n", problem.c_str()));
     return EXIT_REFUSED;
+}
+
+int report_done(const std::string &what) {
+    output_file out;
+    out.buffer() = what + "\n";
+    if (const std::string problem = out.flush(); !problem.empty()) {
+        report(what + ", but " + problem);
+    }
+    return EXIT_DONE;
 }
 
 int run_load(const std::vector<std::string> &files, bool replace) {
@@ -49,8 +59,7 @@ int run_load(const std::vector<std::string> &files, bool replace) {
     if (!problem.empty()) {
         return report(problem);
     }
-    print("loaded %llu items\n", static_cast<unsigned long long>(loader.items()));
-    return EXIT_DONE;
+    return report_done("loaded " + std::to_string(loader.items()) + " items");
 }
 
 int run_dump(const dump_filter &filter) {
@@ -95,7 +104,7 @@ int run_types() {
 int run_schema(const std::string &name) {
     const parcel_descriptor *type = pm_find_descriptor(name);
     if (type == nullptr) {
-        return report("unknown record type " + name);
+        return report("unknown record type " + on_one_line(excerpt(name)));
     }
     print("type    %s\nversion %u.%u\nlibrary %s\nsize    %llu\n\n", type->name, type->version_major,
           type->version_minor, type->library, static_cast<unsigned long long>(type->layout[0].size));

@@ -44,17 +44,20 @@ private:
     errcode code_;
 };
 
-// Decodes a record and passes it to `use`; a failure names the object.
+// Decodes a record and passes it to `use`, which appends its line to `out`; a failure names the object and
+// leaves no part of the line.
 template <class Use>
 std::string with_record(const std::string &what, std::string_view parcel, const parcel_descriptor *descriptor,
-                        Use use) {
+                        std::string *out, Use use) {
     const decoded record(parcel, descriptor);
     if (record.code() != ERRCODE_SUCCESS) {
         return what + ": " + errcode_strerror(record.code());
     }
+    const std::size_t begin = out->size();
     try {
         return use(record);
     } catch (const std::runtime_error &problem) {
+        out->resize(begin);
         return what + ": " + problem.what();
     }
 }
@@ -151,7 +154,7 @@ private:
     }
 
     std::string dump_platform(std::string_view /*key*/, std::string_view value) {
-        return with_record("platform", value, local_platform_descriptor(), [&](const decoded &decoded) {
+        return with_record("platform", value, local_platform_descriptor(), &line_, [&](const decoded &decoded) {
             const auto &record = decoded.as<local_platform>();
             begin_object("platform");
             if (record.MyNode != nullptr) {
@@ -180,7 +183,7 @@ private:
     }
 
     std::string dump_node(std::string_view /*key*/, std::string_view value) {
-        return with_record("node", value, local_node_descriptor(), [&](const decoded &decoded) {
+        return with_record("node", value, local_node_descriptor(), &line_, [&](const decoded &decoded) {
             const auto &record = decoded.as<local_node>();
             begin_object("node");
             add_number("id", record.Id);
@@ -200,7 +203,7 @@ private:
     }
 
     std::string dump_interface(std::string_view key, std::string_view value) {
-        return with_record("interface", value, local_interface_descriptor(), [&](const decoded &decoded) {
+        return with_record("interface", value, local_interface_descriptor(), &line_, [&](const decoded &decoded) {
             const char *name = decoded.as<local_interface>().Name;
             begin_object("interface");
             add_number("handle", parse_number(key.substr(1)));
@@ -211,7 +214,7 @@ private:
 
     std::string dump_publisher(std::string_view key, std::string_view value) {
         const item_key branch = parse_item_key(key);
-        return with_record("publisher", value, local_publisher_descriptor(), [&](const decoded &decoded) {
+        return with_record("publisher", value, local_publisher_descriptor(), &line_, [&](const decoded &decoded) {
             const auto state = static_cast<store::publisher_state>(decoded.as<local_publisher>().State);
             const char *word = nullptr;
             for (const state_name &each : PUBLISHER_STATES) {
@@ -300,9 +303,9 @@ std::string append_item(const item_key &item, std::string_view parcel, json_fiel
     }
     const parcel_descriptor *type = pm_find_descriptor(header.type);
     if (type == nullptr) {
-        return what + ": unknown record type " + std::string(header.type);
+        return what + ": unknown record type " + on_one_line(excerpt(header.type));
     }
-    return with_record(what, parcel, type, [&](const decoded &record) {
+    return with_record(what, parcel, type, out, [&](const decoded &record) {
         *out += "{\"item\":{\"root\":\"";
         *out += item.root.word;
         *out += "\",\"node\":";

@@ -22,8 +22,8 @@ struct dump_filter {
     [[nodiscard]] bool everything() const { return !root && !node && path_prefix.empty(); }
 };
 
-// Appends an item as an object of a data set, on a line. An empty text, or what is wrong with it; the
-// line is then in any state.
+// Appends an item as an object of a data set, on a line. An empty text, or what is wrong with it; then
+// nothing is appended.
 [[nodiscard]] std::string append_item(const item_key &item, std::string_view parcel, json_fields fields,
                                       std::string *out);
 

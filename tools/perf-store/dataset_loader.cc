@@ -12,6 +12,7 @@
 #include "progress.h"
 #include "record_shape.h"
 #include "schema/pm_descriptors.h"
+#include "value_text.h"
 
 namespace perf_store {
 
@@ -169,7 +170,7 @@ const char *dataset_loader::keep_text(const json_node &node) {
 store::root dataset_loader::read_root(const json_node &node) {
     const store::root_name *known = find_word(store::ROOTS, reader_.read_text(node));
     if (known == nullptr) {
-        reader_.fail(node, "unknown root " + std::string(node.text));
+        reader_.fail(node, "unknown root " + excerpt(node.text));
     }
     return known->id;
 }
@@ -268,7 +269,7 @@ void dataset_loader::load_item(const json_node &node) {
     all.required("type", [&](const json_node &value) {
         type = pm_find_descriptor(reader_.read_text(value));
         if (type == nullptr) {
-            reader_.fail(value, "unknown record type " + std::string(value.text));
+            reader_.fail(value, "unknown record type " + excerpt(value.text));
         }
     });
     all.required("record", [&](const json_node &value) {
@@ -293,7 +294,7 @@ void dataset_loader::load_publisher(const json_node &node) {
     all.required("state", [&](const json_node &value) {
         state = find_word(PUBLISHER_STATES, reader_.read_text(value));
         if (state == nullptr) {
-            reader_.fail(value, "unknown state " + std::string(value.text));
+            reader_.fail(value, "unknown state " + excerpt(value.text));
         }
     });
     stored(store_->put_publisher(root, node_id, state->state));

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,7 +13,8 @@ namespace perf_store {
 
 namespace {
 
-constexpr std::size_t PIECE = 1 << 20;    // bytes read at a time
+constexpr std::size_t PIECE = 1 << 20;  // bytes read at a time
+constexpr std::string_view WHITE_SPACE = " \t\r\n";
 constexpr std::size_t TOKEN_LENGTH = 16;  // an error this close to the end may be a token cut in two
 
 }  // namespace
@@ -25,9 +27,12 @@ document_stream::document_stream(std::string path) : name_(std::move(path)), buf
         file_ = ::open(name_.c_str(), O_RDONLY | O_CLOEXEC);
     }
     if (file_ < 0) {
-        problem_ = name_ + ": " + std::strerror(errno);
+        unreadable(errno);
     }
 }
+
+// The file itself is the matter, and no place in it: a message like any other of the program.
+void document_stream::unreadable(int failure) { problem_ = "perf-store: " + name_ + ": " + std::strerror(failure); }
 
 document_stream::~document_stream() {
     if (file_ > STDIN_FILENO) {
@@ -52,7 +57,7 @@ bool document_stream::read_more() {
     while (!at_end_ && filled_ < buffer_.size() - 1) {
         const ssize_t got = ::read(file_, buffer_.data() + filled_, buffer_.size() - 1 - filled_);
         if (got < 0 && errno != EINTR) {
-            problem_ = name_ + ": " + std::strerror(errno);
+            unreadable(errno);
             return false;
         }
         at_end_ = got == 0;
@@ -69,11 +74,28 @@ void document_stream::pass_document() {
     length_ = 0;
 }
 
+// Looks at what stands behind a document. False when that is no white space.
+bool document_stream::pass_separator() {
+    if (at_ == filled_ && !at_end_ && !read_more()) {
+        return false;
+    }
+    const char next = buffer_[at_];  // a zero byte at the end, and wherever that is an error by itself
+    if (next != '\0' && WHITE_SPACE.find(next) == std::string_view::npos) {
+        problem_ = place(0) + "no white space behind an object";
+        return false;
+    }
+    return true;
+}
+
 stream_result document_stream::next(json_document *document) {
     if (!problem_.empty()) {
         return stream_result::failure;
     }
+    const bool behind_document = length_ > 0;
     pass_document();
+    if (behind_document && !pass_separator()) {
+        return stream_result::failure;
+    }
     for (;;) {
         const char *what = nullptr;
         const std::size_t left = filled_ - at_;

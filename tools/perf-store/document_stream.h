@@ -31,8 +31,10 @@ public:
     [[nodiscard]] std::uint64_t bytes_in_all() const;
 
 private:
+    void unreadable(int failure);
     [[nodiscard]] bool read_more();
     void pass_document();
+    [[nodiscard]] bool pass_separator();
 
     std::string name_;
     std::string problem_;

@@ -75,27 +75,30 @@ int run_rm(const store::root_name &root, std::uint32_t node, const std::vector<s
         return report(describe_store(OPSTORE_NO_CLIENT));
     }
     store::writer store;
-    std::uint64_t removed_in_all = 0;
     store::problem problem = store.begin(store::configured_url());
+    for (const std::string &path : paths) {  // what one path removes another may name too
+        bool found = false;
+        if (problem.empty()) {
+            problem = store.has_item(root.id, node, path, recursive, &found);
+        }
+        if (problem.empty() && !found) {
+            problem = describe_item({root, node, path}) + ": " + errcode_strerror(ERRCODE_NOT_FOUND);
+        }
+    }
+    std::uint64_t removed = 0;
     for (const std::string &path : paths) {
-        std::uint64_t removed = 0;
         if (problem.empty()) {
             problem = store.remove_item(root.id, node, path, &removed);
         }
         if (problem.empty() && recursive) {
             problem = store.remove_below(root.id, node, path, &removed);
         }
-        if (problem.empty() && removed == 0) {
-            problem = describe_item({root, node, path}) + ": " + errcode_strerror(ERRCODE_NOT_FOUND);
-        }
-        removed_in_all += removed;
     }
     problem = problem.empty() ? store.commit() : problem;
     if (!problem.empty()) {
         return report(problem);
     }
-    static_cast<void>(std::printf("removed %llu items\n", static_cast<unsigned long long>(removed_in_all)));
-    return EXIT_DONE;
+    return report_done("removed " + std::to_string(removed) + " items");
 }
 
 }  // namespace perf_store

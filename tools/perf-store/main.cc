@@ -35,7 +35,7 @@ std::string check_node(const std::string &text) {
     std::uint64_t value = 0;
     bool negative = false;
     const bool good = read_integer(text, &value, &negative) == number_result::ok && !negative && value <= 0xFFFFFFFF;
-    return good ? std::string() : text + " is not a node id";
+    return good ? std::string() : on_one_line(excerpt(text)) + " is not a node id";
 }
 
 // The options that name a branch.

@@ -41,13 +41,19 @@ private:
         bool is_element;  // of an array
     };
 
+    // Of a path deeper than any that is meant, the middle is left out.
     [[nodiscard]] std::string text() const {
+        constexpr std::size_t SHOWN_AT_EACH_END = 16;
         std::string result;
-        for (const step &each : steps_) {
-            if (each.is_element) {
-                result += "[" + std::to_string(each.index) + "]";
+        for (std::size_t i = 0; i < steps_.size(); ++i) {
+            if (i == SHOWN_AT_EACH_END && steps_.size() > 2 * SHOWN_AT_EACH_END) {
+                i = steps_.size() - SHOWN_AT_EACH_END;
+                result += "...";
+            }
+            if (steps_[i].is_element) {
+                result += "[" + std::to_string(steps_[i].index) + "]";
             } else {
-                result += (result.empty() ? "" : ".") + std::string(each.name);
+                result += (result.empty() ? "" : ".") + excerpt(steps_[i].name);
             }
         }
         return result.empty() ? result : result + ": ";

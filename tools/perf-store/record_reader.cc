@@ -71,7 +71,7 @@ void record_reader::require(const json_node &node, json_kind wanted) {
 }
 
 void record_reader::out_of_range(const json_node &node, const char *type) const {
-    fail(node, std::string(node.text) + " is out of range for " + type);
+    fail(node, excerpt(node.text) + " is out of range for " + type);
 }
 
 // The integer of a number or of text in C notation, as 64 bits.
@@ -85,7 +85,7 @@ std::uint64_t record_reader::integer(const json_node &node, const char *type, bo
     case number_result::out_of_range: out_of_range(node, type);
     case number_result::not_a_number: break;
     }
-    fail(node, (node.text.empty() ? "empty text" : std::string(node.text)) + " is not an integer");
+    fail(node, (node.text.empty() ? "empty text" : excerpt(node.text)) + " is not an integer");
 }
 
 std::uint64_t record_reader::read_unsigned(const json_node &node, std::uint64_t largest, const char *type) {
@@ -229,7 +229,7 @@ void record_reader::read_address(const json_node &node, const record_shape &shap
     } else if (read_ipv6(text, to + shape.arm_of(IPV6_VALUE)->offset)) {
         put(to, IPV6_VALUE);
     } else {
-        fail(node, std::string(text) + " is not an address");
+        fail(node, excerpt(text) + " is not an address");
     }
 }
 
@@ -274,7 +274,7 @@ void record_reader::read_octets(const json_node &node, const value_shape &shape,
     const std::string_view text = read_text(node);
     const auto check = [&](bool good, const char *what) {
         if (!good) {
-            fail(node, std::string(text) + " is not " + what);
+            fail(node, excerpt(text) + " is not " + what);
         }
     };
     if (shape.what == kind::ipv4) {

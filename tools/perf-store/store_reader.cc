@@ -48,7 +48,8 @@ errcode read_batch(store::environment *store, std::string_view prefix, std::stri
 
 std::string describe_store(errcode code) {
     const char *folder = store::folder_of(store::configured_url());
-    const std::string denied = code == OPSTORE_NO_CLIENT && folder != nullptr ? store::access_problem(folder) : "";
+    const std::string denied =
+        code == OPSTORE_NO_CLIENT && folder != nullptr ? store::check_access(folder).problem : "";
     return denied.empty() ? std::string(store::configured_url()) + ": " + errcode_strerror(code) : denied;
 }
 
@@ -92,7 +93,7 @@ std::uint32_t parse_number(std::string_view text) {
 std::string describe_item(const item_key &item) {
     char node[16];
     std::snprintf(node, sizeof node, " %#x ", item.node);
-    return item.root.word + std::string(node) + on_one_line(item.path);
+    return item.root.word + std::string(node) + on_one_line(excerpt(item.path, store::MAX_PATH_LENGTH));
 }
 
 item_key parse_item_key(std::string_view key) {

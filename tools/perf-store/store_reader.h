@@ -10,7 +10,7 @@
 
 namespace perf_store {
 
-// Says what is wrong with the store that `url` names, as the user should read it.
+// Says what is wrong with the store that OPSTORE_URL names, as the user should read it.
 [[nodiscard]] std::string describe_store(errcode code);
 
 // Calls visit(key, parcel) for every record whose key begins with `prefix`, in order. Each batch is one
@@ -22,7 +22,7 @@ namespace perf_store {
 // What visit may return when it has seen enough.
 inline constexpr char STOP[] = "stop";
 
-// An item's key taken apart.
+// An item's key taken apart. A publisher's has the same form, without a path.
 struct item_key {
     store::root_name root;
     std::uint32_t node;
@@ -32,7 +32,6 @@ struct item_key {
 [[nodiscard]] item_key parse_item_key(std::string_view key);
 // "main 0x100 intf/detail/eth0/1/0/4", for messages.
 [[nodiscard]] std::string describe_item(const item_key &item);
-// A publisher's key has the same form without a path.
 
 // The big-endian number at the front of `text`.
 [[nodiscard]] std::uint32_t parse_number(std::string_view text);

@@ -162,6 +162,17 @@ bool is_utf8(std::string_view text) {
     return true;
 }
 
+std::string excerpt(std::string_view text, std::size_t longest) {
+    if (text.size() <= longest) {
+        return std::string(text);
+    }
+    std::size_t length = longest;
+    while (length > 0 && (text[length] & 0xC0) == 0x80) {  // not within a character
+        --length;
+    }
+    return std::string(text.substr(0, length)) + "...";
+}
+
 std::string on_one_line(std::string_view text) {
     std::string result;
     for (const char c : text) {

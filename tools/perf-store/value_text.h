@@ -36,6 +36,10 @@ void append_hexadecimal(const std::uint8_t *octets, std::size_t count, std::stri
 
 [[nodiscard]] bool is_utf8(std::string_view text);
 
+// What a message repeats of a text: all of a short one, the beginning of a longer one and "..." behind it.
+inline constexpr std::size_t LONGEST_QUOTE = 100;
+[[nodiscard]] std::string excerpt(std::string_view text, std::size_t longest = LONGEST_QUOTE);
+
 // The text on one line: control characters as \xNN.
 [[nodiscard]] std::string on_one_line(std::string_view text);
 

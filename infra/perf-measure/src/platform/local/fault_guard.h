@@ -20,20 +20,33 @@ void install();
 // Ends the guarded body as a fault would.
 [[noreturn]] void abandon();
 
-// Runs `body`, which returns an errcode. A fault abandons it where it stands, so it must not own
-// anything that a destructor would have to release, and LMDB must not be called again afterwards.
+namespace detail {
+
+// Restores the landing at the end of its scope, whichever way that is left.
+class keep_landing {
+public:
+    keep_landing() = default;
+    ~keep_landing() { landing = kept_; }
+    keep_landing(const keep_landing &) = delete;
+    keep_landing &operator=(const keep_landing &) = delete;
+
+private:
+    sigjmp_buf *kept_ = landing;
+};
+
+}  // namespace detail
+
+// Runs `body`, which returns an errcode; an exception passes through. A fault abandons it where it stands, so it must
+// not own anything that a destructor would have to release, and LMDB must not be called again afterwards.
 template <class Body>
 [[nodiscard]] errcode guarded(Body body) {
     sigjmp_buf here;
-    sigjmp_buf *const outer = landing;
+    const detail::keep_landing outer;
     if (sigsetjmp(here, 0) != 0) {
-        landing = outer;
         return OPSTORE_DAMAGED;
     }
     landing = &here;
-    const errcode result = body();
-    landing = outer;
-    return result;
+    return body();
 }
 
 }  // namespace fault_guard

@@ -198,21 +198,48 @@ constexpr tunnel_rule TUNNEL_RULES[] = {
     [](text c, const tunnel &r) { return is_ipv4(c, r.TunnelDestinationIPv4Address); },
 };
 
-// Families ---------------------------------------------------------------------------------------
+// Places ---------------------------------------------------------------------------------------
 
 constexpr std::size_t PROFILE_COMPONENTS = 3;  // kind, transport and name, as they stand in the path
 
-struct family_entry {
-    std::string_view prefix;  // of the paths that it filters
+// Where the items stand that can be filtered. A name may hold anything, so "-filter/" elsewhere in a path
+// is a part of it.
+struct place_entry {
+    std::string_view place;
     family what;
-    std::size_t components;
+    std::size_t components;  // of its keys
 };
-constexpr family_entry FAMILIES[] = {
-    {"srpolicy/", family::srpolicy, std::size(POLICY_RULES)},
-    {"endpoint/", family::endpoint, std::size(ENDPOINT_RULES)},
-    {"rsvpte/", family::rsvpte, std::size(TUNNEL_RULES)},
+constexpr std::size_t POLICY_COMPONENTS = std::size(POLICY_RULES);
+constexpr std::size_t ENDPOINT_COMPONENTS = std::size(ENDPOINT_RULES);
+constexpr std::size_t TUNNEL_COMPONENTS = std::size(TUNNEL_RULES);
+constexpr place_entry PLACES[] = {
+    {"srpolicy/detail", family::srpolicy, POLICY_COMPONENTS},
+    {"srpolicy/counters", family::srpolicy, POLICY_COMPONENTS},
+    {"srpolicy/delay/probe-history", family::srpolicy, POLICY_COMPONENTS},
+    {"srpolicy/delay/aggr-history", family::srpolicy, POLICY_COMPONENTS},
+    {"srpolicy/delay/adv-history", family::srpolicy, POLICY_COMPONENTS},
+    {"srpolicy/liveness/live-history", family::srpolicy, POLICY_COMPONENTS},
+    {"endpoint/detail", family::endpoint, ENDPOINT_COMPONENTS},
+    {"endpoint/counters", family::endpoint, ENDPOINT_COMPONENTS},
+    {"endpoint/delay/probe-history", family::endpoint, ENDPOINT_COMPONENTS},
+    {"endpoint/delay/aggr-history", family::endpoint, ENDPOINT_COMPONENTS},
+    {"endpoint/delay/adv-history", family::endpoint, ENDPOINT_COMPONENTS},
+    {"endpoint/delay/live-history", family::endpoint, ENDPOINT_COMPONENTS},
+    {"rsvpte/detail", family::rsvpte, TUNNEL_COMPONENTS},
+    {"rsvpte/counters", family::rsvpte, TUNNEL_COMPONENTS},
+    {"rsvpte/delay/probe-history", family::rsvpte, TUNNEL_COMPONENTS},
+    {"rsvpte/delay/aggr-history", family::rsvpte, TUNNEL_COMPONENTS},
+    {"rsvpte/delay/adv-history", family::rsvpte, TUNNEL_COMPONENTS},
     {NAMED_PROFILES, family::profile, PROFILE_COMPONENTS},
 };
+
+// The place whose filter a path names; null when it names none.
+const place_entry *filtered_place(std::string_view item_path) {
+    const auto *found = std::find_if(std::begin(PLACES), std::end(PLACES), [&](const place_entry &each) {
+        return item_path.starts_with(each.place) && item_path.substr(each.place.size()).starts_with(FILTER);
+    });
+    return found != std::end(PLACES) ? found : nullptr;
+}
 
 // Splits a key off the front of `rest`, which keeps what follows its '/'. Components may hold a '/'; only
 // the last one ends at it.
@@ -255,26 +282,20 @@ selection select(std::string_view item_path) {
         result.path = std::string(NAMED_PROFILES) + std::string(item_path.substr(ALL_PROFILES.size()));
         return result;
     }
-    const std::size_t filter = item_path.find(FILTER);
-    if (filter == std::string_view::npos) {
+    const place_entry *filtered = filtered_place(item_path);
+    if (filtered == nullptr) {
         return result;
     }
-    for (const family_entry &each : FAMILIES) {
-        if (!item_path.starts_with(each.prefix)) {
-            continue;
-        }
-        std::string_view rest = item_path.substr(filter + FILTER.size());
-        result.what = each.what;
-        result.components = take_key(&rest, each.components);
-        result.prefix = std::string(item_path.substr(0, filter)) + "/";
-        result.path = result.prefix;
-        if (each.what == family::profile) {
-            result.first_match = !rest.empty();
-        } else {
-            result.path += rest;
-        }
-        result.components.resize(std::max(result.components.size(), each.components));
-        break;
+    std::string_view rest = item_path.substr(filtered->place.size() + FILTER.size());
+    result.what = filtered->what;
+    result.components = take_key(&rest, filtered->components);
+    result.incomplete = result.components.size() < filtered->components;
+    result.prefix = std::string(filtered->place) + "/";
+    result.path = result.prefix;
+    if (filtered->what == family::profile) {
+        result.first_match = !rest.empty();
+    } else {
+        result.path += rest;
     }
     return result;
 }
@@ -306,6 +327,9 @@ bool matcher::matches_detail(std::string_view path, std::string_view parcel, con
 }
 
 bool matcher::matches(std::string_view path, std::string_view parcel) const {
+    if (selection_.incomplete) {
+        return false;
+    }
     switch (selection_.what) {
     case family::everything: return true;
     case family::srpolicy:

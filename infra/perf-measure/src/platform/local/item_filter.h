@@ -5,8 +5,9 @@
 //   all-profile/             the named profiles
 //   name-profile-filter/KEY  the named profiles of a kind, transport and name; KEY/KEY is the first
 //
-// A key is a list of components, separated by commas; eight underscores match everything. A key with
-// another number of components, or with a component that cannot be read, matches nothing.
+// X is one of the places in item_filter.cc. A key is a list of components, separated by commas; eight
+// underscores match everything. A key with another number of components, or with a component that cannot be
+// read, matches nothing.
 #pragma once
 
 #include <string>
@@ -25,6 +26,7 @@ struct selection {
     std::string prefix;  // what its items' paths begin with, their names behind it
     family what = family::everything;
     std::vector<std::string> components;
+    bool incomplete = false;   // the key has too few of them
     bool first_match = false;  // the one item is the first under `path` that matches
 };
 

@@ -1,6 +1,5 @@
 // Whether the store can be read at all. See platform/opstore.h.
 #include <string>
-#include <unistd.h>
 
 #include "base/pm_output.h"
 #include "platform/local/store.h"
@@ -10,10 +9,9 @@
 namespace {
 
 // Tells once who may read a store that this user may not.
-void report_access(const char *folder) {
+void report(const std::string &problem) {
     static bool reported = false;
-    const std::string problem = reported ? "" : store::access_problem(folder);
-    if (!problem.empty()) {
+    if (!reported && !problem.empty()) {
         reported = true;
         pm_print_error<"perf-show: %s\n">(problem.c_str());
     }
@@ -26,6 +24,7 @@ bool opstore_client_present() {
     if (folder == nullptr) {
         return false;
     }
-    report_access(folder);
-    return ::access((std::string(folder) + "/data.mdb").c_str(), R_OK) == 0;
+    const store::access_state access = store::check_access(folder);
+    report(access.problem);
+    return access.data_readable;
 }

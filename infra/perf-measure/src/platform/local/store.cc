@@ -33,13 +33,23 @@ static_assert(sizeof(meta_page) == 152);
 constexpr std::uint32_t LMDB_MAGIC = 0xBEEFC0DE;
 constexpr std::uint32_t LMDB_VERSION = 1;
 
+// Sizes of the map that LMDB takes for another one.
+constexpr std::size_t RECORDED_MAP = 0;
+constexpr std::size_t SMALLEST_MAP = 1;  // what the file holds
+
 bool read_meta(int file, std::uint64_t at, meta_page *meta) {
     return ::pread(file, meta, sizeof *meta, static_cast<off_t>(at)) == static_cast<ssize_t>(sizeof *meta) &&
            meta->magic == LMDB_MAGIC && meta->version == LMDB_VERSION;
 }
 
-// The file's last page by its own account and by its length; false when it has no sound head.
-bool read_extent(int file, std::uint64_t *last_page, std::uint64_t *pages) {
+// How far a data file reaches: by its own account, and by its length.
+struct extent {
+    std::uint64_t accounted = 0;  // bytes
+    std::uint64_t length = 0;
+};
+
+// False when the file has no sound head.
+bool read_extent(int file, extent *out) {
     meta_page first{};
     meta_page second{};
     if (!read_meta(file, 0, &first) || first.page_size < 512 || first.page_size > 65536 ||
@@ -47,20 +57,21 @@ bool read_extent(int file, std::uint64_t *last_page, std::uint64_t *pages) {
         second.page_size != first.page_size) {
         return false;
     }
-    *last_page = first.transaction > second.transaction ? first.last_page : second.last_page;
+    const std::uint64_t last_page = first.transaction > second.transaction ? first.last_page : second.last_page;
     struct stat status {};
-    *pages = ::fstat(file, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) / first.page_size : 0;
+    const bool known = ::fstat(file, &status) == 0;
+    *out = {(last_page + 1) * first.page_size, known ? static_cast<std::uint64_t>(status.st_size) : 0};
     return true;
 }
 
 // The same of the data file in a folder.
-errcode read_extent(const char *folder, std::uint64_t *last_page, std::uint64_t *pages) {
+errcode read_extent(const char *folder, extent *out) {
     const std::string path = std::string(folder) + "/data.mdb";
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) {
         return code_of(errno);
     }
-    const bool sound = read_extent(file, last_page, pages);
+    const bool sound = read_extent(file, out);
     ::close(file);
     return sound ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
 }
@@ -185,18 +196,32 @@ std::string_view unseal(std::string_view key, std::string_view value) {
 }
 
 errcode check_file(const char *folder) {
-    std::uint64_t last_page = 0;
-    std::uint64_t pages = 0;
-    return read_extent(folder, &last_page, &pages);
+    extent ignored;
+    return read_extent(folder, &ignored);
 }
 
 bool ends_early(const char *folder) {
-    std::uint64_t last_page = 0;
-    std::uint64_t pages = 0;
-    return read_extent(folder, &last_page, &pages) == ERRCODE_SUCCESS && last_page >= pages;
+    extent found;
+    return read_extent(folder, &found) == ERRCODE_SUCCESS && found.accounted > found.length;
+}
+
+std::uint64_t accounted_size(const char *folder) {
+    extent found;
+    return read_extent(folder, &found) == ERRCODE_SUCCESS ? found.accounted : 0;
+}
+
+void occupy_standard_files() {
+    int file = 0;
+    do {
+        file = ::open("/dev/null", O_PATH);
+    } while (file >= 0 && file <= STDERR_FILENO);
+    if (file >= 0) {
+        ::close(file);
+    }
 }
 
 int create_environment(MDB_env **env) {
+    occupy_standard_files();
     const int failure = mdb_env_create(env);
     if (failure != 0) {
         return failure;
@@ -223,14 +248,13 @@ errcode environment::open(const char *folder) {
     fault_guard::install();
     bool left = false;
     const errcode result = fault_guard::guarded([&] {
-        int failure = create_environment(&env_);
-        if (failure == 0) {
-            failure = mdb_env_open(env_, folder, MDB_RDONLY | MDB_NOTLS, 0);
-        }
+        const int failure = open_file();
         left = true;
         return code_of(failure);
     });
-    damaged_ = !left;
+    if (!left) {
+        broken_ = OPSTORE_DAMAGED;
+    }
     if (result != ERRCODE_SUCCESS) {
         if (left) {
             mdb_env_close(env_);
@@ -250,18 +274,45 @@ errcode environment::open(const char *folder) {
         return code == ERRCODE_SUCCESS && format == FORMAT ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
     });
     if (failure == OPSTORE_DAMAGED) {
-        damaged_ = true;
+        broken_ = OPSTORE_DAMAGED;
+    }
+    return failure;
+}
+
+// Opens the data file. The map that it records is address space which a limited process may not have; then
+// the map is as large as what is in the file.
+int environment::open_file() {
+    int failure = ENOMEM;
+    for (const std::size_t map : {RECORDED_MAP, SMALLEST_MAP}) {
+        mdb_env_close(env_);
+        env_ = nullptr;
+        failure = create_environment(&env_);
+        if (failure == 0 && map != RECORDED_MAP) {
+            failure = mdb_env_set_mapsize(env_, map);
+        }
+        if (failure == 0) {
+            failure = mdb_env_open(env_, folder_.c_str(), MDB_RDONLY | MDB_NOTLS | (unlocked_ ? MDB_NOLOCK : 0U), 0);
+        }
+        if (failure != ENOMEM) {
+            break;
+        }
     }
     return failure;
 }
 
 // Opens the store again, without its lock file.
 int environment::open_unlocked() {
-    mdb_env_close(env_);
-    env_ = nullptr;
     unlocked_ = true;
-    const int failure = create_environment(&env_);
-    return failure != 0 ? failure : mdb_env_open(env_, folder_.c_str(), MDB_RDONLY | MDB_NOTLS | MDB_NOLOCK, 0);
+    return open_file();
+}
+
+// Maps what writers have added. After a failure there is no map.
+int environment::follow_map() {
+    const int failure = mdb_env_set_mapsize(env_, SMALLEST_MAP);
+    if (failure != 0) {
+        broken_ = code_of(failure);
+    }
+    return failure;
 }
 
 // Whether a writer may have used pages of the state that was read without a slot: those that it frees
@@ -277,9 +328,9 @@ int environment::begin(MDB_txn **txn) {
         failure = open_unlocked();
         failure = failure != 0 ? failure : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
     }
-    if (failure == MDB_MAP_RESIZED) {  // a writer has made the map larger
-        mdb_env_set_mapsize(env_, 0);
-        failure = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    for (int tries = 0; failure == MDB_MAP_RESIZED && tries < MAX_TRIES; ++tries) {
+        failure = follow_map();
+        failure = failure != 0 ? failure : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
     }
     if (failure == MDB_READERS_FULL) {  // slots of readers that were killed
         int cleared = 0;

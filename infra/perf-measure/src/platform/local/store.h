@@ -111,9 +111,13 @@ public:
 
 private:
     [[nodiscard]] errcode open(const char *folder);
+    [[nodiscard]] int open_file();
     [[nodiscard]] int open_unlocked();
+    [[nodiscard]] int follow_map();
     [[nodiscard]] int begin(MDB_txn **txn);
     [[nodiscard]] bool overtaken(MDB_txn *txn) const;
+    template <class Body>
+    [[nodiscard]] errcode read_whole_state(MDB_txn *txn, Body &body);
 
     std::string folder_;
     MDB_env *env_ = nullptr;
@@ -121,7 +125,7 @@ private:
     // in a PID namespace of its own). A state is then checked after it was read.
     bool unlocked_ = false;
     MDB_dbi table_ = 0;
-    bool damaged_ = false;  // LMDB must not be called any more
+    errcode broken_ = ERRCODE_SUCCESS;  // why LMDB must not be called any more
 };
 
 // The head of the store's data file, as far as it can be checked without LMDB.
@@ -129,8 +133,15 @@ private:
 // Whether the data file ends before the last page of its tree: it was cut short, or its last pages were
 // taken and given back by a transaction and never written.
 [[nodiscard]] bool ends_early(const char *folder);
+// Bytes of the data file by its own account; 0 when it has no sound head.
+[[nodiscard]] std::uint64_t accounted_size(const char *folder);
 
-// Makes an LMDB environment whose failed assertions end the guarded body instead of the process.
+// Puts something that can be used for nothing where the caller closed a standard file. Else the next file
+// opened would stand there, the store's, and be written to as standard output.
+void occupy_standard_files();
+
+// Makes an LMDB environment whose failed assertions end the guarded body instead of the process, and whose
+// files are never standard ones.
 [[nodiscard]] int create_environment(MDB_env **env);
 
 // Implementation of the templates ----------------------------------------------------------------
@@ -164,10 +175,32 @@ errcode view::scan(std::string_view prefix, std::string_view after, Visit visit)
     return failure == MDB_NOTFOUND ? ERRCODE_SUCCESS : code_of(failure);
 }
 
+// Runs the body again for each state that a writer overtook meanwhile.
+template <class Body>
+errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
+    errcode code = body(view(txn, table_));
+    for (int tries = 0; overtaken(txn); ++tries) {
+        if (tries == MAX_TRIES) {
+            return OPSTORE_BUSY;
+        }
+        mdb_txn_reset(txn);
+        int failure = mdb_txn_renew(txn);
+        if (failure == MDB_MAP_RESIZED) {
+            failure = follow_map();
+            failure = failure != 0 ? failure : mdb_txn_renew(txn);
+        }
+        if (failure != 0) {
+            return code_of(failure);
+        }
+        code = body(view(txn, table_));
+    }
+    return code;
+}
+
 template <class Body>
 errcode environment::read(Body body) {
-    if (damaged_) {
-        return OPSTORE_DAMAGED;
+    if (broken_ != ERRCODE_SUCCESS) {
+        return broken_;
     }
     MDB_txn *txn = nullptr;
     bool left = false;
@@ -176,24 +209,20 @@ errcode environment::read(Body body) {
             left = true;
             return code_of(failure);
         }
-        errcode code = body(view(txn, table_));
-        for (int tries = 0; overtaken(txn); ++tries) {
-            if (tries == MAX_TRIES) {
-                code = OPSTORE_BUSY;
-                break;
-            }
-            mdb_txn_reset(txn);
-            if (const int failure = mdb_txn_renew(txn); failure != 0) {
-                code = code_of(failure);
-                break;
-            }
-            code = body(view(txn, table_));
+        errcode code = ERRCODE_SUCCESS;
+        try {
+            code = read_whole_state(txn, body);
+        } catch (...) {
+            mdb_txn_abort(txn);
+            throw;
         }
         mdb_txn_abort(txn);
         left = true;
         return code;
     });
-    damaged_ = !left;
+    if (!left) {
+        broken_ = OPSTORE_DAMAGED;
+    }
     return result;
 }
 

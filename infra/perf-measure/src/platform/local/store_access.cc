@@ -28,28 +28,24 @@ std::string group_name(gid_t id) {
     return std::to_string(id);
 }
 
-// The first file that may not be used as reading takes: the data read, the lock written.
-std::string denied_file(const std::string &folder) {
-    const std::string data = folder + "/data.mdb";
-    const std::string lock = folder + "/lock.mdb";
-    if (::access(data.c_str(), R_OK) != 0) {
-        return errno == EACCES ? data : "";
-    }
-    return ::access(lock.c_str(), R_OK | W_OK) != 0 && errno == EACCES ? lock : "";
-}
-
-}  // namespace
-
-std::string access_problem(const std::string &folder) {
-    const std::string file = denied_file(folder);
+std::string denial(const std::string &folder, const std::string &file) {
     struct stat status {};
-    if (file.empty()) {
-        return "";
-    }
     if (::stat(folder.c_str(), &status) != 0) {
         return file + ": Permission denied";
     }
     return file + ": Permission denied; the store may be read by members of group " + group_name(status.st_gid);
+}
+
+}  // namespace
+
+access_state check_access(const std::string &folder) {
+    const std::string data = folder + "/data.mdb";
+    const std::string lock = folder + "/lock.mdb";
+    if (::access(data.c_str(), R_OK) != 0) {
+        return {false, errno == EACCES ? denial(folder, data) : ""};
+    }
+    const bool denied = ::access(lock.c_str(), R_OK | W_OK) != 0 && errno == EACCES;  // readers register there
+    return {true, denied ? denial(folder, lock) : ""};
 }
 
 }  // namespace store

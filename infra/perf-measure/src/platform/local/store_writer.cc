@@ -3,11 +3,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
-#include <filesystem>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include "platform/local/local_store_descriptors.h"
@@ -20,55 +19,28 @@ namespace {
 
 constexpr std::size_t LARGEST_MAP = 64UL << 30;  // address space, not memory; the file grows as it is filled
 constexpr std::size_t SMALLEST_MAP = 1UL << 30;
-constexpr mode_t FOLDER_MODE = 0750;
-constexpr mode_t DATA_MODE = 0640;  // the folder's group reads the data
-constexpr mode_t LOCK_MODE = 0660;  // and registers its reading beside a writer
+constexpr mode_t FILE_MODE = 0640;
+
+constexpr fsblkcnt_t FEW_BLOCKS = 16;
 
 constexpr char NOT_OURS[] = "not a perf-show store";
 
-// Makes the folder, and its parents, when it is missing.
-problem make_folder(const std::string &folder) {
-    std::error_code failure;
-    if (std::filesystem::is_directory(folder, failure)) {
-        return "";
-    }
-    if (!std::filesystem::create_directories(folder, failure)) {
-        return folder + ": " + failure.message();
-    }
-    static_cast<void>(::chmod(folder.c_str(), FOLDER_MODE));
-    return "";
+// A file of the store that may be of any size is mapped for writing whole: what a transaction writes then
+// takes no memory of the process, however much it is.
+bool may_be_any_size() {
+    rlimit limit{};
+    return ::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
 }
 
-// Makes an empty data file. It comes into its place whole, so that no process ever sees a part of it.
-problem make_data_file(const std::string &folder) {
-    std::string place = folder + "/new-XXXXXX";
-    if (::mkdtemp(place.data()) == nullptr) {
-        return folder + ": " + std::strerror(errno);
-    }
-    MDB_env *env = nullptr;
-    int failure = mdb_env_create(&env);
-    if (failure == 0) {
-        failure = mdb_env_open(env, place.c_str(), 0, DATA_MODE);
-        mdb_env_close(env);
-    }
-    const std::string made = place + "/data.mdb";
-    const std::string wanted = folder + "/data.mdb";
-    if (failure == 0 && ::link(made.c_str(), wanted.c_str()) != 0 && errno != EEXIST) {
-        failure = errno;
-    }
-    std::error_code ignored;
-    std::filesystem::remove_all(place, ignored);
-    return failure == 0 ? "" : folder + ": " + mdb_strerror(failure);
+// Whether the file system of a folder is full, as far as anything of our size can tell.
+bool is_full(const std::string &folder) {
+    struct statvfs status {};
+    return ::statvfs(folder.c_str(), &status) == 0 && status.f_bavail < FEW_BLOCKS;
 }
 
-// Gives a file of the store to the folder's group. Files of another owner stay as they are.
-void set_access(const std::string &folder, const char *name, mode_t mode) {
-    const std::string path = folder + "/" + name;
-    struct stat status {};
-    if (::stat(folder.c_str(), &status) == 0) {
-        static_cast<void>(!::chown(path.c_str(), static_cast<uid_t>(-1), status.st_gid));
-    }
-    static_cast<void>(::chmod(path.c_str(), mode));
+// What the keys of the items begin with whose paths continue the one of `key` by one or more components.
+std::string prefix_below(const std::string &key, std::string_view path) {
+    return path.empty() || path.ends_with('/') ? key : key + '/';
 }
 
 // What a failure of LMDB means to the user.
@@ -101,7 +73,8 @@ problem writer::guarded(Body body) {
     });
     if (code != ERRCODE_SUCCESS) {
         damaged_ = true;
-        return folder_ + ": " + errcode_strerror(code);
+        // A page of the map that the file system has no room for is a fault like one of a file cut short.
+        return folder_ + ": " + (write_map_ && is_full(folder_) ? std::strerror(ENOSPC) : errcode_strerror(code));
     }
     return failure == 0 ? "" : describe(folder_, failure);
 }
@@ -116,6 +89,9 @@ writer::~writer() {
             return 0;
         });
     }
+    if (!committed_) {
+        restore_size();
+    }
 }
 
 problem writer::begin(const char *url) {
@@ -124,19 +100,17 @@ problem writer::begin(const char *url) {
         return std::string(url) + ": a store is named lmdb:FOLDER";
     }
     folder_ = folder;
-    if (problem failure = make_folder(folder_); !failure.empty()) {
+    occupy_standard_files();
+    if (problem failure = place_.take(folder_); !failure.empty()) {
         return failure;
     }
     fault_guard::install();
-    if (std::error_code none; !std::filesystem::exists(folder_ + "/data.mdb", none)) {
-        if (problem failure = make_data_file(folder_); !failure.empty()) {
-            return failure;
-        }
-    }
-    if (check_file(folder) == OPSTORE_DAMAGED) {
+    if (!place_.is_new() && check_file(folder) == OPSTORE_DAMAGED) {
         return folder_ + ": " + NOT_OURS;
     }
-    const bool suspect = ends_early(folder);
+    const bool suspect = !place_.is_new() && ends_early(folder);
+    struct stat status {};
+    size_before_ = ::stat(data_file().c_str(), &status) == 0 ? status.st_size : 0;
     problem failure = open();
     if (failure.empty() && suspect) {
         failure = read_everything();
@@ -144,21 +118,31 @@ problem writer::begin(const char *url) {
     return failure.empty() ? check_format() : failure;
 }
 
+// Opens the environment with the largest map that there is address space for. What is behind the data of a file
+// that is mapped for writing is empty: reading ahead would fill memory with it.
+int writer::open_environment(bool write_map) {
+    int code = ENOMEM;
+    for (std::size_t map = LARGEST_MAP; map >= SMALLEST_MAP && code == ENOMEM; map /= 2) {
+        mdb_env_close(env_);
+        env_ = nullptr;
+        code = create_environment(&env_);
+        if (code == 0) {
+            mdb_env_set_mapsize(env_, map);
+            code = mdb_env_open(env_, place_.place().c_str(), write_map ? MDB_WRITEMAP | MDB_NORDAHEAD : 0, FILE_MODE);
+        }
+    }
+    return code;
+}
+
 problem writer::open() {
     const mode_t old_mask = ::umask(0007);
     problem failure = guarded([&] {
-        int code = 0;
-        for (std::size_t map = LARGEST_MAP; map >= SMALLEST_MAP; map /= 2) {
-            code = create_environment(&env_);
-            if (code == 0) {
-                mdb_env_set_mapsize(env_, map);
-                code = mdb_env_open(env_, folder_.c_str(), 0, DATA_MODE);
-            }
-            if (code != ENOMEM) {
-                break;
-            }
-            mdb_env_close(env_);
-            env_ = nullptr;
+        write_map_ = may_be_any_size();
+        int code = open_environment(write_map_);
+        if (code > 0 && write_map_) {  // the file system has no such files or no such maps
+            restore_size();
+            write_map_ = false;
+            code = open_environment(write_map_);
         }
         return code;
     });
@@ -166,14 +150,22 @@ problem writer::open() {
     if (!failure.empty()) {
         return failure;
     }
-    set_access(folder_, "data.mdb", DATA_MODE);
-    set_access(folder_, "lock.mdb", LOCK_MODE);
+    place_.give_to_group();
     return guarded([&] {
         int cleared = 0;
         mdb_reader_check(env_, &cleared);  // slots of readers that were killed would keep pages in use
         const int code = mdb_txn_begin(env_, nullptr, 0, &txn_);
         return code != 0 ? code : mdb_dbi_open(txn_, nullptr, 0, &table_);
     });
+}
+
+// A file that is mapped for writing is made as large as its map. Takes that back; no other writer is there
+// to need it.
+void writer::restore_size() {
+    struct stat status {};
+    if (write_map_ && ::stat(data_file().c_str(), &status) == 0 && size_before_ < status.st_size) {
+        static_cast<void>(!::truncate(data_file().c_str(), size_before_));
+    }
 }
 
 // Touches every key and value, so that a page that is missing is found before anything is written.
@@ -335,6 +327,24 @@ problem writer::put_item(root root, std::uint32_t node, std::string_view path, c
     return put_record(to, record, descriptor);
 }
 
+problem writer::has_item(root root, std::uint32_t node, std::string_view path, bool below, bool *found) {
+    const std::string key = branch_key(key_space::item, root, node) + std::string(path);
+    std::string_view value;
+    problem failure = get(key, &value);
+    *found = !value.empty();
+    if (*found || !below || !failure.empty()) {
+        return failure;
+    }
+    const std::string prefix = prefix_below(key, path);
+    return guarded([&] {
+        const errcode code = view(txn_, table_).scan(prefix, "", [&](std::string_view, std::string_view) {
+            *found = true;
+            return false;
+        });
+        return code == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED;
+    });
+}
+
 problem writer::remove_item(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed) {
     std::string key = branch_key(key_space::item, root, node);
     key += path;
@@ -347,11 +357,7 @@ problem writer::remove_item(root root, std::uint32_t node, std::string_view path
 }
 
 problem writer::remove_below(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed) {
-    std::string prefix = branch_key(key_space::item, root, node);
-    prefix += path;
-    if (!path.empty() && !path.ends_with('/')) {
-        prefix += '/';
-    }
+    const std::string prefix = prefix_below(branch_key(key_space::item, root, node) + std::string(path), path);
     return guarded([&] {
         MDB_cursor *cursor = nullptr;
         MDB_val key = detail::to_value(prefix);
@@ -375,21 +381,26 @@ problem writer::remove_below(root root, std::uint32_t node, std::string_view pat
 }
 
 problem writer::commit() {
-    return guarded([&] {
+    off_t size = 0;
+    problem failure = guarded([&] {
         MDB_txn *txn = txn_;
         txn_ = nullptr;
         const int code = mdb_txn_commit(txn);
-        // The file reaches as far as its head says, so that one cut short is told from a whole one.
         MDB_envinfo info{};
         MDB_stat stat{};
-        int file = -1;
-        if (code == 0 && mdb_env_info(env_, &info) == 0 && mdb_env_stat(env_, &stat) == 0 &&
-            mdb_env_get_fd(env_, &file) == 0) {
-            static_cast<void>(
-                ::posix_fallocate(file, static_cast<off_t>(info.me_last_pgno * stat.ms_psize), stat.ms_psize));
+        if (code == 0 && mdb_env_info(env_, &info) == 0 && mdb_env_stat(env_, &stat) == 0) {
+            size = static_cast<off_t>((info.me_last_pgno + 1) * stat.ms_psize);
         }
         return code;
     });
+    committed_ = failure.empty();
+    if (size > 0) {  // as far as its head says, so that one cut short is told from a whole one
+        static_cast<void>(!::truncate(data_file().c_str(), size));
+    }
+    if (!committed_) {  // the head may be the new one, if writing it failed at the very end
+        size_before_ = std::max(size_before_, static_cast<off_t>(accounted_size(place_.place().c_str())));
+    }
+    return committed_ ? place_.settle() : failure;
 }
 
 }  // namespace store

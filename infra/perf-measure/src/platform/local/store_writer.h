@@ -13,10 +13,9 @@
 #include <vector>
 
 #include "platform/local/store.h"
+#include "platform/local/store_folder.h"
 
 namespace store {
-
-using problem = std::string;
 
 // What put_item says of a record whose arrays nest beyond the codec's limit.
 inline constexpr char TOO_DEEP[] = "nested too deeply";
@@ -29,7 +28,8 @@ public:
     writer &operator=(const writer &) = delete;
 
     // Opens the store that the URL names and begins the transaction, behind another writer's if one is
-    // at work. Folder and files are made when they are missing, readable for the folder's group.
+    // at work. Folder and files are made when they are missing, readable for the folder's group; they are
+    // gone again when nothing is committed.
     [[nodiscard]] problem begin(const char *url);
 
     // Removes everything.
@@ -45,6 +45,8 @@ public:
     [[nodiscard]] problem put_item(root root, std::uint32_t node, std::string_view path, const void *record,
                                    const parcel_descriptor *descriptor);
 
+    // Whether there is an item at a path or, if `below` says so, at one that continues it.
+    [[nodiscard]] problem has_item(root root, std::uint32_t node, std::string_view path, bool below, bool *found);
     // Removes the item at a path. `*removed` counts what went: 0 when nothing was there.
     [[nodiscard]] problem remove_item(root root, std::uint32_t node, std::string_view path, std::uint64_t *removed);
     // Removes all items whose path continues `path` by one or more components, and adds to `*removed`.
@@ -57,6 +59,9 @@ private:
     template <class Body>
     [[nodiscard]] problem guarded(Body body);
     [[nodiscard]] problem open();
+    [[nodiscard]] int open_environment(bool write_map);
+    void restore_size();
+    [[nodiscard]] std::string data_file() const { return place_.place() + "/" + DATA_FILE; }
     [[nodiscard]] problem read_everything();
     [[nodiscard]] problem check_format();
     [[nodiscard]] problem read_inventory();
@@ -67,6 +72,10 @@ private:
     [[nodiscard]] problem ensure_publisher(root root, std::uint32_t node);
 
     std::string folder_;
+    writers_folder place_;
+    off_t size_before_ = 0;   // of the data file
+    bool write_map_ = false;  // its pages are written where they are, in the map
+    bool committed_ = false;
     MDB_env *env_ = nullptr;
     MDB_txn *txn_ = nullptr;
     MDB_dbi table_ = 0;

@@ -1,0 +1,80 @@
+// The memory that loading and dumping take does not depend on how much there is.
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "stress/stress_support.h"
+
+namespace {
+
+constexpr char FEW[] = " --interfaces 300 --policies 100 --endpoints 100 --tunnels 100";
+constexpr char MANY[] = " --interfaces 6000 --policies 2000 --endpoints 2000 --tunnels 2000";
+constexpr long OWN_MEMORY_KB = 8192;
+constexpr long DIFFERENCE_KB = 1024;
+
+// Kilobytes that are a process's own, not the store's; 0 when it has ended.
+long own_memory_kb(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.starts_with("RssAnon:")) {
+            return std::stol(line.substr(8));
+        }
+    }
+    return 0;
+}
+
+// The most that a perf-store command has at any time.
+long largest_memory_kb(const std::vector<std::string> &words, const std::string &store) {
+    long largest = 0;
+    running_process program([&] { return become(words, store); });
+    while (!program.wait(0.001)) {
+        const long now = own_memory_kb(program.id());
+        if (now == 0) {
+            break;
+        }
+        largest = std::max(largest, now);
+    }
+    return program.id() < 0 || program.wait(5) ? largest : -1;
+}
+
+class LoadMemory : public testing::Test {
+protected:
+    struct peaks {
+        long load = 0;
+        long load_again = 0;
+        long dump = 0;
+    };
+
+    peaks measure(const std::string &name, const std::string &options) const {
+        const std::string store = folder_.path() + "/" + name;
+        const std::string set = store + ".ndjson";
+        EXPECT_EQ(run_command(PERF_STORE " gen" + options + " >" + set, store).status, 0);
+        peaks result;
+        result.load = largest_memory_kb({PERF_STORE, "load", set}, store);
+        result.load_again = largest_memory_kb({PERF_STORE, "load", set}, store);
+        result.dump = largest_memory_kb({PERF_STORE, "dump"}, store);
+        return result;
+    }
+
+    temporary_folder folder_;
+};
+
+TEST_F(LoadMemory, IsSmallAndTheSameForTwentyTimesTheItems) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer's own memory hides the program's";
+#endif
+    const peaks few = measure("few", FEW);
+    const peaks many = measure("many", MANY);
+    for (const auto &[what, less, more] : {std::tuple{"load", few.load, many.load},
+                                           {"load again", few.load_again, many.load_again},
+                                           {"dump", few.dump, many.dump}}) {
+        EXPECT_GT(less, 0) << what;
+        EXPECT_LT(more, OWN_MEMORY_KB) << what;
+        EXPECT_LT(more, less + DIFFERENCE_KB) << what;
+    }
+}
+
+}  // namespace

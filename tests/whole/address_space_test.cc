@@ -1,0 +1,66 @@
+// Programs whose address space is limited (ulimit -v), as that of a service often is. The store's map is
+// larger than that, what it holds is not.
+#include <gtest/gtest.h>
+
+#include "support/command.h"
+
+namespace {
+
+constexpr char FOUR_GIGABYTES[] = "ulimit -v 4000000; ";
+constexpr char LESS_THAN_THE_FILE[] = "ulimit -v 60000; ";
+
+class AddressSpace : public testing::Test {
+protected:
+    void SetUp() override {
+#ifdef __SANITIZE_ADDRESS__
+        GTEST_SKIP() << "the sanitizer needs all of the address space";
+#endif
+        ASSERT_EQ(run(PERF_STORE " load " PM_EXAMPLE).status, 0);
+    }
+    [[nodiscard]] command_result run(const std::string &command) const { return run_command(command, folder_.path()); }
+
+    temporary_folder folder_;
+};
+
+TEST_F(AddressSpace, SmallerThanTheMapIsEnoughToRead) {
+    for (const char *command : {PERF_SHOW " -c 9", PERF_STORE " dump", PERF_STORE " stat", PERF_STORE " ls"}) {
+        const command_result free = run(command);
+        const command_result limited = run(std::string(FOUR_GIGABYTES) + command);
+        EXPECT_EQ(limited.status, 0) << command;
+        EXPECT_EQ(limited.signal, 0) << command;
+        EXPECT_EQ(limited.err, "") << command;
+        EXPECT_GT(limited.out.size(), 100U) << command;
+        EXPECT_EQ(limited.out, free.out) << command;
+    }
+}
+
+TEST_F(AddressSpace, SmallerThanTheMapIsEnoughToWrite) {
+    const std::string before = run(PERF_STORE " dump").out;
+    EXPECT_EQ(run(std::string(FOUR_GIGABYTES) + PERF_STORE " load --replace " PM_EXAMPLE).err, "");
+    EXPECT_EQ(run(PERF_STORE " dump").out, before);
+}
+
+TEST_F(AddressSpace, TooSmallForTheFileIsAClearError) {
+    std::string set;
+    for (int i = 0; i < 800; ++i) {
+        set += R"({"item":{"root":"chkpt","node":0,"path":"scb/)" + std::to_string(i) +
+               R"(","type":"pm_chkpt_scb_parcel","record":{"buf":")" + std::string(200'000, 'a') + "\"}}}\n";
+    }
+    write_file(folder_.path() + "/set", set);
+    ASSERT_EQ(run(PERF_STORE " load " + folder_.path() + "/set").err, "");
+    for (const char *command : {" dump", " stat", " ls"}) {
+        const command_result limited = run(LESS_THAN_THE_FILE + std::string(PERF_STORE) + command);
+        EXPECT_EQ(limited.signal, 0) << command;
+        EXPECT_EQ(limited.status, 1) << command;
+        EXPECT_EQ(limited.err, "perf-store: lmdb:" + folder_.path() + ": Not enough memory\n") << command;
+    }
+    const command_result show = run(LESS_THAN_THE_FILE + std::string(PERF_SHOW) + " -c 9 -N 0x100");
+    EXPECT_EQ(show.signal, 0);
+    EXPECT_NE(show.err.find("Not enough memory"), std::string::npos) << show.err;
+    const command_result load = run(LESS_THAN_THE_FILE + std::string(PERF_STORE) + " load " PM_EXAMPLE);
+    EXPECT_EQ(load.signal, 0);
+    EXPECT_EQ(load.status, 1);
+    EXPECT_NE(load.err, "");
+}
+
+}  // namespace
