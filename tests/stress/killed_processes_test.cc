@@ -154,7 +154,8 @@ TEST_F(KilledProcesses, ReadersLeaveNothingBehind) {
         running_process show([&] { return become({PERF_SHOW, "-c", "9"}, store()); });
         running_process lister([&] {
             static_cast<void>(!std::freopen("/dev/null", "w", stdout));
-            while (list(discard)) {
+            const auto start = stress_clock::now();
+            while (list(discard) && seconds_since(start) < LONGEST_RUN_SECONDS) {
             }
             return false;
         });

@@ -56,13 +56,9 @@ inline double seconds_since(stress_clock::time_point start) {
     return std::chrono::duration<double>(stress_clock::now() - start).count();
 }
 
-// Has the system end this process with its parent, so that no process outlives its test; or after a while, for
-// a parent that ended before it could ask.
-inline void end_with_parent() {
-    constexpr unsigned LONGEST_LIFE_SECONDS = 300;
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    alarm(LONGEST_LIFE_SECONDS);
-}
+// Has the system end this process with its parent. One whose parent ended before it could ask goes on, so what
+// such a process does has to end by itself.
+inline void end_with_parent() { prctl(PR_SET_PDEATHSIG, SIGKILL); }
 
 // A running child process, killed at the end of its scope at the latest.
 class running_process {

@@ -117,7 +117,8 @@ TEST_F(TwoNamespaces, AReaderThatWasKilledDoesNotKeepTheOtherOut) {
     for (unsigned i = 0; i < ROUNDS; ++i) {
         running_process reader = first_of_namespace([this] {
             static_cast<void>(!std::freopen("/dev/null", "w", stdout));
-            while (list(count_item)) {
+            const auto start = stress_clock::now();
+            while (list(count_item) && seconds_since(start) < LONGEST_RUN_SECONDS) {
             }
             return false;
         });
