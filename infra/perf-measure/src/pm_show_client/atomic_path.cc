@@ -25,7 +25,7 @@ void print_path(const pm_srpolicy_atomic_path_parcel &path, int indent, int widt
     pm_print_label_u32(width, indent, "Session ID", path.SessionId, "");
     pm_print_label_u32(width, indent, "Trace ID", path.TraceId, "");
     if (pm_show_options.internal) {
-        pm_print_label_str(width, indent, "Atomic path to be deleted", true_or_false(path.ToBeDeleted));
+        pm_print_label_str(width, indent, "Atomic path to be deleted", pm_true_or_false(path.ToBeDeleted));
     }
 }
 
@@ -70,11 +70,11 @@ void pm_show_atomic_path(const pm_srpolicy_atomic_path_parcel *path, bool runnin
     pm_print_heading(indent, "Atomic path");
     indent += 2;
     print_path(*path, indent, width);
-    pm_print_label_str(width, indent, "NPU Offloaded session", true_or_false(path->NPUOffloadedSession));
+    pm_print_label_str(width, indent, "NPU Offloaded session", pm_true_or_false(path->NPUOffloadedSession));
     if (path->NPUOffloadedSession != 0) {
         print_session_npu_offload_info(path->SessionNPUOffloadInfo, indent + 2, width);
     }
-    pm_print_label_str(width, indent, "Timestamping Enabled", true_or_false(path->TimestampingEnabled));
+    pm_print_label_str(width, indent, "Timestamping Enabled", pm_true_or_false(path->TimestampingEnabled));
     const bool is_liveness = path->LivenessDetectionEnabled != 0;
     if (is_liveness) {
         print_liveness_detection(indent, true);

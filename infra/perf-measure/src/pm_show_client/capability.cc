@@ -12,13 +12,13 @@ namespace {
 constexpr std::uint32_t UNLIMITED = std::numeric_limits<std::uint32_t>::max();
 
 void print_support(const char *label, bool supported) {
-    pm_print_indented<"%-46s: %s\n">(2, label, supported ? "Supported" : "Not Supported");
+    pm_print_column_str(2, label, supported ? "Supported" : "Not Supported");
 }
 
-void print_detail(const char *label, std::uint32_t value) { pm_print_indented<"%-44s: %u\n">(4, label, value); }
+void print_detail(const char *label, std::uint32_t value) { pm_print_column_u32(4, label, value); }
 
 void print_interval(const char *label, std::uint32_t interval, const char *unit) {
-    pm_print_indented<"%-44s: %u %s\n">(4, label, interval, unit);
+    pm_print_column_unit(4, label, interval, unit);
 }
 
 void print_inject(std::uint32_t max_rate_pps, std::uint32_t min_interval, const char *unit) {
@@ -43,8 +43,8 @@ void print_cpu_paths(const pm_capability_info &info) {
 }
 
 void print_npu_offload(const pm_cap_hw_offload_info &offload) {
-    pm_print_indented<"%-44s: %s\n">(4, "NPU Offload Engine state",
-                                     offload.NPUOffloadEngineReady ? "Initialized" : "Not initialized");
+    pm_print_column_str(4, "NPU Offload Engine state",
+                        offload.NPUOffloadEngineReady ? "Initialized" : "Not initialized");
     print_detail("Number of NPUs", offload.NPUOffloadNPUCount);
     print_detail("Max inject PPS per NPU", offload.NPUOffloadMaxSupportedInjectPPSLimitPerNPU);
     print_interval("Min inject interval per NPU", offload.NPUOffloadMinSupportedInjectIntervalPerNPU, "usec");
@@ -60,10 +60,11 @@ void print_npu_offload(const pm_cap_hw_offload_info &offload) {
 }
 
 void print_timestamps(const pm_capability_info &info) {
+    constexpr char OFFSET[] = "Max Timestamp Offset";
     if (info.MaxTimestampOffset == UNLIMITED) {
-        pm_print_indented<"%-46s: Unlimited\n">(2, "Max Timestamp Offset");
+        pm_print_column_str(2, OFFSET, "Unlimited");
     } else {
-        pm_print_indented<"%-46s: %u\n">(2, "Max Timestamp Offset", info.MaxTimestampOffset);
+        pm_print_column_u32(2, OFFSET, info.MaxTimestampOffset);
     }
     if (info.HardwareTimestampSupported != nullptr) {
         print_support("Hardware Timestamp", *info.HardwareTimestampSupported);

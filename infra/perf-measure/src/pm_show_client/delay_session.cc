@@ -27,18 +27,18 @@ void print_identity(const pm_scb_parcel &session, int indent) {
 
 void print_control_codes(const pm_scb_parcel &session, int indent) {
     if (session.LastNotificationControlCode.Timestamp != 0) {
-        print_empty_line();
+        pm_print_empty_line();
         pm_show_last_notification_cc(&session.LastNotificationControlCode, indent);
     }
     if (session.LastErrorControlCode.Timestamp != 0) {
-        print_empty_line();
+        pm_print_empty_line();
         pm_show_last_error_cc(&session.LastErrorControlCode, indent);
     }
 }
 
 void print_computation(const pm_scb_parcel &session, int indent) {
     constexpr int HEADING_INDENT = 4;  // whatever the session's
-    print_empty_line();
+    pm_print_empty_line();
     pm_print_heading(HEADING_INDENT, "Current computation");
     if (!pm_show_probe_lines(&session.CurrentProbe, indent, indent)) {
         return;
@@ -60,7 +60,7 @@ void pm_show_intf_dm_session(const pm_scb_parcel *session, int indent) {
     pm_print<"%*s%s session:\n">(indent, "", measurement);
     print_identity(*session, indent + 2);
     pm_show_last_advertisement(&session->LastAdvertisementInformation, indent + 2, true);
-    print_empty_line();
+    pm_print_empty_line();
     pm_show_next_advertisement_of_probe(&session->CurrentProbe, &session->NextAdvertisementInformation,
                                         session->PeriodicAdvertisementIntervalInSec, indent + 2);
     print_control_codes(*session, indent + 2);

@@ -10,10 +10,10 @@
 namespace {
 
 void print_entry(const pm_dr_retry_entry &entry) {
-    pm_print_indented<"%-44s: %s\n">(4, "SR Policy Name", entry.DistributionRecordName);
-    pm_print_indented<"%-44s: %u\n">(4, "LSP ID", entry.LSP_ID);
-    pm_print_indented<"%-44s: %s\n">(4, "Retry reason", pm_dr_retry_reason_str(entry.RetryReason));
-    pm_print<"\n">();
+    pm_print_column_str(4, "SR Policy Name", entry.DistributionRecordName);
+    pm_print_column_u32(4, "LSP ID", entry.LSP_ID);
+    pm_print_column_str(4, "Retry reason", pm_dr_retry_reason_str(entry.RetryReason));
+    pm_print_empty_line();
 }
 
 }  // namespace
@@ -29,7 +29,7 @@ int print_dr_retry_queue(const void *decoded_parcel) {
         pm_print<"Distribution retry queue is empty">();  // no newline
         return PM_SHOW_PRINTED;
     }
-    pm_print_indented<"%-46s: %u\n">(2, "Total Number of retry entry", entries.count);
+    pm_print_column_u32(2, "Total Number of retry entry", entries.count);
     for (const pm_dr_retry_entry &entry : entries) {
         print_entry(entry);
     }

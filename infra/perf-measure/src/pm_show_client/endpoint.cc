@@ -61,7 +61,7 @@ void print_delay_head(const pm_endpoint_detail &endpoint) {
 }
 
 void print_delay_list(const pm_endpoint_detail_segment_list_parcel &list) {
-    print_empty_line();
+    pm_print_empty_line();
     print_segment_list_name(list);
     for (const pm_scb_parcel &session : list.DelayMeasurementSessions) {
         print_segments(list);  // before every session, on purpose
@@ -100,7 +100,7 @@ void print_liveness_list(const pm_endpoint_liveness_segment_list_parcel &list) {
             pm_show_liveness_state(&list.EPLivenessInfo, 4, pm_needs_ipinip(list.SegmentListName));
         }
     }
-    print_empty_line();
+    pm_print_empty_line();
 }
 
 void print_liveness(const pm_endpoint_liveness &endpoint) {
@@ -128,7 +128,7 @@ void print_probe(const pm_endpoint_probe &endpoint) {
     print_str(2, "Probe Measurement", "Enabled");
     for (const pm_endpoint_probe_session_parcel &session : endpoint.Sessions) {
         if (pm_segment_list_is_wanted(session.SegmentListName)) {
-            print_empty_line();
+            pm_print_empty_line();
             print_segment_list_name(session);
             print_segments(session);
             pm_show_probe_session(&session.Session, 2);

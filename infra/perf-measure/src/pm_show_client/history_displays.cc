@@ -23,14 +23,14 @@ void print_u32(int indent, const char *label, std::uint32_t value) {
 }
 
 void print_atomic_path(const pm_srpolicy_history_atomic_path_parcel &path) {
-    print_empty_line();
+    pm_print_empty_line();
     pm_print_heading(6, "Atomic path");
     pm_show_hops(path.HopAddress, 8, WIDTH);
     print_history_sample_union(&path.HistoryInfo, 8, 0);
 }
 
 void print_segment_list(const pm_srpolicy_history_segment_list_parcel &list) {
-    print_empty_line();
+    pm_print_empty_line();
     print_str(4, "Segment-List", list.SegmentListName);
     pm_show_segments(list.Segments, list.LocalAdjacencySID, list.EndpointNodeSID, 6);
     print_history_sample_union(&list.HistoryInfo, 6, 0);
@@ -40,7 +40,7 @@ void print_segment_list(const pm_srpolicy_history_segment_list_parcel &list) {
 }
 
 void print_candidate_path(const pm_srpolicy_history_candidate_path_parcel &candidate) {
-    print_empty_line();
+    pm_print_empty_line();
     pm_print_heading(2, "Candidate-Path");
     print_u32(4, "Preference", candidate.Preference);
     print_str(4, "Protocol-origin", pm_srpolicy_origin_str(candidate.Origin));
@@ -105,7 +105,7 @@ int pm_show_endpoint_history(const void *decoded_parcel) {
     pm_print_label_address("source", history.EndPointSessionSourceAddress, 2, WIDTH);
     for (const pm_endpoint_history_segment_list_parcel &list : history.EP_SegmentListsHistory) {
         if (pm_segment_list_is_wanted(list.SegmentListName)) {
-            print_empty_line();
+            pm_print_empty_line();
             print_str(2, "Segment-List", list.SegmentListName);
             pm_show_segments(list.Segments, nullptr, nullptr, 4);
             print_history_sample_union(&list.HistoryInfo, 4, 0);

@@ -121,14 +121,14 @@ void print_internal_attributes(const pm_intf_parcel &interface) {
     print_line("KPKT attach", interface.KPKTAttach != 0 ? "Attached" : "Not attached");
     print_count("KPKT attach retry errors", interface.KPKTAttachErrorCount);
     print_count("Next-hop MAC address get errors", interface.NextHopMacAddressGetErrorCount);
-    print_line("Stale", true_or_false(interface.IsStale));
+    print_line("Stale", pm_true_or_false(interface.IsStale));
 }
 
 // A number that the report shows with a sign.
 void print_signed(const char *label, std::uint32_t value) { pm_print_indented<"%-34s: %d\n">(4, label, value); }
 
 void print_path_tracing(const pm_intf_pt_parcel &tracing) {
-    print_empty_line();
+    pm_print_empty_line();
     pm_print_heading(2, "Path-Tracing");
     print_signed("Interface ID", tracing.InterfaceId);
     print_signed("Timestamp Template", tracing.TimestampTemplate);
@@ -153,7 +153,7 @@ void print_detail(const pm_intf_parcel &interface) {
     }
     if (!pm_show_options.loss_kind) {
         for (const pm_scb_parcel &session : interface.DelayMeasurementSessions) {
-            print_empty_line();
+            pm_print_empty_line();
             pm_show_intf_dm_session(&session, 2);
         }
     } else if (interface.LossMeasurementSession != nullptr) {

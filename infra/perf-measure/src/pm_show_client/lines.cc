@@ -39,6 +39,22 @@ void pm_print_counter(int indent, const char *label, std::uint64_t value) {
     pm_print_label_u64(PM_COUNTER_WIDTH, indent, label, value, "");
 }
 
+void pm_print_column_str(int indent, const char *label, const char *text) {
+    pm_print_label_str(PM_COUNTER_WIDTH, indent, label, text);
+}
+
+void pm_print_column_u32(int indent, const char *label, std::uint32_t value) {
+    pm_print_label_u32(PM_COUNTER_WIDTH, indent, label, value, "");
+}
+
+void pm_print_column_percent(int indent, const char *label, std::uint32_t value) {
+    pm_print_indented<"%-*s: %u%%\n">(indent, PM_COUNTER_WIDTH - indent, label, value);
+}
+
+void pm_print_column_unit(int indent, const char *label, std::uint32_t value, const char *unit) {
+    pm_print_indented<"%-*s: %u %s\n">(indent, PM_COUNTER_WIDTH - indent, label, value, unit);
+}
+
 void pm_print_label_hex(const char *label, std::uint32_t value) {
     pm_print_indented<"%-28s: 0x%08x\n">(2, label, value);
 }

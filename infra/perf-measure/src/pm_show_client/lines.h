@@ -63,12 +63,22 @@ void pm_print_label_u64(int width, int indent, const char *label, std::uint64_t 
 // A counter: a label line whose colon stands at PM_COUNTER_WIDTH.
 void pm_print_counter(int indent, const char *label, std::uint64_t value);
 
+// Label lines whose colon stands at PM_COUNTER_WIDTH: a text, a number, "5%" and "10 usec".
+void pm_print_column_str(int indent, const char *label, const char *text);
+void pm_print_column_u32(int indent, const char *label, std::uint32_t value);
+void pm_print_column_percent(int indent, const char *label, std::uint32_t value);
+void pm_print_column_unit(int indent, const char *label, std::uint32_t value, const char *unit);
+
 // Label lines at indent 2 with the colon in column 30: a number in eight hexadecimal digits, and in decimal.
 void pm_print_label_hex(const char *label, std::uint32_t value);
 void pm_print_label_decimal(const char *label, std::uint32_t value);
 
 // A label line of an address; "Unknown" when it is neither IPv4 nor IPv6.
 void pm_print_label_address(const char *label, const pm_record_address &address, int indent, int width);
+
+inline void pm_print_empty_line() { pm_print<"\n">(); }
+
+[[nodiscard]] inline const char *pm_true_or_false(std::uint32_t flag) { return flag != 0 ? "True" : "False"; }
 
 // Text of a time stamp in milliseconds since the epoch, "Mar 05 2024 14:03:07.042" in the local
 // time zone; "N/A" for 0, which means never. Each of the two routines has one static buffer, which

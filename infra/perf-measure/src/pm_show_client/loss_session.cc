@@ -42,7 +42,7 @@ void print_advertisement(const pm_loss_advertisement_parcel &advertisement) {
 }
 
 void print_member(const pm_intf_loss_sub_session_parcel &member) {
-    print_empty_line();
+    pm_print_empty_line();
     pm_print<"%*sInterface Name: %s (ifh: 0x%x)\n">(4, "", member.InterfaceName, member.InterfaceHandle);
     pm_print_label_str(WIDTH, 6, "State", member.InterfaceStateIsUp != 0 ? "Up" : "Down");
     print_u32(6, "Session ID", member.SessionId);
@@ -52,7 +52,7 @@ void print_member(const pm_intf_loss_sub_session_parcel &member) {
 }  // namespace
 
 void pm_show_intf_loss_session(const pm_intf_loss_session_parcel &session) {
-    print_empty_line();
+    pm_print_empty_line();
     pm_print_heading(2, "Loss Measurement session");
     if (session.SessionId != 0) {
         print_u32(4, "Session ID", session.SessionId);

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr int COLON = 48;
 constexpr std::uint16_t NO_NPU = 0xFFFF;
 
 // Assertions report these lines, wherever the checks stand.
@@ -16,36 +15,28 @@ constexpr char SOURCE[] = "pm_show_client";
 constexpr int REPORTED_DATABASE_LINE = 5424;
 constexpr int REPORTED_NPU_LINE = 5346;
 
-void print_text(int indent, const char *label, const char *text) { pm_print_label_str(COLON, indent, label, text); }
-
-void print_number(int indent, const char *label, std::uint32_t number) {
-    pm_print_label_u32(COLON, indent, label, number, "");
-}
-
-void print_empty_line() { pm_print<"\n">(); }
-
 void print_npu(const pm_dr_npu_info &npu) {
-    print_number(6, "Node ID", npu.NodeID);
+    pm_print_column_u32(6, "Node ID", npu.NodeID);
     if (npu.NPU_ID == NO_NPU) {
-        print_text(6, "NPU ID", "N/A");
+        pm_print_column_str(6, "NPU ID", "N/A");
     } else {
-        print_number(6, "NPU ID", npu.NPU_ID);
+        pm_print_column_u32(6, "NPU ID", npu.NPU_ID);
     }
-    print_text(6, "NPU offload Supported", npu.NPUOffloadSupported ? "True" : "False");
-    print_text(6, "NPU offload engine state", npu.NPUOffloadEngineReady ? "Ready" : "Not ready");
-    print_number(6, "Max number of session supported", npu.MaxNumberOfSessionsSupported);
-    print_number(6, "Current number of session hosted", npu.CurrentNumberOfSessions);
-    print_number(6, "Available number of session", npu.AvailableNumberOfSessions);
-    print_number(6, "NPU UDP source port", npu.SourcePort);
-    print_empty_line();
+    pm_print_column_str(6, "NPU offload Supported", pm_true_or_false(npu.NPUOffloadSupported));
+    pm_print_column_str(6, "NPU offload engine state", npu.NPUOffloadEngineReady ? "Ready" : "Not ready");
+    pm_print_column_u32(6, "Max number of session supported", npu.MaxNumberOfSessionsSupported);
+    pm_print_column_u32(6, "Current number of session hosted", npu.CurrentNumberOfSessions);
+    pm_print_column_u32(6, "Available number of session", npu.AvailableNumberOfSessions);
+    pm_print_column_u32(6, "NPU UDP source port", npu.SourcePort);
+    pm_print_empty_line();
 }
 
 void print_npus(const parcel_array<pm_dr_npu_info> &npus) {
     if (npus.count == 0) {
-        pm_print_indented<"%-44s\n">(4, "No NPU information available");
+        pm_print_indented<"%-*s\n">(4, PM_COUNTER_WIDTH - 4, "No NPU information available");
         return;
     }
-    print_number(4, "Number of NPU's", npus.count);
+    pm_print_column_u32(4, "Number of NPU's", npus.count);
     if (npus.elements == nullptr) {
         pm_assertion_failed("NULL != npu_parcel", SOURCE, REPORTED_NPU_LINE, "void print_npu(pm_dr_npu_info *)");
     }
@@ -55,10 +46,10 @@ void print_npus(const parcel_array<pm_dr_npu_info> &npus) {
 }
 
 void print_linecard(const pm_dr_lc_info &linecard) {
-    print_text(4, "Linecard Node location", linecard.LinecardLocationName);
-    print_number(4, "Linecard Node ID", linecard.LinecardNodeID);
+    pm_print_column_str(4, "Linecard Node location", linecard.LinecardLocationName);
+    pm_print_column_u32(4, "Linecard Node ID", linecard.LinecardNodeID);
     print_npus(linecard.NPUInfo);
-    print_empty_line();
+    pm_print_empty_line();
 }
 
 }  // namespace
@@ -73,8 +64,8 @@ int print_lc_npu_db(const void *decoded_parcel) {
         pm_print<"No Linecard information available">();  // without an end of line
         return PM_SHOW_PRINTED;
     }
-    print_number(2, "Total Number of Linecards", database.LinecardInfo.count);
-    print_number(2, "Number of Successfully Connected Linecards", database.NumberOfConnectedLinecards);
+    pm_print_column_u32(2, "Total Number of Linecards", database.LinecardInfo.count);
+    pm_print_column_u32(2, "Number of Successfully Connected Linecards", database.NumberOfConnectedLinecards);
     for (const pm_dr_lc_info &linecard : database.LinecardInfo) {
         print_linecard(linecard);
     }

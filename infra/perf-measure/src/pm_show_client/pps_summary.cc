@@ -8,24 +8,16 @@
 
 namespace {
 
-void print_pps(int indent, const char *label, std::uint32_t value) {
-    pm_print_label_u32(PM_COUNTER_WIDTH, indent, label, value, "");
-}
-
-void print_percent(int indent, const char *label, std::uint32_t value) {
-    pm_print_indented<"%-*s: %u%%\n">(indent, PM_COUNTER_WIDTH - indent, label, value);
-}
-
 // The record's burst interval factors are not shown.
 void print_sessions(const pm_pps_transport_info &sessions) {
-    print_pps(6, "Total PPS Budget", sessions.PPSBudget);
-    print_pps(6, "Total PPS Requested", sessions.RequestedPPS);
-    print_pps(6, "Total PPS Effectively In-use", sessions.EffectivePPS);
-    print_percent(6, "PPS Budget Usage", sessions.CurrentMultiHopTXIntervalStretchFactor);
+    pm_print_column_u32(6, "Total PPS Budget", sessions.PPSBudget);
+    pm_print_column_u32(6, "Total PPS Requested", sessions.RequestedPPS);
+    pm_print_column_u32(6, "Total PPS Effectively In-use", sessions.EffectivePPS);
+    pm_print_column_percent(6, "PPS Budget Usage", sessions.CurrentMultiHopTXIntervalStretchFactor);
     if (pm_show_options.detail) {
-        print_percent(8, "Dampened PPS Budget Usage", sessions.DampenedMultiHopTXIntervalStretchFactor);
+        pm_print_column_percent(8, "Dampened PPS Budget Usage", sessions.DampenedMultiHopTXIntervalStretchFactor);
     }
-    print_percent(6, "In-use TX Interval Stretched Factor", sessions.InuseMultiHopTXIntervalStretchFactor);
+    pm_print_column_percent(6, "In-use TX Interval Stretched Factor", sessions.InuseMultiHopTXIntervalStretchFactor);
 }
 
 void print_sessions(const char *heading, const pm_pps_transport_info &sessions) {
@@ -38,8 +30,8 @@ void print_sessions(const char *heading, const pm_pps_transport_info &sessions) 
 template <class Pool>
 void print_budget_detail(const Pool &pool) {
     if (pm_show_options.detail) {
-        print_pps(2, "Guaranteed Minimum PPS Budget", pool.MinimumPPSBudget);
-        print_pps(2, "Budget Rebalance PPS Threshold", pool.PPSBudgetRebalanceThreshold);
+        pm_print_column_u32(2, "Guaranteed Minimum PPS Budget", pool.MinimumPPSBudget);
+        pm_print_column_u32(2, "Budget Rebalance PPS Threshold", pool.PPSBudgetRebalanceThreshold);
     }
 }
 
@@ -49,20 +41,20 @@ void print_interface_sessions(const pm_pps_summary_info &cpu) {
 
 void print_single_pool(const pm_pps_summary_info &cpu) {
     const pm_single_pps_pool_parcel &pool = cpu.PPSPool.SinglePPSPool;
-    print_pps(2, "Total PPS Limit", pool.MaximumPPSForAllSession);
-    print_pps(2, "Total PPS Requested", pool.TotalPPSRequested);
+    pm_print_column_u32(2, "Total PPS Limit", pool.MaximumPPSForAllSession);
+    pm_print_column_u32(2, "Total PPS Requested", pool.TotalPPSRequested);
     print_budget_detail(pool);
     print_interface_sessions(cpu);
 }
 
 void print_multiple_pools(const pm_pps_summary_info &cpu) {
     const pm_multi_pps_pool_parcel &pool = cpu.PPSPool.MultiplePPSPool;
-    print_pps(2, "Interface session PPS limit", pool.MaximumPPSForInterfaceSession);
-    print_pps(2, "Interface session PPS Requested", pool.TotalPPSRequestedForInterfaceSession);
+    pm_print_column_u32(2, "Interface session PPS limit", pool.MaximumPPSForInterfaceSession);
+    pm_print_column_u32(2, "Interface session PPS Requested", pool.TotalPPSRequestedForInterfaceSession);
     print_interface_sessions(cpu);
     pm_print<"\n">();
-    print_pps(2, "Multi-hop session PPS limit", pool.MaximumPPSForMutihopSession);
-    print_pps(2, "Multi-hop session PPS Requested", pool.TotalPPSRequestedForMHSession);
+    pm_print_column_u32(2, "Multi-hop session PPS limit", pool.MaximumPPSForMutihopSession);
+    pm_print_column_u32(2, "Multi-hop session PPS Requested", pool.TotalPPSRequestedForMHSession);
     print_budget_detail(pool);
 }
 
@@ -101,7 +93,7 @@ void print_npus(const parcel_array<pm_pps_npu_summary_info> &npus) {
         // NPUs are named by their place in the list, not by NPU_ID.
         pm_print<"\n%*sNPU%u:\n">(4, "", i);
         pm_print_heading(4, "SR Policy");
-        print_pps(6, "Total PPS Limit", npu_limit(npu.PPSPool));
+        pm_print_column_u32(6, "Total PPS Limit", npu_limit(npu.PPSPool));
         print_sessions(npu.SRPolicySessionInfo);
     }
 }

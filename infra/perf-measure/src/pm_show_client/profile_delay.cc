@@ -18,30 +18,30 @@ constexpr std::uint32_t LOWER_BOUND_NOT_SET = 0;
 // same transports are spelled "SR Policy" and "Interface" or not, as each group of lines has them.
 void print_effective(int indent, std::uint32_t srpolicy, std::uint32_t endpoint, std::uint32_t interface,
                      const char *unit) {
-    pm_profile_unit(indent, "Effective for SR policy", srpolicy, unit);
-    pm_profile_unit(indent, "Effective for Endpoint", endpoint, unit);
-    pm_profile_unit(indent, "Effective for interface", interface, unit);
+    pm_print_column_unit(indent, "Effective for SR policy", srpolicy, unit);
+    pm_print_column_unit(indent, "Effective for Endpoint", endpoint, unit);
+    pm_print_column_unit(indent, "Effective for interface", interface, unit);
 }
 
 // How it is measured ------------------------------------------------------------------------------
 
 void print_mode(const pm_delay_transport_profile_parcel &profile, bool generic) {
     if (!generic) {
-        pm_profile_text(4, "Measurement mode", pm_delay_mode_str(profile.DelayMeasurementMode));
+        pm_print_column_str(4, "Measurement mode", pm_delay_mode_str(profile.DelayMeasurementMode));
         return;
     }
     pm_print_heading(4, "Measurement mode");
-    pm_profile_text(6, "SR Policy", pm_delay_mode_str(profile.MeasurementModeSRPolicy));
-    pm_profile_text(6, "Endpoint", pm_delay_mode_str(profile.MeasurementModeEndpoint));
-    pm_profile_text(6, "Interface", pm_delay_mode_str(profile.MeasurementModeInterface));
+    pm_print_column_str(6, "SR Policy", pm_delay_mode_str(profile.MeasurementModeSRPolicy));
+    pm_print_column_str(6, "Endpoint", pm_delay_mode_str(profile.MeasurementModeEndpoint));
+    pm_print_column_str(6, "Interface", pm_delay_mode_str(profile.MeasurementModeInterface));
 }
 
 void print_protocol(const pm_delay_transport_profile_parcel &profile) {
-    pm_profile_text(4, "Protocol type", pm_protocol_name_str(profile.PayloadType, profile.EncapMode));
-    pm_profile_text(4, "Encap mode", pm_udp_mpls_str(profile.EncapMode));
+    pm_print_column_str(4, "Protocol type", pm_protocol_name_str(profile.PayloadType, profile.EncapMode));
+    pm_print_column_str(4, "Encap mode", pm_udp_mpls_str(profile.EncapMode));
     pm_print_heading(4, "Type of service");
-    pm_profile_number(6, "PM-MPLS traffic class", profile.TOSTrafficClassValue);
-    pm_profile_number(6, "TWAMP-light DSCP", profile.TOS_DSCPValue);
+    pm_print_column_u32(6, "PM-MPLS traffic class", profile.TOSTrafficClassValue);
+    pm_print_column_u32(6, "TWAMP-light DSCP", profile.TOS_DSCPValue);
 }
 
 // Intervals ---------------------------------------------------------------------------------------
@@ -61,30 +61,30 @@ void print_intervals(const pm_delay_transport_profile_parcel &profile, pm_transp
     pm_profile_interval(4, "Probe computation interval", profile.ProbeComputationInterval,
                         profile.ProbeComputationIntervalEffective, "seconds");
     pm_profile_tx_intervals(profile, effective_tx_interval(profile, transport));
-    pm_profile_number(4, "Packets per computation interval", profile.BurstCount);
+    pm_print_column_u32(4, "Packets per computation interval", profile.BurstCount);
 }
 
 void print_generic_intervals(const pm_delay_transport_profile_parcel &profile) {
-    pm_profile_unit(4, "Probe computation interval", profile.ProbeComputationInterval, "seconds");
+    pm_print_column_unit(4, "Probe computation interval", profile.ProbeComputationInterval, "seconds");
     print_effective(6, profile.ProbeComputationIntervalEffectiveSRPolicy,
                     profile.ProbeComputationIntervalEffectiveEndpoint,
                     profile.ProbeComputationIntervalEffectiveInterface, "seconds");
     if (profile.TXInterval != nullptr) {
-        pm_profile_unit(4, "Tx interval", *profile.TXInterval, "uSec");
+        pm_print_column_unit(4, "Tx interval", *profile.TXInterval, "uSec");
         print_effective(6, profile.TXIntervalEffectiveSRPolicy, profile.TXIntervalEffectiveEndpoint,
                         profile.TXIntervalEffectiveInterface, "uSec");
     }
     pm_print_heading(4, "Packets per computation interval");
-    pm_profile_number(6, "SR policy", profile.PacketsPerComputationIntervalSRPolicy);
-    pm_profile_number(6, "Endpoint", profile.PacketsPerComputationIntervalEndpoint);
-    pm_profile_number(6, "Interface", profile.PacketsPerComputationIntervalInterface);
+    pm_print_column_u32(6, "SR policy", profile.PacketsPerComputationIntervalSRPolicy);
+    pm_print_column_u32(6, "Endpoint", profile.PacketsPerComputationIntervalEndpoint);
+    pm_print_column_u32(6, "Interface", profile.PacketsPerComputationIntervalInterface);
 }
 
 // Advertisement -----------------------------------------------------------------------------------
 
 void print_changes(std::uint32_t threshold_percent, std::uint32_t minimum_change_usec) {
-    pm_profile_percent(6, "Threshold", threshold_percent);
-    pm_profile_unit(6, "Minimum-change", minimum_change_usec, "uSec");
+    pm_print_column_percent(6, "Threshold", threshold_percent);
+    pm_print_column_unit(6, "Minimum-change", minimum_change_usec, "uSec");
 }
 
 void print_periodic(const pm_delay_transport_profile_parcel &profile, bool generic) {
@@ -93,7 +93,7 @@ void print_periodic(const pm_delay_transport_profile_parcel &profile, bool gener
         return;
     }
     if (generic) {
-        pm_profile_unit(6, "Interval", profile.PeriodicAdvertisementInterval, "sec");
+        pm_print_column_unit(6, "Interval", profile.PeriodicAdvertisementInterval, "sec");
         print_effective(8, profile.PeriodicAdvertisementIntervalEffectiveSRPolicy,
                         profile.PeriodicAdvertisementIntervalEffectiveEndpoint,
                         profile.PeriodicAdvertisementIntervalEffectiveInterface, "sec");
@@ -119,11 +119,11 @@ void print_anomaly(const pm_delay_transport_profile_parcel &profile) {
         return;
     }
     if (upper_usec == UPPER_BOUND_NOT_SET && lower_usec == LOWER_BOUND_NOT_SET) {
-        pm_profile_text(6, "Upper Bound", "Not set");
-        pm_profile_text(6, "Lower Bound", "Not set");
+        pm_print_column_str(6, "Upper Bound", "Not set");
+        pm_print_column_str(6, "Lower Bound", "Not set");
     } else {
-        pm_profile_unit(6, "Upper Bound", upper_usec, "uSec");
-        pm_profile_unit(6, "Lower Bound", lower_usec, "uSec");
+        pm_print_column_unit(6, "Upper Bound", upper_usec, "uSec");
+        pm_print_column_unit(6, "Lower Bound", lower_usec, "uSec");
     }
 }
 

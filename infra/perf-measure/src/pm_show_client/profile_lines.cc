@@ -5,44 +5,27 @@ namespace {
 
 constexpr std::uint32_t VALUES_PER_LINE = 15;
 
-constexpr int label_width(int indent) { return PM_COUNTER_WIDTH - indent; }
-
 }  // namespace
 
 void pm_profile_heading() { pm_print_heading(2, "Profile configuration"); }
 
-void pm_profile_text(int indent, const char *label, const char *text) {
-    pm_print_label_str(PM_COUNTER_WIDTH, indent, label, text);
-}
-
-void pm_profile_number(int indent, const char *label, std::uint32_t value) {
-    pm_print_label_u32(PM_COUNTER_WIDTH, indent, label, value, "");
-}
-
-void pm_profile_percent(int indent, const char *label, std::uint32_t value) {
-    pm_print_indented<"%-*s: %u%%\n">(indent, label_width(indent), label, value);
-}
-
-void pm_profile_unit(int indent, const char *label, std::uint32_t value, const char *unit) {
-    pm_print_indented<"%-*s: %u %s\n">(indent, label_width(indent), label, value, unit);
-}
-
 void pm_profile_interval(int indent, const char *label, std::uint32_t value, std::uint32_t effective,
                          const char *unit) {
-    pm_print_indented<"%-*s: %u (effective: %u) %s\n">(indent, label_width(indent), label, value, effective, unit);
+    pm_print_indented<"%-*s: %u (effective: %u) %s\n">(indent, PM_COUNTER_WIDTH - indent, label, value, effective,
+                                                       unit);
 }
 
 void pm_profile_enabled(int indent, const char *label, bool enabled) {
-    pm_profile_text(indent, label, enabled ? "Enabled" : "Disabled");
+    pm_print_column_str(indent, label, enabled ? "Enabled" : "Disabled");
 }
 
 void pm_profile_enabled_default(int indent, const char *label, bool enabled) {
-    pm_profile_text(indent, label, enabled ? "Enabled" : "Disabled (default)");
+    pm_print_column_str(indent, label, enabled ? "Enabled" : "Disabled (default)");
 }
 
 void pm_profile_optional(int indent, const char *label, const std::uint32_t *value) {
     if (value != nullptr) {
-        pm_profile_number(indent, label, *value);
+        pm_print_column_u32(indent, label, *value);
     }
 }
 
@@ -55,13 +38,13 @@ void pm_profile_sweeping(bool enabled, const pm_record_address &start, std::uint
     if (enabled) {
         // These labels have a colon of their own before the one in the column.
         pm_print_label_address("Starting address:", start, 6, PM_COUNTER_WIDTH);
-        pm_profile_number(6, "Sweeping range:", range);
+        pm_print_column_u32(6, "Sweeping range:", range);
     }
 }
 
 void pm_profile_list(const char *count_label, const char *list_label, int continuation,
                      const parcel_array<std::uint32_t> &values) {
-    pm_profile_number(PM_PROFILE_INDENT, count_label, values.count);
+    pm_print_column_u32(PM_PROFILE_INDENT, count_label, values.count);
     if (values.count == 0) {
         return;
     }

@@ -9,12 +9,7 @@ inline constexpr int PM_PROFILE_INDENT = 4;
 // "Profile configuration:", which every profile begins with.
 void pm_profile_heading();
 
-void pm_profile_text(int indent, const char *label, const char *text);
-void pm_profile_number(int indent, const char *label, std::uint32_t value);
-void pm_profile_percent(int indent, const char *label, std::uint32_t value);
-
-// "10 uSec", and "10 (effective: 12) uSec".
-void pm_profile_unit(int indent, const char *label, std::uint32_t value, const char *unit);
+// "10 (effective: 12) uSec".
 void pm_profile_interval(int indent, const char *label, std::uint32_t value, std::uint32_t effective, const char *unit);
 
 // "Enabled" or "Disabled", and with the default marked "Enabled" or "Disabled (default)".

@@ -13,7 +13,7 @@ std::uint32_t value_or_zero(const std::uint32_t *value) { return value != nullpt
 void print_npu_effective(const parcel_array<std::uint32_t> &effective, const char *unit) {
     for (std::uint32_t npu = 0; npu < effective.count; ++npu) {
         pm_print<"%*sEffective for NPU%u:\n">(6, "", npu);
-        pm_profile_unit(8, "SR Policy", effective[npu], unit);
+        pm_print_column_unit(8, "SR Policy", effective[npu], unit);
     }
 }
 
@@ -23,13 +23,13 @@ void print_npu_intervals(const pm_liveness_transport_profile_parcel &profile, pm
         return;
     }
     if (profile.TXIntervalEffectiveNPUSRPolicy.count != 0 && profile.TXInterval != nullptr) {
-        pm_profile_unit(4, "Tx interval", *profile.TXInterval, "uSec");
+        pm_print_column_unit(4, "Tx interval", *profile.TXInterval, "uSec");
         if (transport == PM_TRANSPORT_GENERIC) {
-            pm_profile_unit(6, "Effective for Endpoint", profile.TXIntervalEffectiveEndpoint, "uSec");
+            pm_print_column_unit(6, "Effective for Endpoint", profile.TXIntervalEffectiveEndpoint, "uSec");
         }
         print_npu_effective(profile.TXIntervalEffectiveNPUSRPolicy, "uSec");
     } else if (profile.BurstIntervalNPUEffective.count != 0 && profile.BurstInterval != nullptr) {
-        pm_profile_unit(4, "Burst interval", *profile.BurstInterval, "mSec");
+        pm_print_column_unit(4, "Burst interval", *profile.BurstInterval, "mSec");
         print_npu_effective(profile.BurstIntervalNPUEffective, "mSec");
     }
 }
@@ -46,9 +46,9 @@ std::uint32_t effective_tx_interval(const pm_liveness_transport_profile_parcel &
 
 void print_generic_intervals(const pm_liveness_transport_profile_parcel &profile) {
     if (profile.TXInterval != nullptr) {
-        pm_profile_unit(4, "Tx interval", *profile.TXInterval, "uSec");
-        pm_profile_unit(6, "Effective for SR Policy", value_or_zero(profile.TXIntervalEffectiveSRPolicy), "uSec");
-        pm_profile_unit(6, "Effective for Endpoint", profile.TXIntervalEffectiveEndpoint, "uSec");
+        pm_print_column_unit(4, "Tx interval", *profile.TXInterval, "uSec");
+        pm_print_column_unit(6, "Effective for SR Policy", value_or_zero(profile.TXIntervalEffectiveSRPolicy), "uSec");
+        pm_print_column_unit(6, "Effective for Endpoint", profile.TXIntervalEffectiveEndpoint, "uSec");
     }
 }
 
@@ -75,9 +75,9 @@ void print_npu_sessions(const parcel_array<std::uint32_t> &sessions, pm_transpor
         pm_format_text<"NPU%u">(npu, sizeof npu, i);
         if (transport == PM_TRANSPORT_GENERIC) {
             pm_print_heading(6, npu);
-            pm_profile_number(8, "SR Policy", sessions[i]);
+            pm_print_column_u32(8, "SR Policy", sessions[i]);
         } else {
-            pm_profile_number(6, npu, sessions[i]);
+            pm_print_column_u32(6, npu, sessions[i]);
         }
     }
 }
@@ -86,16 +86,16 @@ void print_npu_sessions(const parcel_array<std::uint32_t> &sessions, pm_transpor
 
 void pm_show_liveness_profile(const pm_liveness_transport_profile_parcel &profile, pm_transport_type_e transport) {
     pm_profile_heading();
-    pm_profile_text(4, "Measurement mode", pm_delay_mode_str(profile.DelayMeasurementMode));
-    pm_profile_text(4, "Protocol type", pm_protocol_name_str(profile.PayloadType, profile.EncapMode));
+    pm_print_column_str(4, "Measurement mode", pm_delay_mode_str(profile.DelayMeasurementMode));
+    pm_print_column_str(4, "Protocol type", pm_protocol_name_str(profile.PayloadType, profile.EncapMode));
     pm_print_heading(4, "Type of service");
-    pm_profile_number(6, "TWAMP-light DSCP", profile.TOS_DSCPValue);
+    pm_print_column_u32(6, "TWAMP-light DSCP", profile.TOS_DSCPValue);
     print_intervals(profile, transport);
     pm_profile_sweeping(profile.DestinationSweepingModeEnabled, profile.DestinationSweepingAddress,
                         profile.DestinationSweepingRange);
     pm_profile_flow_labels(profile.FlowLabel);
     pm_print_heading(4, "Liveness detection parameters");
-    pm_profile_number(6, "Multiplier", profile.LivenessDetection.Multiplier);
+    pm_print_column_u32(6, "Multiplier", profile.LivenessDetection.Multiplier);
     pm_profile_enabled(6, "Logging state change", profile.LivenessDetection.LoggingStateChangeEnabled);
     if (profile.NPUOffloadConfig.NPUOffloadEnabled) {
         print_npu_sessions(profile.NPUOffloadConfig.NpuSessionCount, transport);

@@ -7,16 +7,16 @@ namespace {
 
 // Not as delay profiles have it: another spelling, and no unit.
 void print_changes(std::uint32_t threshold_percent, std::uint32_t minimum_change) {
-    pm_profile_percent(6, "Threshold", threshold_percent);
-    pm_profile_number(6, "Minimum-Change", minimum_change);
+    pm_print_column_percent(6, "Threshold", threshold_percent);
+    pm_print_column_u32(6, "Minimum-Change", minimum_change);
 }
 
 }  // namespace
 
 void pm_show_loss_profile(const pm_loss_transport_profile_parcel &profile) {
     pm_profile_heading();
-    pm_profile_unit(4, "Probe interval", profile.ProbeInterval, "seconds");
-    pm_profile_text(4, "Encap mode", pm_udp_mpls_str(profile.EncapMode));
+    pm_print_column_unit(4, "Probe interval", profile.ProbeInterval, "seconds");
+    pm_print_column_str(4, "Encap mode", pm_udp_mpls_str(profile.EncapMode));
     pm_profile_enabled(4, "Periodic advertisement", profile.PeriodicAdvertisementEnabled);
     if (profile.PeriodicAdvertisementEnabled) {
         pm_profile_interval(6, "Interval", profile.PeriodicAdvertisementInterval,

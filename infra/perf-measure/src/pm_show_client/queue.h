@@ -15,13 +15,10 @@ enum pm_queue_type : std::int32_t {
 // records that count a queue.
 template <class Queue>
 void pm_show_queue(pm_queue_type type, const Queue &queue, int indent) {
-    const auto print = [lines = indent + 2](const char *label, std::uint32_t value) {
-        pm_print_label_u32(PM_COUNTER_WIDTH, lines, label, value, "");
-    };
     pm_print_heading(indent, pm_queue_type_str(type));
-    print("Size", queue.QueueSize);
-    print("Enqueues", queue.NumberOfEnqueues);
-    print("High water mark", queue.HighWaterMark);
+    pm_print_column_u32(indent + 2, "Size", queue.QueueSize);
+    pm_print_column_u32(indent + 2, "Enqueues", queue.NumberOfEnqueues);
+    pm_print_column_u32(indent + 2, "High water mark", queue.HighWaterMark);
     // A number without a meaning stands here, where a calendar text would belong; any number serves.
-    print("High water mark time", static_cast<std::uint32_t>(queue.HighWaterMarkTS));
+    pm_print_column_u32(indent + 2, "High water mark time", static_cast<std::uint32_t>(queue.HighWaterMarkTS));
 }

@@ -7,9 +7,7 @@
 
 namespace {
 
-void print_rate(const char *label, std::uint32_t rate_pps) {
-    pm_print_indented<"%-46s: %u pkts/sec\n">(2, label, rate_pps);
-}
+void print_rate(const char *label, std::uint32_t rate_pps) { pm_print_column_unit(2, label, rate_pps, "pkts/sec"); }
 
 }  // namespace
 
@@ -19,7 +17,7 @@ int pm_show_resp_summary(const void *decoded_parcel) {
     }
     const auto &summary = *static_cast<const pm_resp_summary_parcel *>(decoded_parcel);
     pm_print_heading(0, "Delay-Measurement");
-    pm_print_indented<"%-46s: %u\n">(2, "Total interfaces", summary.TotalInterfaces);
+    pm_print_column_u32(2, "Total interfaces", summary.TotalInterfaces);
     pm_show_resp_counters(&summary.ResponderCounters, 2);
     print_rate("Current rate", summary.PacketRate);
     print_rate("Rate high water mark", summary.PacketRateHighWaterMark);

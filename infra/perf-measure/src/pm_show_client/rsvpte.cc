@@ -18,7 +18,7 @@ void print_detail(const pm_rsvpte_parcel &tunnel) {
     pm_print<"Tunnel name: %s (ifh: 0x%x)\n">(tunnel.TunnelName, tunnel.InterfaceHandle);
     pm_print_label_str(WIDTH, 2, "Destination", inet_ntoa_r(tunnel.TunnelDestinationIPv4Address));
     for (const pm_rsvpte_lsp_delay_parcel &lsp : tunnel.RSVPTELSPDelaySessions) {
-        print_empty_line();
+        pm_print_empty_line();
         pm_print_heading(2, "Delay Measurement session");
         pm_show_rsvpte_lsp_session(&lsp, 4, WIDTH);
     }

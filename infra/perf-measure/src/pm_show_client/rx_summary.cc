@@ -30,18 +30,17 @@ void print_packets(const pm_counter_rx_type_parcel &counters) {
     pm_print_counter(0, "Total PD packet errors received", counters.PacketPD_RxErrorCounter);
 }
 
-void print_maximum(const char *label, std::uint32_t rate_pps) {
-    pm_print_indented<"%-48s: %u pkts/sec\n">(0, label, rate_pps);
-}
-
 void print_punt_rate(const char *label, std::uint64_t rate_pps, std::uint64_t percent_of_max) {
     pm_print_indented<"%-46s: %lu pkts/sec (%lu%% of max allowed)\n">(2, label, rate_pps, percent_of_max);
 }
 
 void print_rates(const pm_counter_rx_type_parcel &counters) {
-    print_maximum("Maximum PPS supported for KPKT punt", counters.PacketKPKT_RxPuntSupportedMaxPPS);
-    print_maximum("Maximum PPS supported for UDP punt", counters.PacketIP_UDP_PuntSupportedMaxPPS);
-    print_maximum("Maximum PPS supported for PD DLL punt", counters.PacketPD_RxPuntSupportedMaxPPS);
+    pm_print_column_unit(0, "Maximum PPS supported for KPKT punt", counters.PacketKPKT_RxPuntSupportedMaxPPS,
+                         "pkts/sec");
+    pm_print_column_unit(0, "Maximum PPS supported for UDP punt", counters.PacketIP_UDP_PuntSupportedMaxPPS,
+                         "pkts/sec");
+    pm_print_column_unit(0, "Maximum PPS supported for PD DLL punt", counters.PacketPD_RxPuntSupportedMaxPPS,
+                         "pkts/sec");
     pm_print<"RX punt PPS (refresh every %u sec):\n">(PUNT_RATE_REFRESH_SEC);
     // The record's punt counters are rates.
     print_punt_rate("KPKT punt PPS", counters.PacketKPKT_RxPuntCounter, counters.PacketKPKT_RxPuntPPS_Percentage);
@@ -51,13 +50,11 @@ void print_rates(const pm_counter_rx_type_parcel &counters) {
 
 // Ports -------------------------------------------------------------------------------------------
 
-void print_number(const char *label, std::uint32_t number) { pm_print_indented<"%-46s: %u\n">(2, label, number); }
-
 void print_port(const char *label, std::uint32_t port) {
     if (port == 0) {
-        pm_print_indented<"%-46s: %s\n">(2, label, "N/A");
+        pm_print_column_str(2, label, "N/A");
     } else {
-        print_number(label, port);
+        pm_print_column_u32(2, label, port);
     }
 }
 
@@ -79,7 +76,7 @@ void print_ports(const char *heading, const pm_rx_udp_port_parcel &ports) {
 // The default port is a number even when it is 0.
 void print_default_ports(const pm_rx_udp_port_parcel &ports) {
     pm_print_heading(0, "TWAMP-Light Default Unauthenticated delay responder destination ports");
-    print_number("Default port", ports.ConfiguredPortNumber);
+    pm_print_column_u32(2, "Default port", ports.ConfiguredPortNumber);
     print_opened_ports(ports);
 }
 
@@ -102,7 +99,7 @@ void print_npu_ports(const pm_rx_udp_npu_ports_ptr &npus) {
     pm_print_heading(0, "NPU ports");
     for (const pm_rx_udp_npu_ports_parcel &npu : npus.NpuPortList) {
         pm_print_heading(0, TWAMP_QUERIER);
-        print_number("NPU id", npu.NpuId);
+        pm_print_column_u32(2, "NPU id", npu.NpuId);
         print_ports(npu.QueryUnAuthenticatedNpuTwampDelayMeasurement);
     }
 }

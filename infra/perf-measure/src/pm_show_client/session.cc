@@ -123,6 +123,6 @@ int pm_show_session(const void *decoded_parcel) {
     case PM_TRANSPORT_ENDPOINT: print_endpoint(session.EndpointSession); break;
     default: break;  // nothing is known of another transport's session
     }
-    print_empty_line();
+    pm_print_empty_line();
     return PM_SHOW_PRINTED;
 }

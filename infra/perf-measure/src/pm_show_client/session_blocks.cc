@@ -75,10 +75,10 @@ void pm_show_last_advertisement(const pm_scb_last_advert_parcel *advertisement, 
     }
     if (!withdraws) {
         print_delays(indent, "Advertised", advertisement->AdvertisedValues);
-        print_labelled(indent, "A flag set", true_or_false(advertisement->AFlagSet));
+        print_labelled(indent, "A flag set", pm_true_or_false(advertisement->AFlagSet));
     }
     if (pm_show_options.internal) {
-        print_labelled(indent, "Msg in flight", true_or_false(advertisement->MsgInFlight));
+        print_labelled(indent, "Msg in flight", pm_true_or_false(advertisement->MsgInFlight));
     }
 }
 

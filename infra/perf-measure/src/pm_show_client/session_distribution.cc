@@ -22,14 +22,12 @@ void print_number(int indent, const char *label, std::uint32_t number) {
 }
 
 void print_flag(int indent, const char *label, std::uint32_t flag) {
-    print_text(indent, label, flag ? "True" : "False");
+    print_text(indent, label, pm_true_or_false(flag));
 }
 
 void print_liveness(int indent, const char *label, std::uint32_t is_up) {
     print_text(indent, label, is_up ? "UP" : "DOWN");
 }
-
-void print_empty_line() { pm_print<"\n">(); }
 
 void print_host(const pm_dr_session_info &session) {
     print_text(6, "Session host type", session.SessionHostType == PM_DR_SESSION_CPU ? "CPU" : "NPU");
@@ -95,7 +93,7 @@ void print_cpu_sessions(const parcel_array<pm_dr_session_info> &sessions) {
     }
     for (const pm_dr_session_info &session : sessions) {
         print_session(session);
-        print_empty_line();
+        pm_print_empty_line();
     }
 }
 
@@ -120,7 +118,7 @@ int pm_show_dr(const void *decoded_parcel) {
     const auto &record = *static_cast<const pm_dr_info *>(decoded_parcel);
     print_text(2, "SR Policy Name", record.DistributionRecordName);
     print_text(4, "Created on", pm_time_str(record.RecordCreationTimestamp));
-    print_empty_line();
+    pm_print_empty_line();
     print_cpu_sessions(record.Sessions);
     print_npu_sessions(record.NPUOffloadSessions);
     return PM_SHOW_PRINTED;

@@ -10,10 +10,6 @@ namespace pm_session_lines {
 // Whether a text is absent or empty.
 inline bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
 
-inline const char *true_or_false(std::uint32_t flag) { return flag != 0 ? "True" : "False"; }
-
-inline void print_empty_line() { pm_print<"\n">(); }
-
 // A line of text, and one of a label and a text without a column.
 inline void print_text(int indent, const char *text) { pm_print_indented<"%s\n">(indent, text); }
 inline void print_labelled(int indent, const char *label, const char *text) {

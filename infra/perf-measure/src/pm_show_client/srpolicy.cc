@@ -31,7 +31,7 @@ void print_policy(const pm_srpolicy_parcel &policy) {
     pm_print_label_address("Endpoint", policy.EndPointAddress, 2, WIDTH);
     if (pm_show_options.internal) {
         pm_print_label_hex("Handle", policy.InterfaceName);
-        print_str(2, "Policy to be deleted", true_or_false(policy.ToBeDeleted));
+        print_str(2, "Policy to be deleted", pm_true_or_false(policy.ToBeDeleted));
     }
     print_u32(2, "Number of candidate-paths", policy.CandidatePathTotalCount);
 }
@@ -56,7 +56,7 @@ void print_list_identity(const pm_srpolicy_segment_list_parcel &list) {
     pm_print<"%*sSegment List ID: %u\n">(6, "", list.SegmentListID);
     print_reverse_path(list);
     if (pm_show_options.internal) {
-        print_str(6, "Segment-list to be deleted", true_or_false(list.ToBeDeleted));
+        print_str(6, "Segment-list to be deleted", pm_true_or_false(list.ToBeDeleted));
     }
     print_u32(6, "Number of atomic paths", list.AtomicPathTotalCount);
 }
@@ -80,12 +80,12 @@ void print_list_measurement(const pm_srpolicy_segment_list_parcel &list, bool ru
 
 // `running` tells whether the probe of the list's candidate path runs.
 void print_segment_list(const pm_srpolicy_segment_list_parcel &list, bool running) {
-    print_empty_line();
+    pm_print_empty_line();
     print_list_identity(list);
     print_list_measurement(list, running);
     if (pm_show_options.verbose) {
         for (const pm_srpolicy_atomic_path_parcel &path : list.AtomicPaths) {
-            print_empty_line();
+            pm_print_empty_line();
             pm_show_atomic_path(&path, running, 6, WIDTH);
         }
     }
@@ -111,7 +111,7 @@ void print_path_identity(const pm_srpolicy_candidate_path_parcel &path) {
     print_u32(4, "Discriminator", path.Discriminator);
     pm_show_profile_keys(&path.ProfileKey, path.ProfileName, 4, WIDTH);
     if (pm_show_options.internal) {
-        print_str(4, "Candidate path to be deleted", true_or_false(path.ToBeDeleted));
+        print_str(4, "Candidate path to be deleted", pm_true_or_false(path.ToBeDeleted));
     }
     print_str(
         4, "Source address",
@@ -149,7 +149,7 @@ void print_path_measurement(const pm_srpolicy_candidate_path_parcel &path) {
 }
 
 void print_candidate_path(const pm_srpolicy_candidate_path_parcel &path) {
-    print_empty_line();
+    pm_print_empty_line();
     print_path_identity(path);
     print_path_measurement(path);
     if (pm_show_options.detail) {

@@ -133,7 +133,7 @@ int pm_show_srpolicy_counters(const void *decoded_parcel) {
         print_cpu_sessions(policy.CandidateCounters);
     }
     if (on_cpu && on_npu) {
-        print_empty_line();
+        pm_print_empty_line();
     }
     if (on_npu) {
         print_npu_sessions(policy.NPUOffloadedCandidatePathCounters);

@@ -14,58 +14,52 @@ void print_heading(int indent, const char *first, const char *second) {
     pm_print<"%*s%s %s:\n">(indent, "", first, second);
 }
 
-void print_empty_line() { pm_print<"\n">(); }
-
-void print_u32(int indent, const char *label, std::uint32_t value) {
-    pm_print_label_u32(PM_COUNTER_WIDTH, indent, label, value, "");
-}
-
 // A 64-bit count that the report shows with its low 32 bits.
 void print_low_u32(int indent, const char *label, std::uint64_t value) {
-    print_u32(indent, label, static_cast<std::uint32_t>(value));
+    pm_print_column_u32(indent, label, static_cast<std::uint32_t>(value));
 }
 
 // The internal state of the process ---------------------------------------------------------------
 
 void print_timer_drift(const pm_summary_timer_drift_parcel &drift) {
     pm_print_heading(2, "TX timer drift statistics");
-    pm_print_indented<"%-44s: %u msec\n">(4, "Average drift", drift.AverageTimerDrift);
-    pm_print_indented<"%-44s: %u msec\n">(4, "Maximum drift", drift.MaximumTimerDrift);
-    pm_print_indented<"%-44s: %s\n">(4, "Time of maximum drift", pm_time_str(drift.MaximumTimerDriftTimestamp));
-    pm_print_indented<"%-44s: %u%%\n">(4, "Over 10 msec drift", drift.DriftAboveThresholdPercentage);
+    pm_print_column_unit(4, "Average drift", drift.AverageTimerDrift, "msec");
+    pm_print_column_unit(4, "Maximum drift", drift.MaximumTimerDrift, "msec");
+    pm_print_column_str(4, "Time of maximum drift", pm_time_str(drift.MaximumTimerDriftTimestamp));
+    pm_print_column_percent(4, "Over 10 msec drift", static_cast<std::uint32_t>(drift.DriftAboveThresholdPercentage));
 }
 
 void print_infrastructure(const pm_summary_parcel &summary) {
     pm_print_heading(0, "Performance-Measurement Infrastructure Information");
     pm_show_queue(PM_QUEUE_CHECKPOINT_OPERATION, summary.CheckpointOperationQueue, 2);
     print_timer_drift(summary.TXTimerDrift);
-    print_empty_line();
+    pm_print_empty_line();
 }
 
 // The sessions that the CPU runs ------------------------------------------------------------------
 
 void print_totals(const pm_summary_parcel &summary) {
     pm_print_heading(0, "Measurement Information");
-    print_u32(2, "Total interfaces with PM sessions", summary.TotalInterfaces);
-    print_u32(2, "Total SR Policies with PM sessions", summary.TotalSRPolicies);
-    print_u32(2, "Total Endpoints with PM sessions", summary.TotalEndpoints);
-    print_u32(2, "Total RSVP-TE tunnels with PM sessions", summary.TotalRSVP_TETunnels);
-    print_empty_line();
+    pm_print_column_u32(2, "Total interfaces with PM sessions", summary.TotalInterfaces);
+    pm_print_column_u32(2, "Total SR Policies with PM sessions", summary.TotalSRPolicies);
+    pm_print_column_u32(2, "Total Endpoints with PM sessions", summary.TotalEndpoints);
+    pm_print_column_u32(2, "Total RSVP-TE tunnels with PM sessions", summary.TotalRSVP_TETunnels);
+    pm_print_empty_line();
 }
 
 void print_delay(pm_transport_type_e transport, const pm_delay_transport_summary_parcel &summary) {
     const pm_delay_session_counter_parcel &sessions = summary.DelaySessionCounters;
     print_heading(4, pm_transport_type_str(transport), "Delay-Measurement");
-    print_u32(6, "Total sessions", sessions.TotalDelaySessions);
-    print_u32(8, "Total running sessions", sessions.TotalProbeRunningDelaySessions);
-    print_u32(8, "Total running IPv4 sessions", sessions.TotalProbeRunningIPv4DelaySessions);
-    print_u32(8, "Total running IPv6 sessions", sessions.TotalProbeRunningIPv6DelaySessions);
-    print_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningSRv6DelaySessions);
-    print_u32(8, "Total running MPLS sessions", sessions.TotalProbeRunningMPLSDelaySessions);
-    print_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorDelaySessions);
+    pm_print_column_u32(6, "Total sessions", sessions.TotalDelaySessions);
+    pm_print_column_u32(8, "Total running sessions", sessions.TotalProbeRunningDelaySessions);
+    pm_print_column_u32(8, "Total running IPv4 sessions", sessions.TotalProbeRunningIPv4DelaySessions);
+    pm_print_column_u32(8, "Total running IPv6 sessions", sessions.TotalProbeRunningIPv6DelaySessions);
+    pm_print_column_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningSRv6DelaySessions);
+    pm_print_column_u32(8, "Total running MPLS sessions", sessions.TotalProbeRunningMPLSDelaySessions);
+    pm_print_column_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorDelaySessions);
     pm_print_heading(6, "Counters");
     pm_show_session_counters(&summary.DelayTransportCounters, 8);
-    print_empty_line();
+    pm_print_empty_line();
 }
 
 void print_delays(const pm_delay_summary_parcel &summary) {
@@ -79,32 +73,32 @@ void print_delays(const pm_delay_summary_parcel &summary) {
 template <class Sessions>
 void print_liveness_sessions(pm_transport_type_e transport, const Sessions &sessions) {
     print_heading(4, pm_transport_type_str(transport), pm_measurement_type_str(PM_MEASUREMENT_LIVENESS));
-    print_u32(6, "Total sessions", sessions.TotalSessions);
-    print_u32(8, "Total running sessions", sessions.TotalProbeRunningSessions);
-    print_u32(8, "Total running IPv4 sessions", sessions.TotalProbeRunningIPv4Sessions);
-    print_u32(8, "Total running IPv6 sessions", sessions.TotalProbeRunningIPv6Sessions);
+    pm_print_column_u32(6, "Total sessions", sessions.TotalSessions);
+    pm_print_column_u32(8, "Total running sessions", sessions.TotalProbeRunningSessions);
+    pm_print_column_u32(8, "Total running IPv4 sessions", sessions.TotalProbeRunningIPv4Sessions);
+    pm_print_column_u32(8, "Total running IPv6 sessions", sessions.TotalProbeRunningIPv6Sessions);
 }
 
 void print_srpolicy_liveness(const pm_srpolicy_liveness_summary_parcel &summary) {
     const pm_srpolicy_liveness_session_counters_parcel &sessions = summary.SRPolicyLivenessSessionCounters;
     print_liveness_sessions(PM_TRANSPORT_SR_POLICY, sessions);
     // The record counts neither SR-MPLS nor SRv6 sessions; the report repeats those of IPv4 and IPv6.
-    print_u32(8, "Total running SR-MPLS sessions", sessions.TotalProbeRunningIPv4Sessions);
-    print_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningIPv6Sessions);
-    print_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorSessions);
+    pm_print_column_u32(8, "Total running SR-MPLS sessions", sessions.TotalProbeRunningIPv4Sessions);
+    pm_print_column_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningIPv6Sessions);
+    pm_print_column_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorSessions);
     pm_print_heading(6, "Counters");
     pm_show_srpolicy_liveness_counters(&summary.SRPolicyLivenessTransportCounters, 8);
-    print_empty_line();
+    pm_print_empty_line();
 }
 
 void print_endpoint_liveness(const pm_endpoint_liveness_summary_parcel &summary) {
     const pm_endpoint_liveness_session_counters_parcel &sessions = summary.EndpointLivenessSessionCounters;
     print_liveness_sessions(PM_TRANSPORT_ENDPOINT, sessions);
-    print_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningSRv6Sessions);
-    print_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorSessions);
+    pm_print_column_u32(8, "Total running SRv6 sessions", sessions.TotalProbeRunningSRv6Sessions);
+    pm_print_column_u32(8, "Total running error sessions", sessions.TotalProbeRunningWithErrorSessions);
     pm_print_heading(6, "Counters");
     pm_show_endpoint_liveness_counters(&summary.EndpointLivenessTransportCounters, 8);
-    print_empty_line();
+    pm_print_empty_line();
 }
 
 void print_global_counters(const pm_cpu_global_counters_parcel &counters) {
@@ -113,20 +107,20 @@ void print_global_counters(const pm_cpu_global_counters_parcel &counters) {
     pm_print_counter(6, "Total query packets received", counters.QueryPacketsReceived);
     pm_print_counter(6, "Total invalid session id", counters.ReceivedPacketErrorInvalidSessionID);
     pm_print_counter(6, "Total missing session", counters.ReceivedPacketErrorNoSession);
-    print_empty_line();
+    pm_print_empty_line();
 }
 
 void print_probe_sessions(const pm_probe_summary_parcel &summary) {
     const pm_probe_session_counters_parcel &sessions = summary.PT_PA_Sessions_counter;
     const pm_probe_session_packet_counters_parcel &packets = summary.PT_PA_pkt_counters;
     pm_print_heading(4, "Probe sessions");
-    print_u32(6, "Total sessions", sessions.TotalSessions);
+    pm_print_column_u32(6, "Total sessions", sessions.TotalSessions);
     pm_print_heading(8, "Path-tracing sessions");
-    print_u32(10, "Total running sessions", sessions.TotalProbeRunningPTSessions);
-    print_u32(10, "Total running error sessions", sessions.TotalProbeRunningWithErrorPTSessions);
+    pm_print_column_u32(10, "Total running sessions", sessions.TotalProbeRunningPTSessions);
+    pm_print_column_u32(10, "Total running error sessions", sessions.TotalProbeRunningWithErrorPTSessions);
     pm_print_heading(8, "Path-assurance sessions");
-    print_u32(10, "Total running sessions", sessions.TotalProbeRunningPASessions);
-    print_u32(10, "Total running error sessions", sessions.TotalProbeRunningWithErrorPASessions);
+    pm_print_column_u32(10, "Total running sessions", sessions.TotalProbeRunningPASessions);
+    pm_print_column_u32(10, "Total running error sessions", sessions.TotalProbeRunningWithErrorPASessions);
     pm_print_heading(6, "Counters");
     pm_print_heading(8, "Path-tracing packets");
     print_low_u32(10, "Total sent", packets.PT_QueryPacketsSent);
@@ -134,27 +128,27 @@ void print_probe_sessions(const pm_probe_summary_parcel &summary) {
     pm_print_heading(8, "Path-assurance packets");
     print_low_u32(10, "Total sent", packets.PA_QueryPacketsSent);
     print_low_u32(10, "Total sent errors", packets.PA_QueryPacketSentErrors);
-    print_empty_line();
+    pm_print_empty_line();
 }
 
 // The sessions offloaded to NPUs ------------------------------------------------------------------
 
 void print_npu_sessions(const pm_npu_srpolicy_liveness_session_counters_parcel &sessions) {
     print_heading(6, pm_transport_type_str(PM_TRANSPORT_SR_POLICY), pm_measurement_type_str(PM_MEASUREMENT_LIVENESS));
-    print_u32(8, "Total sessions", sessions.TotalSessions);
-    print_u32(10, "Sessions created successfully", sessions.TotalCreatedSessions);
-    print_u32(10, "Sessions create pending", sessions.TotalPendingCreateSessions);
-    print_u32(10, "Sessions update pending", sessions.TotalPendingUpdateSessions);
-    print_u32(10, "Sessions delete pending", sessions.TotalPendingDeleteSessions);
-    print_u32(10, "Sessions not created", sessions.TotalNotCreatedSessions);
+    pm_print_column_u32(8, "Total sessions", sessions.TotalSessions);
+    pm_print_column_u32(10, "Sessions created successfully", sessions.TotalCreatedSessions);
+    pm_print_column_u32(10, "Sessions create pending", sessions.TotalPendingCreateSessions);
+    pm_print_column_u32(10, "Sessions update pending", sessions.TotalPendingUpdateSessions);
+    pm_print_column_u32(10, "Sessions delete pending", sessions.TotalPendingDeleteSessions);
+    pm_print_column_u32(10, "Sessions not created", sessions.TotalNotCreatedSessions);
 }
 
 void print_npu_counters(const pm_npu_global_counters &counters) {
     const pm_npu_packet_counters_parcel &packets = counters.NPUPacketCounters;
     const pm_npu_notification_counters_parcel &notifications = counters.NPUNotificationCounters;
-    print_empty_line();
+    pm_print_empty_line();
     pm_print_heading(6, "NPU Counters");
-    print_u32(8, "Total sessions", counters.TotalSessions);
+    pm_print_column_u32(8, "Total sessions", counters.TotalSessions);
     pm_print_heading(8, "Packets");
     pm_print_counter(10, "Total packets sent", packets.TotalPacketsSent);
     pm_print_counter(10, "Total packets received", packets.TotalPacketsReceived);
@@ -172,7 +166,7 @@ void print_npus(const parcel_array<pm_npu_summary_parcel> &npus) {
     pm_print_heading(2, "NPU Offloaded Sessions");
     for (const pm_npu_summary_parcel &npu : npus) {
         if (&npu != npus.begin()) {
-            print_empty_line();
+            pm_print_empty_line();
         }
         pm_print<"%*sNPU%u:\n">(4, "", npu.NPU_ID);
         print_npu_sessions(npu.NPULivenessSummary.NPU_SRPolicyLivenessSummary.NPULivenessSessionCounters);
