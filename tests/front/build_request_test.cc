@@ -47,6 +47,7 @@ protected:
         EXPECT_STREQ(request.base_path, expected.root);
         EXPECT_STREQ(request.item_path, expected.item_path);
         EXPECT_STREQ(request.start_key, "");
+        EXPECT_NE(request.display, nullptr);
         ASSERT_NE(request.parcel_desc, nullptr);
         EXPECT_STREQ(request.parcel_desc->name, expected.record);
         EXPECT_EQ(request.decoded_size, expected.size);

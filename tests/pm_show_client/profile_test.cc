@@ -4,11 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <numeric>
+#include <string>
 #include <vector>
 
 #include "pm_show_client/captured.h"
 #include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/profile_blocks.h"
 #include "pm_show_client/profile_lines.h"
 #include "schema/pm_records.h"
 
@@ -45,6 +48,72 @@ TEST_F(Profile, DefaultsOfLossCountAsPrintedAlthoughTheyHaveNoSection) {
     int result = -1;
     EXPECT_EQ(captured([&] { result = pm_show_profile(&profiles); }), "");
     EXPECT_EQ(result, PM_SHOW_PRINTED);
+}
+
+TEST_F(Profile, ValuesOfListsHaveASignAtEveryPlace) {
+    std::vector<std::uint32_t> values(16, 1);
+    values[1] = values[15] = 0xFFFFFFFF;
+    EXPECT_EQ(captured([&] {
+                  pm_profile_flow_labels({16, values.data()});
+              }),
+              "    Flow Label Count                            : 16\n"
+              "      Flow Labels: 1, -1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1,\n"
+              "                   -1\n");
+}
+
+// The lines of a block that begin with a text behind their indent.
+std::string lines_with(const std::string &block, const std::string &text) {
+    std::string found;
+    for (std::size_t begin = 0; begin < block.size();) {
+        const std::size_t end = block.find('\n', begin) + 1;
+        const std::string line = block.substr(begin, end - begin);
+        if (line.compare(std::min(line.find_first_not_of(' '), line.size()), text.size(), text) == 0) {
+            found += line;
+        }
+        begin = end;
+    }
+    return found;
+}
+
+TEST_F(Profile, AnOffloadedLivenessProfileWithoutItsTxIntervalShowsNoIntervalUnlessNpusHaveABurst) {
+    std::uint32_t burst = 31;
+    std::uint32_t effective = 43;
+    pm_liveness_transport_profile_parcel profile{};
+    profile.BurstInterval = &burst;
+    profile.TXIntervalEffectiveNPUSRPolicy = {1, &effective};
+    const auto intervals = [&] {
+        const std::string block = captured([&] { pm_show_liveness_profile(profile, PM_TRANSPORT_SR_POLICY); });
+        return lines_with(block, "Tx interval") + lines_with(block, "Burst interval") + lines_with(block, "SR Policy");
+    };
+    EXPECT_EQ(intervals(), "");
+    profile.BurstIntervalNPUEffective = {1, &effective};
+    EXPECT_EQ(intervals(),
+              "    Burst interval                              : 31 mSec\n"
+              "        SR Policy                               : 43 mSec\n");
+}
+
+TEST_F(Profile, AGenericDelayProfileChecksInterfacesByTheirOwnFlags) {
+    pm_delay_transport_profile_parcel profile{};
+    profile.AdvertisementCheckInterface.AdvertisementThresholdCheckAverageDelay = 1;
+    profile.AdvertisementCheckInterface.AdvertisementThresholdCheckMinimumDelay = 1;
+    const std::string block = captured([&] { pm_show_delay_profile(profile, PM_TRANSPORT_GENERIC); });
+    EXPECT_NE(block.find("    Threshold crossing check:\n"
+                         "      SR policy                                 : \n"
+                         "      Endpoint                                  : \n"
+                         "      Interface                                 : Average-delayMinimum-delay\n"),
+              std::string::npos)
+        << block;
+}
+
+TEST_F(Profile, AGenericProfileCountsTheSessionsThatItHas) {
+    std::uint32_t sessions = 7;
+    pm_liveness_transport_profile_parcel profile{};
+    profile.SessionCountEndpoint = &sessions;
+    const std::string block = captured([&] { pm_show_liveness_profile(profile, PM_TRANSPORT_GENERIC); });
+    EXPECT_NE(block.find("    CPU session count:\n"
+                         "      Endpoint                                  : 7\n"),
+              std::string::npos)
+        << block;
 }
 
 TEST_F(Profile, AnEmptyListIsItsCountAlone) {

@@ -64,7 +64,7 @@ void print_prefix(const pm_prefix_entry_parcel &entry, int indent) {
         return;  // without an end of line: the next prefix continues this one
     }
     print_flags(entry);
-    pm_print<"\n">();
+    pm_print_empty_line();
     if (pm_show_options.internal) {
         print_prefix_counter_generic(&entry.ReferenceCounters, indent + 2);
     }
@@ -118,7 +118,7 @@ void pm_print_allowed_prefixes(const char *label, const pm_prefixes_info &prefix
 }
 
 void pm_print_ports_heading(const char *heading) {
-    pm_print<"\n">();
+    pm_print_empty_line();
     pm_print_heading(0, heading);
 }
 

@@ -22,6 +22,6 @@ int pm_show_chkpt_dr(const void *decoded_parcel) {
     for (const std::uint32_t node : distribution.linecards) {
         pm_print<"%s ">(pm_node_name<64>(node).text);
     }
-    pm_print<"\n">();
+    pm_print_empty_line();
     return PM_SHOW_PRINTED;
 }

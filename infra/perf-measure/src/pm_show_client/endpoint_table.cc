@@ -65,7 +65,7 @@ void for_each_wanted_list(const parcel_array<SegmentList> &lists, PrintRows prin
         }
         print_rows(lists[i]);
         if (i + 1 != lists.count && !skipped_before) {
-            pm_print<"\n">();
+            pm_print_empty_line();
         }
         skipped_before = false;
     }

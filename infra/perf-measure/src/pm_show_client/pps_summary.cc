@@ -21,7 +21,7 @@ void print_sessions(const pm_pps_transport_info &sessions) {
 }
 
 void print_sessions(const char *heading, const pm_pps_transport_info &sessions) {
-    pm_print<"\n">();
+    pm_print_empty_line();
     pm_print_heading(4, heading);
     print_sessions(sessions);
 }
@@ -52,7 +52,7 @@ void print_multiple_pools(const pm_pps_summary_info &cpu) {
     pm_print_column_u32(2, "Interface session PPS limit", pool.MaximumPPSForInterfaceSession);
     pm_print_column_u32(2, "Interface session PPS Requested", pool.TotalPPSRequestedForInterfaceSession);
     print_interface_sessions(cpu);
-    pm_print<"\n">();
+    pm_print_empty_line();
     pm_print_column_u32(2, "Multi-hop session PPS limit", pool.MaximumPPSForMutihopSession);
     pm_print_column_u32(2, "Multi-hop session PPS Requested", pool.TotalPPSRequestedForMHSession);
     print_budget_detail(pool);

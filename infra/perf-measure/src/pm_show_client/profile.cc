@@ -48,7 +48,7 @@ void print_delay_sections(const pm_delay_profile_parcel &profiles) {
         }
         // Every title but the interfaces' stands below an empty line, also when it is the first.
         if (section.transport != PM_TRANSPORT_INTERFACE) {
-            pm_print<"\n">();
+            pm_print_empty_line();
         }
         print_default_title(section.transport, pm_measurement_type_str(PM_MEASUREMENT_DELAY));
         pm_show_delay_profile(profiles.*section.profile, section.transport);
@@ -58,7 +58,7 @@ void print_delay_sections(const pm_delay_profile_parcel &profiles) {
 void print_liveness_sections(const pm_liveness_profile_parcel &profiles) {
     for (const liveness_section &section : liveness_sections) {
         if (is_selected(section.transport)) {
-            pm_print<"\n">();
+            pm_print_empty_line();
             print_default_title(section.transport, pm_measurement_type_str(PM_MEASUREMENT_LIVENESS));
             pm_show_liveness_profile(profiles.*section.profile, section.transport);
         }
@@ -67,7 +67,7 @@ void print_liveness_sections(const pm_liveness_profile_parcel &profiles) {
 
 void print_probe_section(const pm_probe_profile_parcel &profiles) {
     if (is_selected(PM_TRANSPORT_ENDPOINT)) {
-        pm_print<"\n">();
+        pm_print_empty_line();
         print_default_title(PM_TRANSPORT_ENDPOINT, "Probe Measurement");
         pm_show_probe_profile(profiles.EndpointProbeProfile);
     }
@@ -78,14 +78,15 @@ void print_sections(const pm_profile_parcel &profiles) {
     if (options.loss_kind) {
         return;  // loss has no section
     }
-    const bool all = !options.delay_kind && !options.liveness_kind && !options.probe_kind;
-    if (all || options.delay_kind) {
+    if (options.delay_kind) {
         print_delay_sections(profiles.DelayProfile);
-    }
-    if (all || (!options.delay_kind && options.liveness_kind)) {
+    } else if (options.liveness_kind) {
         print_liveness_sections(profiles.LivenessProfile);
-    }
-    if (all || (!options.delay_kind && !options.liveness_kind)) {
+    } else if (options.probe_kind) {
+        print_probe_section(profiles.ProbeProfile);
+    } else {
+        print_delay_sections(profiles.DelayProfile);
+        print_liveness_sections(profiles.LivenessProfile);
         print_probe_section(profiles.ProbeProfile);
     }
 }

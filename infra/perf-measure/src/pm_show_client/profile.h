@@ -5,6 +5,6 @@
 [[nodiscard]] int pm_show_name_profile(const void *decoded_parcel);
 
 // Prints a pm_profile_parcel, the default profiles of every transport, in sections for delay, liveness
-// and probes. The first given of `loss_kind`, `delay_kind`, `liveness_kind` and `probe_kind` leaves
-// one section, for loss none at all; `profile_type` leaves one transport.
+// and probes. `loss_kind`, `delay_kind`, `liveness_kind` and `probe_kind`, the first of them in this order
+// that is set, leave one section, for loss none at all; `profile_type` leaves one transport.
 [[nodiscard]] int pm_show_profile(const void *decoded_parcel);

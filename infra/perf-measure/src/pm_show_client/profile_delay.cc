@@ -15,7 +15,7 @@ constexpr std::uint32_t UPPER_BOUND_NOT_SET = 200001;
 constexpr std::uint32_t LOWER_BOUND_NOT_SET = 0;
 
 // What a value of a generic profile comes to for three of its transports; RSVP-TE is not shown. The
-// same transports are spelled "SR Policy" and "Interface" or not, as each group of lines has them.
+// groups of lines differ in "SR policy" and "SR Policy", "interface" and "Interface", on purpose.
 void print_effective(int indent, std::uint32_t srpolicy, std::uint32_t endpoint, std::uint32_t interface,
                      const char *unit) {
     pm_print_column_unit(indent, "Effective for SR policy", srpolicy, unit);

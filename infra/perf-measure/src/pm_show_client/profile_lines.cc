@@ -30,11 +30,11 @@ void pm_profile_optional(int indent, const char *label, const std::uint32_t *val
 }
 
 void pm_profile_accelerated(bool enabled) {
-    pm_profile_enabled(PM_PROFILE_INDENT, enabled ? "Accelerated advertisement" : "Advertisement accelerated", enabled);
+    pm_profile_enabled(4, enabled ? "Accelerated advertisement" : "Advertisement accelerated", enabled);
 }
 
 void pm_profile_sweeping(bool enabled, const pm_record_address &start, std::uint32_t range) {
-    pm_profile_enabled(PM_PROFILE_INDENT, "Destination sweeping mode", enabled);
+    pm_profile_enabled(4, "Destination sweeping mode", enabled);
     if (enabled) {
         // These labels have a colon of their own before the one in the column.
         pm_print_label_address("Starting address:", start, 6, PM_COUNTER_WIDTH);
@@ -44,11 +44,11 @@ void pm_profile_sweeping(bool enabled, const pm_record_address &start, std::uint
 
 void pm_profile_list(const char *count_label, const char *list_label, int continuation,
                      const parcel_array<std::uint32_t> &values) {
-    pm_print_column_u32(PM_PROFILE_INDENT, count_label, values.count);
+    pm_print_column_u32(4, count_label, values.count);
     if (values.count == 0) {
         return;
     }
-    pm_print<"%*s  %s: %d">(PM_PROFILE_INDENT, "", list_label, values[0]);
+    pm_print<"%*s  %s: %d">(4, "", list_label, values[0]);
     for (std::uint32_t i = 1; i < values.count; ++i) {
         if (i % VALUES_PER_LINE == 0) {
             pm_print<",\n%*s%d">(continuation, "", values[i]);
@@ -56,7 +56,7 @@ void pm_profile_list(const char *count_label, const char *list_label, int contin
             pm_print<", %d">(values[i]);
         }
     }
-    pm_print<"\n">();
+    pm_print_empty_line();
 }
 
 void pm_profile_flow_labels(const parcel_array<std::uint32_t> &labels) {

@@ -1,10 +1,8 @@
 // The lines that profiles of all kinds are made of. The colons stand at PM_COUNTER_WIDTH whatever the
-// indent; a profile's own lines stand at PM_PROFILE_INDENT, what belongs to one of them further in.
+// indent; a profile's own lines stand at indent 4, what belongs to one of them further in.
 #pragma once
 
 #include "pm_show_client/lines.h"
-
-inline constexpr int PM_PROFILE_INDENT = 4;
 
 // "Profile configuration:", which every profile begins with.
 void pm_profile_heading();
@@ -36,11 +34,10 @@ void pm_profile_flow_labels(const parcel_array<std::uint32_t> &labels);
 template <class Profile>
 void pm_profile_tx_intervals(const Profile &profile, std::uint32_t effective_tx_usec) {
     if (profile.BurstInterval != nullptr && profile.BurstIntervalEffective != nullptr) {
-        pm_profile_interval(PM_PROFILE_INDENT, "Burst interval", *profile.BurstInterval,
-                            *profile.BurstIntervalEffective, "mSec");
+        pm_profile_interval(4, "Burst interval", *profile.BurstInterval, *profile.BurstIntervalEffective, "mSec");
     }
     if (profile.TXInterval != nullptr) {
-        pm_profile_interval(PM_PROFILE_INDENT, "TX interval", *profile.TXInterval, effective_tx_usec, "uSec");
+        pm_profile_interval(4, "TX interval", *profile.TXInterval, effective_tx_usec, "uSec");
     }
 }
 
@@ -49,9 +46,9 @@ void pm_profile_tx_intervals(const Profile &profile, std::uint32_t effective_tx_
 template <class Profile>
 void pm_profile_cpu_sessions(const Profile &profile, pm_transport_type_e transport) {
     if (transport == PM_TRANSPORT_SR_POLICY) {
-        pm_profile_optional(PM_PROFILE_INDENT, "CPU session count", profile.SessionCount);
+        pm_profile_optional(4, "CPU session count", profile.SessionCount);
     } else if (transport == PM_TRANSPORT_GENERIC) {
-        pm_print_heading(PM_PROFILE_INDENT, "CPU session count");
+        pm_print_heading(4, "CPU session count");
         pm_profile_optional(6, "SR Policy", profile.SessionCountSRPolicy);
         pm_profile_optional(6, "Endpoint", profile.SessionCountEndpoint);
     }

@@ -27,7 +27,7 @@ void print_name(const char *name) { pm_print<" %-34.34s ">(name); }
 // The columns of a candidate path that both tables begin with; only the first path of a policy shows its name.
 void print_path_start(const pm_srpolicy_candidate_path_parcel &path, bool is_first, const char *name) {
     if (!is_first) {
-        pm_print<"\n">();
+        pm_print_empty_line();
     }
     print_name(is_first ? name : "");
     char instance[16];
