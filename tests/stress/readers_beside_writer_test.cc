@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
+#include <sstream>
 
 #include "stress/stress_support.h"
 
@@ -26,12 +27,8 @@ struct seen {
 seen now;
 std::function<void(std::size_t)> after_item;  // called with the number of items shown
 
-void record_item(const pm_intf_parcel &record) {
-    std::uint32_t generation = 0;
-    const std::string name = record.InterfaceName != nullptr ? record.InterfaceName : "";
-    if (!whole_generation(record, &generation)) {
-        now.problem += name + " is of several loads; ";
-    }
+// Notes an item, which must come after the one before and be no older.
+void record_shown(const std::string &name, std::uint32_t generation) {
     if (!now.names.empty() && now.names.back() >= name) {
         now.problem += name + " comes after " + now.names.back() + "; ";
     }
@@ -42,6 +39,15 @@ void record_item(const pm_intf_parcel &record) {
     }
     now.last_generation = generation;
     now.names.push_back(name);
+}
+
+void record_item(const pm_intf_parcel &record) {
+    std::uint32_t generation = 0;
+    const std::string name = record.InterfaceName != nullptr ? record.InterfaceName : "";
+    if (!whole_generation(record, &generation)) {
+        now.problem += name + " is of several loads; ";
+    }
+    record_shown(name, generation);
 }
 
 int show_item(const void *decoded_parcel) {
@@ -112,6 +118,8 @@ bool listed_all(const std::vector<std::string> &names) {
 
 class ReadersBesideWriter : public testing::Test {
 protected:
+    void SetUp() override { now = {}; }
+
     [[nodiscard]] std::string store() const { return folder_.path() + "/store"; }
 
     [[nodiscard]] std::string write_set(const std::string &name, const std::string &content) const {
@@ -249,6 +257,34 @@ TEST_F(ReadersBesideWriter, SeeEveryItemThatStaysOnceAndWhole) {
         EXPECT_TRUE(reader.wait(LOADING_SECONDS + LONGEST_LISTING_SECONDS));
     }
     EXPECT_EQ(problems(), "");
+}
+
+// The interfaces that one run of the program printed, in `now`.
+void read_shown(const command_result &show) {
+    now = {};
+    now.problem = show.err;
+    std::istringstream names(show.out);
+    for (std::string name; std::getline(names, name);) {
+        record_shown(name, 0);
+    }
+}
+
+TEST_F(ReadersBesideWriter, ShowEveryItemThatStaysOnce) {
+    const std::vector<std::string> staying = names_of(false);
+    std::vector<std::string> sets;
+    for (std::uint32_t i = 0; i < 6; ++i) {
+        sets.push_back(write_set("set" + std::to_string(i), set_of(names_of(i % 2 == 0), i + 1)));
+    }
+    ASSERT_TRUE(load(store(), sets[0]));
+    looping_writer writer(store(), sets);
+    unsigned shows = 0;
+    for (const auto start = stress_clock::now(); seconds_since(start) < LOADING_SECONDS; ++shows) {
+        read_shown(run_command(PERF_SHOW " -c 1 -N 1 | sed -n 's/^Interface Name: \\(.*\\) (ifh: .*/\\1/p'", store()));
+        ASSERT_EQ(now.problem, "");
+        ASSERT_TRUE(listed_all(staying)) << now.names.size() << " items";
+    }
+    EXPECT_GE(shows, 3U);
+    EXPECT_TRUE(writer.stop());
 }
 
 TEST_F(ReadersBesideWriter, GoOnAfterTheLastItemOfABatchWasRemoved) {
