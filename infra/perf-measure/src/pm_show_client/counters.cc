@@ -96,7 +96,9 @@ void print_missing_labels(std::uint64_t missing, int indent) {
 
 void print_other_reason(std::uint64_t other, int indent) { pm_print_counter(indent, "Reason other", other); }
 
-void print_delay_tx_reasons(const pm_delay_counters_info_parcel &counters, int indent) {
+// Why packets were not sent, one overload for each kind of session.
+
+void print_tx_reasons(const pm_delay_counters_info_parcel &counters, int indent) {
     switch (counters.ExclusiveCounters.TransportType) {
     case PM_TRANSPORT_INTERFACE:
         print_interface_tx_reasons(counters.ExclusiveCounters.InterfaceExclusiveCounters, indent);
@@ -111,63 +113,82 @@ void print_delay_tx_reasons(const pm_delay_counters_info_parcel &counters, int i
     print_other_reason(counters.GenericCounters.QueryPacketSentErrors, indent);
 }
 
-}  // namespace
+void print_tx_reasons(const pm_srpolicy_liveness_counters_info_parcel &counters, int indent) {
+    print_other_reason(counters.QueryPacketSentErrors, indent);
+}
 
-void pm_show_error_reasons(const pm_delay_counters_info_parcel *counters, int direction, int indent) {
+void print_tx_reasons(const pm_endpoint_liveness_counters_info_parcel &counters, int indent) {
+    print_missing_labels(counters.QueryPacketsSentErrorSlLabelMissing, indent);
+    print_other_reason(counters.QueryPacketSentErrors, indent);
+}
+
+// Why received packets were not used.
+
+void print_rx_reasons(const pm_delay_counters_info_parcel &counters, int indent) {
+    print_probe_rx_reasons(counters.GenericCounters, indent);
+    pm_print_counter(indent, "Reason control code error", counters.GenericCounters.ReceivedPacketControlCodeError);
+    pm_print_counter(indent, "Reason control code notif",
+                     counters.GenericCounters.ReceivedPacketControlCodeNotification);
+}
+
+template <class LivenessCounters>
+void print_rx_reasons(const LivenessCounters &counters, int indent) {
+    print_probe_rx_reasons(counters, indent);
+}
+
+template <class Counters>
+void print_reasons(const Counters *counters, int direction, int indent) {
     if (counters == nullptr) {
         return;
     }
     if (direction == PM_DIRECTION_RX) {
         pm_print_heading(indent, "RX");
-        print_probe_rx_reasons(counters->GenericCounters, indent + STEP);
-        pm_print_counter(indent + STEP, "Reason control code error",
-                         counters->GenericCounters.ReceivedPacketControlCodeError);
-        pm_print_counter(indent + STEP, "Reason control code notif",
-                         counters->GenericCounters.ReceivedPacketControlCodeNotification);
+        print_rx_reasons(*counters, indent + STEP);
     } else if (direction == PM_DIRECTION_TX) {
         pm_print_heading(indent, "TX");
-        print_delay_tx_reasons(*counters, indent + STEP);
+        print_tx_reasons(*counters, indent + STEP);
     }
+}
+
+// The errors by reason, or the totals of those that were met in sending and in receiving.
+template <class Counters>
+void print_errors(const Counters &counters, std::uint64_t sent, std::uint64_t received, int indent) {
+    pm_print_heading(indent, "Errors");
+    if (pm_show_options.detail) {
+        print_reasons(&counters, PM_DIRECTION_TX, indent + 2 * STEP);
+        print_reasons(&counters, PM_DIRECTION_RX, indent + 2 * STEP);
+    } else {
+        print_error_totals(sent, received, indent);
+    }
+}
+
+template <class LivenessCounters>
+void print_liveness(const LivenessCounters &counters, std::uint64_t sent_errors, int indent) {
+    print_packets(counters, indent);
+    print_errors(counters, sent_errors, probe_rx_errors(counters), indent);
+    print_probes(counters, indent);
+    print_liveness_missed(counters.LivenessDetectionMissedCount, indent);
+}
+
+}  // namespace
+
+void pm_show_error_reasons(const pm_delay_counters_info_parcel *counters, int direction, int indent) {
+    print_reasons(counters, direction, indent);
 }
 
 void pm_show_srpolicy_liveness_reasons(const pm_srpolicy_liveness_counters_info_parcel *counters, int direction,
                                        int indent) {
-    if (counters == nullptr) {
-        return;
-    }
-    if (direction == PM_DIRECTION_RX) {
-        pm_print_heading(indent, "RX");
-        print_probe_rx_reasons(*counters, indent + STEP);
-    } else if (direction == PM_DIRECTION_TX) {
-        pm_print_heading(indent, "TX");
-        print_other_reason(counters->QueryPacketSentErrors, indent + STEP);
-    }
+    print_reasons(counters, direction, indent);
 }
 
 void pm_show_endpoint_liveness_reasons(const pm_endpoint_liveness_counters_info_parcel *counters, int direction,
                                        int indent) {
-    if (counters == nullptr) {
-        return;
-    }
-    if (direction == PM_DIRECTION_RX) {
-        pm_print_heading(indent, "RX");
-        print_probe_rx_reasons(*counters, indent + STEP);
-    } else if (direction == PM_DIRECTION_TX) {
-        pm_print_heading(indent, "TX");
-        print_missing_labels(counters->QueryPacketsSentErrorSlLabelMissing, indent + STEP);
-        print_other_reason(counters->QueryPacketSentErrors, indent + STEP);
-    }
+    print_reasons(counters, direction, indent);
 }
 
 void pm_show_session_counters(const pm_delay_counters_info_parcel *counters, int indent) {
     print_packets(counters->GenericCounters, indent);
-    pm_print_heading(indent, "Errors");
-    if (pm_show_options.detail) {
-        pm_show_error_reasons(counters, PM_DIRECTION_TX, indent + 2 * STEP);
-        pm_show_error_reasons(counters, PM_DIRECTION_RX, indent + 2 * STEP);
-    } else {
-        print_error_totals(delay_tx_errors(*counters), delay_rx_errors(counters->GenericCounters), indent);
-    }
+    print_errors(*counters, delay_tx_errors(*counters), delay_rx_errors(counters->GenericCounters), indent);
     print_probes(counters->GenericCounters, indent);
     const pm_exclusive_counters &exclusive = counters->ExclusiveCounters;
     if (exclusive.TransportType == PM_TRANSPORT_SR_POLICY) {
@@ -178,28 +199,10 @@ void pm_show_session_counters(const pm_delay_counters_info_parcel *counters, int
 }
 
 void pm_show_srpolicy_liveness_counters(const pm_srpolicy_liveness_counters_info_parcel *counters, int indent) {
-    print_packets(*counters, indent);
-    pm_print_heading(indent, "Errors");
-    if (pm_show_options.detail) {
-        pm_show_srpolicy_liveness_reasons(counters, PM_DIRECTION_TX, indent + 2 * STEP);
-        pm_show_srpolicy_liveness_reasons(counters, PM_DIRECTION_RX, indent + 2 * STEP);
-    } else {
-        print_error_totals(counters->QueryPacketSentErrors, probe_rx_errors(*counters), indent);
-    }
-    print_probes(*counters, indent);
-    print_liveness_missed(counters->LivenessDetectionMissedCount, indent);
+    print_liveness(*counters, counters->QueryPacketSentErrors, indent);
 }
 
 void pm_show_endpoint_liveness_counters(const pm_endpoint_liveness_counters_info_parcel *counters, int indent) {
-    print_packets(*counters, indent);
-    pm_print_heading(indent, "Errors");
-    if (pm_show_options.detail) {
-        pm_show_endpoint_liveness_reasons(counters, PM_DIRECTION_TX, indent + 2 * STEP);
-        pm_show_endpoint_liveness_reasons(counters, PM_DIRECTION_RX, indent + 2 * STEP);
-    } else {
-        // The received errors stand in both lines; an endpoint's sent errors have none of their own.
-        print_error_totals(probe_rx_errors(*counters), probe_rx_errors(*counters), indent);
-    }
-    print_probes(*counters, indent);
-    print_liveness_missed(counters->LivenessDetectionMissedCount, indent);
+    // The received errors stand in both lines; an endpoint's sent errors have none of their own.
+    print_liveness(*counters, probe_rx_errors(*counters), indent);
 }
