@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "base/pm_assert.h"
@@ -13,11 +14,27 @@ namespace pm_output_detail {
 
 buffer out;
 
+namespace {
+
+// Makes a pipe on standard output hold several buffers, so that its reader and this program work at the same time.
+// Anything else, and a system that does not allow it, stays as it is.
+void widen_pipe() {
+    constexpr int PIPE_SIZE = 1024 * 1024;  // what a system allows to every user
+    static bool tried = false;
+    if (!tried) {
+        tried = true;
+        static_cast<void>(fcntl(STDOUT_FILENO, F_SETPIPE_SZ, PIPE_SIZE));
+    }
+}
+
+}  // namespace
+
 bool make_room(std::size_t size) {
     if (size > PM_OUTPUT_BUFFER_SIZE) {
         return false;
     }
     if (size > room()) {
+        widen_pipe();  // the output is a long one
         pm_output_flush();
     }
     return true;

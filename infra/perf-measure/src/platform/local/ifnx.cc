@@ -83,11 +83,36 @@ void ifnx_display_namestring(std::uint32_t handle, char *buffer, std::size_t siz
     parcel_free_indirections(&record, local_interface_descriptor());
 }
 
+namespace {
+
+// Names looked up lately, by the low bits of their handle: a show asks for the same few again and again.
+struct recent_name {
+    bool known = false;
+    std::uint32_t handle = 0;
+    char name[SLOT_SIZE] = {};
+};
+
+const recent_name &recent_name_of(std::uint32_t handle, std::uint32_t flags) {
+    constexpr std::size_t NAMES = 64;
+    static recent_name names[NAMES];
+    // Handles of neighbours differ in their fourth bit and up.
+    recent_name &recent = names[handle / 8 % NAMES];
+    if (!recent.known || recent.handle != handle) {
+        ifnx_display_namestring(handle, recent.name, sizeof recent.name, flags);
+        recent.handle = handle;
+        recent.known = true;
+    }
+    return recent;
+}
+
+}  // namespace
+
 const char *interface_name(std::uint32_t handle, std::uint32_t flags) {
     static char slots[SLOTS][SLOT_SIZE];
     static std::size_t next = 0;
     char *slot = slots[next];
     next = (next + 1) % SLOTS;
-    ifnx_display_namestring(handle, slot, SLOT_SIZE, flags);
+    const recent_name &recent = recent_name_of(handle, flags);
+    std::memcpy(slot, recent.name, sizeof recent.name);
     return slot;
 }
