@@ -44,9 +44,10 @@ inline int count_item(const void *decoded_parcel) {
     return PM_SHOW_NOTHING;
 }
 
+// Prints so much that a few thousand items fill the widest pipe.
 inline int print_item(const void *decoded_parcel) {
     const auto *record = static_cast<const pm_intf_parcel *>(decoded_parcel);
-    pm_print<"%s %s\n">(record->InterfaceName, record->DelayMeasurementSessions[0].ProfileName);
+    pm_print<"%-600s %s\n">(record->InterfaceName, record->DelayMeasurementSessions[0].ProfileName);
     return PM_SHOW_NOTHING;
 }
 
