@@ -165,6 +165,7 @@ int run(int argc, char **argv) {
 
 int main(int argc, char **argv) {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is a failed write
     try {
         const int status = run(argc, argv);
         return std::fflush(stdout) == 0 || errno == EPIPE ? status : report("standard output cannot be written");

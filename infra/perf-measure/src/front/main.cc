@@ -13,6 +13,7 @@ int main(int argc, char **argv) {
     kal_time_get_timespec_realtime(&now);  // first of all: every age is computed from it
     pm_show_now_msec = kal_timespec_to_msec64(&now);
     std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away shows as a failed write
+    std::signal(SIGXFSZ, SIG_IGN);  // so does a file at its limit
 
     pm_show_parse_options(argc, argv);
     const int status = pm_show_dispatch();

@@ -11,6 +11,7 @@
 
 #include "platform/local/checksum.h"
 #include "platform/local/parcel_codec.h"
+#include "platform/local/store_folder.h"
 
 namespace store {
 
@@ -282,6 +283,9 @@ errcode environment::open(const char *folder) {
 // Opens the data file. The map that it records is address space which a limited process may not have; then
 // the map is as large as what is in the file.
 int environment::open_file() {
+    // A lock file that LMDB makes for a reader shuts everybody else out; a store copied without one is read
+    // without a slot.
+    unlocked_ = unlocked_ || ::access((folder_ + "/" + LOCK_FILE).c_str(), F_OK) != 0;
     int failure = ENOMEM;
     for (const std::size_t map : {RECORDED_MAP, SMALLEST_MAP}) {
         mdb_env_close(env_);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -85,12 +86,20 @@ writer::~writer() {
             if (txn_ != nullptr) {
                 mdb_txn_abort(txn_);
             }
-            mdb_env_close(env_);
             return 0;
         });
     }
     if (!committed_) {
         restore_size();
+    }
+    if (!damaged_ && env_ != nullptr) {
+        const problem ignored = guarded([&] {
+            mdb_env_close(env_);
+            return 0;
+        });
+    }
+    if (data_ >= 0) {
+        ::close(data_);
     }
 }
 
@@ -108,14 +117,47 @@ problem writer::begin(const char *url) {
     if (!place_.is_new() && check_file(folder) == OPSTORE_DAMAGED) {
         return folder_ + ": " + NOT_OURS;
     }
+    if (problem failure = refuse_foreign_store(); !failure.empty()) {
+        return failure;
+    }
+    // A page that is missing has to stay missing until it is found: mapped for writing, it would be made.
     const bool suspect = !place_.is_new() && ends_early(folder);
-    struct stat status {};
-    size_before_ = ::stat(data_file().c_str(), &status) == 0 ? status.st_size : 0;
+    write_map_ = may_be_any_size() && !suspect;
     problem failure = open();
     if (failure.empty() && suspect) {
         failure = read_everything();
     }
     return failure.empty() ? check_format() : failure;
+}
+
+// Leaves a store of another program as it is, its locks and its size included: it is read only.
+problem writer::refuse_foreign_store() {
+    struct stat status {};
+    if (place_.is_new() || ::stat((folder_ + "/" + DATA_FILE).c_str(), &status) != 0 || status.st_size == 0) {
+        return "";
+    }
+    // What a writer that was killed has left behind the data is not worth restoring.
+    const auto accounted = static_cast<off_t>(accounted_size(folder_.c_str()));
+    size_before_ = accounted != 0 ? std::min(status.st_size, accounted) : status.st_size;
+    bool is_foreign = false;
+    const problem failure = guarded([&] {
+        MDB_env *env = nullptr;
+        MDB_txn *txn = nullptr;
+        MDB_dbi table = 0;
+        int code = create_environment(&env);
+        code = code != 0 ? code : mdb_env_open(env, folder_.c_str(), MDB_RDONLY | MDB_NOLOCK | MDB_NOTLS, 0);
+        code = code != 0 ? code : mdb_txn_begin(env, nullptr, MDB_RDONLY, &txn);
+        if (code == 0 && (code = mdb_dbi_open(txn, nullptr, 0, &table)) == 0) {
+            const view state(txn, table);
+            std::string_view format;
+            is_foreign = state.entries() != 0 &&
+                         (state.get(key(key_space::format), &format) != ERRCODE_SUCCESS || format != FORMAT);
+        }
+        mdb_txn_abort(txn);
+        mdb_env_close(env);
+        return code == ENOMEM ? 0 : code;  // too little address space for its map; check_format() comes later
+    });
+    return is_foreign ? folder_ + ": " + NOT_OURS : failure;
 }
 
 // Opens the environment with the largest map that there is address space for. What is behind the data of a file
@@ -137,12 +179,15 @@ int writer::open_environment(bool write_map) {
 problem writer::open() {
     const mode_t old_mask = ::umask(0007);
     problem failure = guarded([&] {
-        write_map_ = may_be_any_size();
         int code = open_environment(write_map_);
         if (code > 0 && write_map_) {  // the file system has no such files or no such maps
-            restore_size();
+            static_cast<void>(!::truncate((place_.place() + "/" + DATA_FILE).c_str(), size_before_));
             write_map_ = false;
             code = open_environment(write_map_);
+        }
+        int file = -1;
+        if (code == 0 && mdb_env_get_fd(env_, &file) == 0) {
+            data_ = ::fcntl(file, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
         }
         return code;
     });
@@ -159,13 +204,17 @@ problem writer::open() {
     });
 }
 
-// A file that is mapped for writing is made as large as its map. Takes that back; no other writer is there
-// to need it.
-void writer::restore_size() {
+void writer::cut_to(off_t size) const {
     struct stat status {};
-    if (write_map_ && ::stat(data_file().c_str(), &status) == 0 && size_before_ < status.st_size) {
-        static_cast<void>(!::truncate(data_file().c_str(), size_before_));
+    if (data_ >= 0 && ::fstat(data_, &status) == 0 && size < status.st_size) {
+        static_cast<void>(!::ftruncate(data_, size));
     }
+}
+
+// A file that is mapped for writing is made as large as its map, another one grows. Takes that back, but nothing
+// that the head refers to.
+void writer::restore_size() const {
+    cut_to(std::max(size_before_, static_cast<off_t>(accounted_size(place_.place().c_str()))));
 }
 
 // Touches every key and value, so that a page that is missing is found before anything is written.
@@ -395,10 +444,7 @@ problem writer::commit() {
     });
     committed_ = failure.empty();
     if (size > 0) {  // as far as its head says, so that one cut short is told from a whole one
-        static_cast<void>(!::truncate(data_file().c_str(), size));
-    }
-    if (!committed_) {  // the head may be the new one, if writing it failed at the very end
-        size_before_ = std::max(size_before_, static_cast<off_t>(accounted_size(place_.place().c_str())));
+        cut_to(size);
     }
     return committed_ ? place_.settle() : failure;
 }

@@ -60,8 +60,9 @@ private:
     [[nodiscard]] problem guarded(Body body);
     [[nodiscard]] problem open();
     [[nodiscard]] int open_environment(bool write_map);
-    void restore_size();
-    [[nodiscard]] std::string data_file() const { return place_.place() + "/" + DATA_FILE; }
+    void cut_to(off_t size) const;
+    void restore_size() const;
+    [[nodiscard]] problem refuse_foreign_store();
     [[nodiscard]] problem read_everything();
     [[nodiscard]] problem check_format();
     [[nodiscard]] problem read_inventory();
@@ -73,7 +74,8 @@ private:
 
     std::string folder_;
     writers_folder place_;
-    off_t size_before_ = 0;   // of the data file
+    int data_ = -1;           // the data file, whatever its path names meanwhile
+    off_t size_before_ = 0;   // of the data file, as far as a state refers to it
     bool write_map_ = false;  // its pages are written where they are, in the map
     bool committed_ = false;
     MDB_env *env_ = nullptr;
