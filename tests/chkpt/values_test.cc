@@ -284,7 +284,50 @@ TEST(ChkptMessages, ANestedMessageEndsWithItsLength) {
     EXPECT_EQ(record.last_error.code, 0U);
 }
 
+TEST(ChkptMessages, ADamagedOneBehindAGoodOneStandsInItsPlace) {
+    const auto [status, record, memory] =
+        decode(ChkptScb_decode, blob().message(4, blob().number(1, 5)).message(4, blob().number(2, 7).raw({0x81})));
+    EXPECT_EQ(status, CHKPT_TRUNCATED);
+    EXPECT_TRUE(chkpt_has(record, 4)) << "the first one was good";
+    EXPECT_EQ(record.last_error.code, 0U);
+    EXPECT_EQ(record.last_error.time_msec, 7U);
+}
+
+TEST(ChkptMessages, AnUnknownFieldThatRunsPastANestedMessageEndsThatMessageOnly) {
+    const auto [status, record, memory] =
+        decode(ChkptScb_decode, blob().message(4, blob().tag(15, 1).raw({0})).message(5, blob().number(1, 1)));
+    EXPECT_EQ(status, CHKPT_DECODED);
+    EXPECT_TRUE(chkpt_has(record, 4));
+    EXPECT_EQ(record.last_error.presence, 0U);
+    EXPECT_EQ(record.last_notification.code, 1U);
+}
+
 // Arrays ------------------------------------------------------------------------------------------
+
+TEST(ChkptArrays, TheAllocatorIsLookedForBeforeTheElementsAreCounted) {
+    ChkptDistribution record;
+    const blob cut = blob().tag(1, 0).raw({0x80});
+    EXPECT_EQ(ChkptDistribution_decode(&record, cut.bytes.data(), static_cast<std::uint32_t>(cut.bytes.size()), nullptr,
+                                       nullptr),
+              CHKPT_NO_MEMORY);
+}
+
+TEST(ChkptArrays, AMessageOfAnotherTypeThanTheFirstLeavesItsElementZero) {
+    const auto [status, record, memory] = decode(ChkptDrSession_decode, blob().tag(4, 2).raw({0}).tag(4, 0).raw({0}));
+    EXPECT_EQ(status, CHKPT_UNEXPECTED_TYPE);
+    ASSERT_EQ(record.session_ids.count, 2U);
+    EXPECT_EQ(record.session_ids.elements[1].session_id, 0U);
+    EXPECT_EQ(record.session_ids.elements[1].segment_list, nullptr);
+    EXPECT_FALSE(chkpt_has(record, 4));
+}
+
+TEST(ChkptArrays, TheElementsAreCountedByTheTypeOfTheArray) {
+    // As messages, the second one would have five bytes.
+    const auto [status, record, memory] = decode(ChkptDrSession_decode, blob().tag(4, 2).raw({0}).tag(4, 0).raw({5}));
+    EXPECT_EQ(status, CHKPT_TRUNCATED);
+    EXPECT_EQ(record.session_ids.count, 0U);
+    EXPECT_EQ(record.session_ids.elements, nullptr);
+}
 
 TEST(ChkptArrays, ASecondRunIsTruncatedAndLeavesTheFirst) {
     const auto [status, record, memory] =

@@ -20,7 +20,7 @@ int pm_show_chkpt_dr(const void *decoded_parcel) {
         return PM_SHOW_PRINTED;
     }
     for (const std::uint32_t node : distribution.linecards) {
-        pm_print<"%s ">(pm_node_name<64>(node).text);
+        pm_print<"%s ">(pm_name_of_node(node).text);
     }
     pm_print_empty_line();
     return PM_SHOW_PRINTED;

@@ -16,7 +16,7 @@ void print_text(int indent, const char *label, const char *text) {
 }
 
 void print_node(std::uint32_t node) {
-    print_text(2, "Node", node != CHKPT_NO_NODE ? pm_node_name<64>(node).text : "N/A");
+    print_text(2, "Node", node != CHKPT_NO_NODE ? pm_name_of_node(node).text : "N/A");
 }
 
 void print_npu(std::uint32_t npu) {

@@ -30,14 +30,12 @@ bool is_filtered_out(const char *interface_name) {
     return wanted != nullptr && (interface_name == nullptr || std::strcmp(wanted, interface_name) != 0);
 }
 
-void print_heading(int indent, const char *heading) { pm_print<"%*s%s:\n">(indent, "", heading); }
-
 void print_text(int indent, const char *label, const char *text) { pm_print<"%*s%s: %s\n">(indent, "", label, text); }
 
-void print_flag(int indent, const char *label, bool flag) { print_text(indent, label, flag ? "True" : "False"); }
+void print_flag(int indent, const char *label, bool flag) { print_text(indent, label, pm_true_or_false(flag)); }
 
 void print_advertisement(const ChkptAdvertisement &advertisement, std::uint32_t kind) {
-    print_heading(2, "Last advertisement");
+    pm_print_heading(2, "Last advertisement");
     print_text(4, "Advertised at", pm_time_str(advertisement.time_msec));
     print_text(4, "Advertised reason", pm_advert_reason_str(static_cast<pm_advert_reason_e>(advertisement.reason)));
     if (kind == DELAY_ADVERTISEMENT) {
@@ -53,7 +51,7 @@ void print_advertisement(const ChkptAdvertisement &advertisement, std::uint32_t 
 }
 
 void print_control_code(int indent, const char *heading, bool is_present, const ChkptControlCode &received) {
-    print_heading(indent - 2, heading);
+    pm_print_heading(indent - 2, heading);
     if (!is_present) {
         pm_print<"%*sNone received\n">(indent, "");
         return;

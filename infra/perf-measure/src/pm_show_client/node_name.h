@@ -1,15 +1,17 @@
 // Names of nodes in the distribution displays.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 #include "platform/node.h"
 
-// The name of a node, cut to Size - 1 bytes; empty when the platform fails to give one.
-template <std::size_t Size>
+// The name of a node, cut to 63 bytes; empty when the platform fails to give one.
 struct pm_node_name {
-    char text[Size] = "";
-
-    explicit pm_node_name(std::uint32_t node) { static_cast<void>(nodeid_to_str_external(node, text, Size)); }
+    char text[64] = "";
 };
+
+[[nodiscard]] inline pm_node_name pm_name_of_node(std::uint32_t node) {
+    pm_node_name name;
+    static_cast<void>(nodeid_to_str_external(node, name.text, sizeof name.text));
+    return name;
+}
