@@ -51,14 +51,11 @@ bool happened(std::uint32_t age) { return age != ZERO_AGE && age != NO_AGE; }
 
 // When an event was, and how long ago. The clock moves on between the two.
 void print_time_ago(std::uint32_t age) {
-    const std::time_t event = now_in_seconds() - age;
-    char text[CALENDAR_SIZE] = "";
-    std::tm local{};
-    if (localtime_r(&event, &local) != nullptr) {
-        static_cast<void>(std::strftime(text, sizeof text, CALENDAR_FORMAT, &local));
-    }
+    const std::timespec event{now_in_seconds() - age, 0};
+    char text[CALENDAR_SIZE];
+    kal_time_format_timespec2(&event, CALENDAR_FORMAT, KAL_TIME_LOCAL_ZONE, text, sizeof text);
     pm_print<"%s (%s ago)">(static_cast<const char *>(text),
-                            sprint_dhms(static_cast<std::uint32_t>(now_in_seconds() - event)));
+                            sprint_dhms(static_cast<std::uint32_t>(now_in_seconds() - event.tv_sec)));
 }
 
 void print_time_or(std::uint32_t age, const char *zero, const char *none) {

@@ -166,6 +166,18 @@ errcode view::get(std::string_view key, std::string_view *value) const {
     return code_of(failure);
 }
 
+errcode view::check_format(bool *is_ours) const {
+    const char format_key = static_cast<char>(key_space::format);  // no string: a fault may end this
+    std::string_view format;
+    const errcode code = get({&format_key, 1}, &format);
+    if (code == ERRCODE_NOT_FOUND) {
+        *is_ours = entries() == 0;
+        return ERRCODE_SUCCESS;
+    }
+    *is_ours = format == FORMAT;
+    return code;
+}
+
 std::size_t view::entries() const {
     MDB_stat stat{};
     return mdb_stat(txn_, table_, &stat) == 0 ? stat.ms_entries : 0;
@@ -265,14 +277,10 @@ errcode environment::open(const char *folder) {
     }
     parcel_set_schema_source(stored_schema);
     // The one table is open in every transaction; its first read tells whether the store is ours.
-    const std::string format_key = key(key_space::format);
-    const errcode failure = read([&](const view &state) {
-        std::string_view format;
-        const errcode code = state.get(format_key, &format);
-        if (code == ERRCODE_NOT_FOUND) {  // nothing was ever committed, or the store is another program's
-            return state.entries() == 0 ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
-        }
-        return code == ERRCODE_SUCCESS && format == FORMAT ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+    const errcode failure = read([](const view &state) {
+        bool is_ours = false;
+        const errcode code = state.check_format(&is_ours);
+        return code == ERRCODE_SUCCESS && is_ours ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
     });
     if (failure == OPSTORE_DAMAGED) {
         broken_ = OPSTORE_DAMAGED;

@@ -79,6 +79,9 @@ public:
     // The parcel of a record; OPSTORE_DAMAGED when another key's value stands there.
     [[nodiscard]] errcode get_parcel(std::string_view key, std::string_view *parcel) const;
 
+    // Whether the store is ours, or one in which nothing was ever committed; else it is another program's.
+    [[nodiscard]] errcode check_format(bool *is_ours) const;
+
     // How many keys there are, of whatever kind; and which transaction made this state.
     [[nodiscard]] std::size_t entries() const;
     [[nodiscard]] std::size_t transaction() const { return mdb_txn_id(txn_); }

@@ -139,7 +139,7 @@ problem writer::refuse_foreign_store() {
     // What a writer that was killed has left behind the data is not worth restoring.
     const auto accounted = static_cast<off_t>(accounted_size(folder_.c_str()));
     size_before_ = accounted != 0 ? std::min(status.st_size, accounted) : status.st_size;
-    bool is_foreign = false;
+    bool is_ours = true;
     const problem failure = guarded([&] {
         MDB_env *env = nullptr;
         MDB_txn *txn = nullptr;
@@ -148,16 +148,13 @@ problem writer::refuse_foreign_store() {
         code = code != 0 ? code : mdb_env_open(env, folder_.c_str(), MDB_RDONLY | MDB_NOLOCK | MDB_NOTLS, 0);
         code = code != 0 ? code : mdb_txn_begin(env, nullptr, MDB_RDONLY, &txn);
         if (code == 0 && (code = mdb_dbi_open(txn, nullptr, 0, &table)) == 0) {
-            const view state(txn, table);
-            std::string_view format;
-            is_foreign = state.entries() != 0 &&
-                         (state.get(key(key_space::format), &format) != ERRCODE_SUCCESS || format != FORMAT);
+            code = view(txn, table).check_format(&is_ours) == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED;
         }
         mdb_txn_abort(txn);
         mdb_env_close(env);
         return code == ENOMEM ? 0 : code;  // too little address space for its map; check_format() comes later
     });
-    return is_foreign ? folder_ + ": " + NOT_OURS : failure;
+    return failure.empty() && !is_ours ? folder_ + ": " + NOT_OURS : failure;
 }
 
 // Opens the environment with the largest map that there is address space for. What is behind the data of a file
@@ -231,22 +228,14 @@ problem writer::read_everything() {
 }
 
 problem writer::check_format() {
+    bool is_ours = false;
     std::string_view format;
-    MDB_stat stat{};
-    problem failure = get(key(key_space::format), &format);
+    problem failure =
+        guarded([&] { return view(txn_, table_).check_format(&is_ours) == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED; });
     if (failure.empty()) {
-        failure = guarded([&] { return mdb_stat(txn_, table_, &stat); });
+        failure = is_ours ? get(key(key_space::format), &format) : folder_ + ": " + NOT_OURS;
     }
-    if (!failure.empty()) {
-        return failure;
-    }
-    if (format == FORMAT) {
-        return "";
-    }
-    if (stat.ms_entries != 0) {
-        return folder_ + ": " + NOT_OURS;
-    }
-    return put(key(key_space::format), FORMAT);
+    return failure.empty() && format.empty() ? put(key(key_space::format), FORMAT) : failure;
 }
 
 problem writer::read_inventory() {
