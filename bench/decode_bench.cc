@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "bench/proto_mirror.h"
+#include "bench/sample_records.h"
 #include "mirror.pb.h"
-#include "platform/local/parcel_codec.h"
-#include "proto_mirror.h"
-#include "sample_records.h"
+#include "platform/local/codec/parcel_codec.h"
 #include "schema/pm_descriptors.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/pm_output.h"
-#include "pm_show_client/lines.h"
+#include "pm_show_client/blocks/lines.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/local/store.h"
-#include "platform/local/store_writer.h"
+#include "bench/sample_records.h"
+#include "platform/local/lmdb_store/store.h"
+#include "platform/local/lmdb_store/store_writer.h"
 #include "platform/opstore.h"
-#include "sample_records.h"
 #include "schema/pm_descriptors.h"
 
 namespace {

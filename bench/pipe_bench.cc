@@ -66,8 +66,7 @@ bool run(measured *each, bool is_timed) {
         return false;
     }
     if (is_timed) {
-        each->seconds.push_back(
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+        each->seconds.push_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
     }
     each->peak_kilobytes = used.ru_maxrss;
     return true;

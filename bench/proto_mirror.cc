@@ -1,12 +1,12 @@
 // See proto_mirror.h.
-#include "proto_mirror.h"
+#include "bench/proto_mirror.h"
 
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <string>
 
-#include "platform/local/parcel_notation.h"
+#include "platform/local/codec/parcel_notation.h"
 
 namespace {
 

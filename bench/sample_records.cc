@@ -1,5 +1,5 @@
 // See sample_records.h.
-#include "sample_records.h"
+#include "bench/sample_records.h"
 
 #include <array>
 

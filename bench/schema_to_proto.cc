@@ -4,7 +4,7 @@
 #include <iostream>
 #include <string>
 
-#include "platform/local/parcel_notation.h"
+#include "platform/local/codec/parcel_notation.h"
 #include "schema/pm_descriptors.h"
 
 namespace {

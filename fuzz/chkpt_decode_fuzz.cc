@@ -1,5 +1,5 @@
 // See chkpt_decode_fuzz.h.
-#include "chkpt_decode_fuzz.h"
+#include "fuzz/chkpt_decode_fuzz.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // Entry point for libFuzzer.
-#include "chkpt_decode_fuzz.h"
+#include "fuzz/chkpt_decode_fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 

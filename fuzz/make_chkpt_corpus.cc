@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "chkpt/shapes.h"
+#include "tests/chkpt/shapes.h"
 
 namespace {
 

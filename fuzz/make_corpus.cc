@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "parcel_decode_fuzz.h"
-#include "platform/local/parcel_codec.h"
+#include "fuzz/parcel_decode_fuzz.h"
+#include "platform/local/codec/parcel_codec.h"
 #include "schema/pm_descriptors.h"
-#include "support/random_record.h"
+#include "tests/support/random_record.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // See parcel_decode_fuzz.h.
-#include "parcel_decode_fuzz.h"
+#include "fuzz/parcel_decode_fuzz.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/local/parcel_codec.h"
-#include "platform/local/parcel_decoder.h"
-#include "platform/local/parcel_encoder.h"
-#include "platform/local/parcel_plan.h"
+#include "platform/local/codec/parcel_codec.h"
+#include "platform/local/codec/parcel_decoder.h"
+#include "platform/local/codec/parcel_encoder.h"
+#include "platform/local/codec/parcel_plan.h"
 #include "schema/pm_descriptors.h"
 
 namespace {

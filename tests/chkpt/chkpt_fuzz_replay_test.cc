@@ -1,9 +1,9 @@
 // Replays the checkpoint fuzz target's corpus and every input that ever crashed it.
 #include <gtest/gtest.h>
 
-#include "chkpt_decode_fuzz.h"
-#include "shapes.h"
-#include "support/fuzz_replay.h"
+#include "fuzz/chkpt_decode_fuzz.h"
+#include "tests/chkpt/shapes.h"
+#include "tests/support/fuzz_replay.h"
 
 namespace {
 

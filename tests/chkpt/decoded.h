@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-#include "blob.h"
 #include "chkpt/chkpt.h"
-#include "test_memory.h"
+#include "tests/chkpt/blob.h"
+#include "tests/chkpt/test_memory.h"
 
 // Both kinds of decoder under one form; the one without memory ignores it.
 template <class Record>

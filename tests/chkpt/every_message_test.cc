@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "chkpt/chkpt.h"
-#include "shapes.h"
+#include "tests/chkpt/shapes.h"
 
 namespace {
 

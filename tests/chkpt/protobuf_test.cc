@@ -6,7 +6,7 @@
 #include <string>
 
 #include "checkpoint.pb.h"
-#include "decoded.h"
+#include "tests/chkpt/decoded.h"
 
 namespace {
 

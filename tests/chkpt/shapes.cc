@@ -1,9 +1,9 @@
 // See shapes.h.
-#include "shapes.h"
+#include "tests/chkpt/shapes.h"
 
 #include <algorithm>
 
-#include "decoded.h"
+#include "tests/chkpt/decoded.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "blob.h"
-#include "test_memory.h"
+#include "tests/chkpt/blob.h"
+#include "tests/chkpt/test_memory.h"
 
 enum class field_kind { number, text, message, numbers, messages };
 

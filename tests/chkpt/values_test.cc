@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "decoded.h"
+#include "tests/chkpt/decoded.h"
 
 namespace {
 

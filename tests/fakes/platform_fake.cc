@@ -1,5 +1,5 @@
 // See platform_fake.h.
-#include "fakes/platform_fake.h"
+#include "tests/fakes/platform_fake.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // A platform for tests of pm_utils. See platform_text_fake.h.
-#include "fakes/platform_text_fake.h"
+#include "tests/fakes/platform_text_fake.h"
 
 #include <array>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // Tests of the command table, through pm_show_build_request of front/dispatch.h.
 #include "front/dispatch.h"
-#include "front/front_test.h"
+#include "tests/front/front_test.h"
 
 namespace {
 

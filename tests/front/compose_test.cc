@@ -1,6 +1,6 @@
 // Tests of front/compose.h.
 #include "front/compose.h"
-#include "front/front_test.h"
+#include "tests/front/front_test.h"
 
 namespace {
 

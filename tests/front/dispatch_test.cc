@@ -1,6 +1,6 @@
 // Tests of pm_show_dispatch of front/dispatch.h.
 #include "front/dispatch.h"
-#include "front/front_test.h"
+#include "tests/front/front_test.h"
 
 namespace {
 

@@ -10,11 +10,11 @@
 #include <gtest/gtest.h>
 
 #include "base/pm_output.h"
-#include "fakes/platform_fake.h"
-#include "fakes/platform_text_fake.h"
 #include "front/options.h"
 #include "front/walker.h"
 #include "pm_show_client/pm_show_options.h"
+#include "tests/fakes/platform_fake.h"
+#include "tests/fakes/platform_text_fake.h"
 
 class FrontTest : public testing::Test {
 protected:

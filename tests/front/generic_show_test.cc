@@ -1,6 +1,6 @@
 // Tests of front/generic_show.h.
 #include "front/generic_show.h"
-#include "front/show_test.h"
+#include "tests/front/show_test.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Tests of front/options.h.
-#include "front/front_test.h"
+#include "tests/front/front_test.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 // Tests of front/resolve_node.h.
-#include "front/front_test.h"
 #include "front/resolve_node.h"
+#include "tests/front/front_test.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // answers as the test says.
 #pragma once
 
-#include "front/front_test.h"
+#include "tests/front/front_test.h"
 
 inline constexpr parcel_descriptor test_descriptor{1, "test_parcel", 1, 0, "test", nullptr, "", ""};
 

@@ -1,6 +1,6 @@
 // Tests of front/walker.h.
 #include "front/walker.h"
-#include "front/show_test.h"
+#include "tests/front/show_test.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "stress/stress_support.h"
+#include "tests/stress/stress_support.h"
 
 namespace {
 

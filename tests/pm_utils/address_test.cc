@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "expect_names.h"
+#include "tests/pm_utils/expect_names.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Tests of pm_utils/not_running_reason.h.
 #include "pm_utils/not_running_reason.h"
 
-#include "expect_names.h"
+#include "tests/pm_utils/expect_names.h"
 
 namespace {
 

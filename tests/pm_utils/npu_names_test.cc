@@ -1,7 +1,7 @@
 // Tests of pm_utils/npu_names.h.
 #include "pm_utils/npu_names.h"
 
-#include "expect_names.h"
+#include "tests/pm_utils/expect_names.h"
 
 namespace {
 

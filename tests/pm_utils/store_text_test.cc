@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/platform_text_fake.h"
+#include "tests/fakes/platform_text_fake.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/platform_text_fake.h"
 #include "pm_utils/address_text.h"
 #include "pm_utils/value_text.h"
+#include "tests/fakes/platform_text_fake.h"
 
 namespace {
 

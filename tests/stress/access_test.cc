@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "stress/stress_support.h"
+#include "tests/stress/stress_support.h"
 
 namespace {
 

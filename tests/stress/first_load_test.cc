@@ -3,7 +3,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 
-#include "stress/stress_support.h"
+#include "tests/stress/stress_support.h"
 
 namespace {
 

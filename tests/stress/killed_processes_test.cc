@@ -5,7 +5,7 @@
 #include <random>
 #include <sys/ioctl.h>
 
-#include "stress/stress_support.h"
+#include "tests/stress/stress_support.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <lmdb.h>
 #include <sys/resource.h>
 
-#include "stress/stress_support.h"
+#include "tests/stress/stress_support.h"
 
 namespace {
 

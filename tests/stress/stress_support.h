@@ -19,12 +19,12 @@
 
 #include "base/pm_output.h"
 #include "front/generic_show.h"
-#include "platform/local/store_writer.h"
+#include "platform/local/lmdb_store/store_writer.h"
 #include "pm_show_client/pm_show_options.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
-#include "support/child_process.h"
-#include "support/command.h"
+#include "tests/support/child_process.h"
+#include "tests/support/command.h"
 
 #ifdef __SANITIZE_ADDRESS__
 inline constexpr unsigned STRESS_SCALE = 6;  // programs that start slowly are started less often

@@ -4,7 +4,7 @@
 #include <sched.h>
 #include <sys/ioctl.h>
 
-#include "stress/stress_support.h"
+#include "tests/stress/stress_support.h"
 
 namespace {
 

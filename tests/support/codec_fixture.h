@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/local/checksum.h"
-#include "platform/local/parcel_codec.h"
-#include "platform/local/parcel_plan.h"
+#include "platform/local/codec/checksum.h"
+#include "platform/local/codec/parcel_codec.h"
+#include "platform/local/codec/parcel_plan.h"
 
 using parcel = std::vector<std::uint8_t>;
 

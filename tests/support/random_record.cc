@@ -1,5 +1,5 @@
 // See random_record.h.
-#include "support/random_record.h"
+#include "tests/support/random_record.h"
 
 #include <cstring>
 #include <stdexcept>

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/local/parcel_notation.h"
+#include "platform/local/codec/parcel_notation.h"
 #include "platform/parcel.h"
 
 // A record type's schema and layout, ready to walk a structure.

@@ -2,7 +2,7 @@
 // larger than that, what it holds is not.
 #include <gtest/gtest.h>
 
-#include "support/command.h"
+#include "tests/support/command.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <random>
 #include <string>
 
-#include "support/child_process.h"
-#include "support/command.h"
+#include "tests/support/child_process.h"
+#include "tests/support/command.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "support/command.h"
+#include "tests/support/command.h"
 
 namespace {
 

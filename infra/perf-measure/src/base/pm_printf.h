@@ -60,7 +60,8 @@ void call(Print print, Arguments... arguments) {
 // Prints to standard output.
 template <pm_format_literal Format, class... Arguments>
 void pm_printf(Arguments... arguments) {
-    pm_printf_detail::call<Format>([](const char *format, auto... values) { std::printf(format, values...); }, arguments...);
+    pm_printf_detail::call<Format>([](const char *format, auto... values) { std::printf(format, values...); },
+                                   arguments...);
 }
 
 // Formats into a buffer, like std::snprintf.

@@ -1,0 +1,240 @@
+// Inventory, redundancy and node identity over the store. See platform/inventory.h and node.h.
+#include "platform/node.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "platform/bounded.h"
+#include "platform/inventory.h"
+#include "platform/local/answers/router.h"
+#include "platform/local/lmdb_store/store.h"
+#include "platform/local/store/local_store_descriptors.h"
+#include "platform/local/store/local_store_records.h"
+#include "platform/opstore.h"
+
+namespace {
+
+// The store, opened. Says why where this user may not read it.
+errcode open_store(store::environment **store) {
+    const errcode failure = store::environment::shared(store);
+    if (failure == OPSTORE_NO_CLIENT) {
+        static_cast<void>(opstore_client_present());
+    }
+    return failure;
+}
+
+// Parcels under the keys of one space, in key order.
+errcode read_all(store::key_space space, std::vector<std::string> *values) {
+    store::environment *store = nullptr;
+    if (const errcode failure = open_store(&store); failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    const std::string prefix = store::key(space);
+    return store->read([&](const store::view &state) {
+        values->clear();
+        return state.scan(prefix, "", [&](std::string_view key, std::string_view value) {
+            values->emplace_back(store::unseal(key, value));
+            return true;
+        });
+    });
+}
+
+errcode read_nodes(std::vector<router::node> *nodes) {
+    std::vector<std::string> parcels;
+    if (const errcode failure = read_all(store::key_space::node, &parcels); failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    for (const std::string &parcel : parcels) {
+        local_node record{};
+        if (const errcode failure = parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &record,
+                                                  local_node_descriptor());
+            failure != ERRCODE_SUCCESS) {
+            return failure;
+        }
+        router::node next;
+        next.id = record.Id;
+        next.name = record.Name != nullptr ? record.Name : "";
+        next.sw_state = record.SwState;
+        if (record.Location != nullptr) {
+            next.location = record.Location->Numbers;
+        }
+        next.processor = record.Processor;
+        nodes->push_back(std::move(next));
+        parcel_free_indirections(&record, local_node_descriptor());
+    }
+    return ERRCODE_SUCCESS;
+}
+
+// The platform record of the store; a store without one gives a record of zeroes. Lives until the
+// process ends.
+errcode platform_record(const local_platform **out) {
+    static local_platform the_record{};
+    static bool read = false;
+    *out = &the_record;
+    if (read) {
+        return ERRCODE_SUCCESS;
+    }
+    store::environment *store = nullptr;
+    errcode failure = open_store(&store);
+    if (failure == ERRCODE_SUCCESS) {
+        failure = store->get_record(store::key(store::key_space::platform), &the_record, local_platform_descriptor());
+    }
+    read = failure == ERRCODE_SUCCESS || failure == ERRCODE_NOT_FOUND;
+    return read ? ERRCODE_SUCCESS : failure;
+}
+
+// An optional number of the platform record.
+errcode platform_number(std::uint32_t *local_platform::*member, std::uint32_t *number) {
+    const local_platform *record = nullptr;
+    if (const errcode failure = platform_record(&record); failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    if (record->*member == nullptr) {
+        return ERRCODE_NOT_FOUND;
+    }
+    *number = *(record->*member);
+    return ERRCODE_SUCCESS;
+}
+
+}  // namespace
+
+namespace router {
+
+errcode nodes(const std::vector<node> **out) {
+    static std::vector<node> the_nodes;
+    static bool read = false;
+    if (!read) {
+        the_nodes.clear();
+        if (const errcode failure = read_nodes(&the_nodes); failure != ERRCODE_SUCCESS) {
+            return failure;
+        }
+        read = true;
+    }
+    *out = &the_nodes;
+    return ERRCODE_SUCCESS;
+}
+
+const node *find_node(std::uint32_t id) {
+    const std::vector<node> *all = nullptr;
+    if (nodes(&all) != ERRCODE_SUCCESS) {
+        return nullptr;
+    }
+    const auto found = std::find_if(all->begin(), all->end(), [&](const node &each) { return each.id == id; });
+    return found != all->end() ? &*found : nullptr;
+}
+
+}  // namespace router
+
+// Snapshots of the inventory are all the same one.
+struct invd_inventory {
+    const std::vector<router::node> *nodes = nullptr;
+};
+
+namespace {
+
+const router::node *node_at(const invd_inventory *inventory, std::int32_t index) {
+    if (inventory == nullptr || index < 0 || static_cast<std::size_t>(index) >= inventory->nodes->size()) {
+        return nullptr;
+    }
+    return &(*inventory->nodes)[static_cast<std::size_t>(index)];
+}
+
+}  // namespace
+
+errcode invd_get_inventory(std::uint32_t kind, const invd_inventory **inventory) {
+    static invd_inventory the_inventory;
+    if (kind != INVD_ALL_NODES) {
+        return ERRCODE_INVALID_ARGUMENT;
+    }
+    *inventory = &the_inventory;
+    return router::nodes(&the_inventory.nodes);
+}
+
+errcode invd_inventory_get_node_count(const invd_inventory *inventory, std::int32_t *count) {
+    *count = static_cast<std::int32_t>(inventory->nodes->size());
+    return ERRCODE_SUCCESS;
+}
+
+errcode invd_inventory_get_nodeid(const invd_inventory *inventory, std::int32_t index, std::uint32_t *node) {
+    const router::node *found = node_at(inventory, index);
+    if (found == nullptr) {
+        return ERRCODE_INVALID_ARGUMENT;
+    }
+    *node = found->id;
+    return ERRCODE_SUCCESS;
+}
+
+errcode invd_inventory_get_sw_state(const invd_inventory *inventory, std::int32_t index, std::uint32_t *state) {
+    const router::node *found = node_at(inventory, index);
+    if (found == nullptr) {
+        return ERRCODE_INVALID_ARGUMENT;
+    }
+    *state = found->sw_state;
+    return ERRCODE_SUCCESS;
+}
+
+errcode redund_get_proc_group_partner_node(const char *process_group, std::uint32_t *node) {
+    const local_platform *record = nullptr;
+    if (const errcode failure = platform_record(&record); failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    *node = NODEID_NONE;
+    for (const local_partner &each : record->Partners) {
+        if (each.Group != nullptr && std::strcmp(each.Group, process_group) == 0) {
+            *node = each.Node;
+        }
+    }
+    return ERRCODE_SUCCESS;
+}
+
+errcode platform_get_my_nodeid(std::uint32_t *node) { return platform_number(&local_platform::MyNode, node); }
+
+std::uint32_t platform_get_router_type() {
+    const local_platform *record = nullptr;
+    return platform_record(&record) == ERRCODE_SUCCESS ? record->RouterType : 0;
+}
+
+int platform_am_i_rp_plus_datapath() {
+    const local_platform *record = nullptr;
+    return platform_record(&record) == ERRCODE_SUCCESS && record->RpPlusDatapath != 0 ? 1 : 0;
+}
+
+errcode platform_get_active_standby_rps_in_rack(std::uint32_t *active, std::uint32_t /*rack*/) {
+    return platform_number(&local_platform::ActiveRp, active);
+}
+
+errcode nodeid_create(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t *node) {
+    const std::vector<router::node> *all = nullptr;
+    if (const errcode failure = router::nodes(&all); failure != ERRCODE_SUCCESS) {
+        return failure;
+    }
+    for (const router::node &each : *all) {
+        if (each.location == std::array{a, b, c}) {
+            *node = each.id;
+            return ERRCODE_SUCCESS;
+        }
+    }
+    return ERRCODE_NOT_FOUND;
+}
+
+errcode nodeid_processor_nodeid_for_nodeid(std::uint32_t node, std::uint32_t *processor) {
+    const router::node *found = router::find_node(node);
+    if (found == nullptr) {
+        return ERRCODE_NOT_FOUND;
+    }
+    *processor = found->processor;
+    return ERRCODE_SUCCESS;
+}
+
+errcode nodeid_to_str_external(std::uint32_t node, char *buffer, std::size_t size) {
+    if (buffer == nullptr || size == 0) {
+        return ERRCODE_INVALID_ARGUMENT;
+    }
+    if (const router::node *found = router::find_node(node); found != nullptr) {
+        safe_strncpy(buffer, found->name.c_str(), size);
+    } else {
+        std::snprintf(buffer, size, "0x%x", node);
+    }
+    return ERRCODE_SUCCESS;
+}

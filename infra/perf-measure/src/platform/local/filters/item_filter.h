@@ -1,0 +1,58 @@
+// Derived item paths: what the measurement service would answer to a filter.
+//
+//   X-filter/KEY/            the items of X/ whose detail record matches KEY (SR policies, endpoints,
+//   X-filter/KEY/NAME        RSVP-TE tunnels; X may be details, counters or histories), and one of them
+//   all-profile/             the named profiles
+//   name-profile-filter/KEY  the named profiles of a kind, transport and name; KEY/KEY is the first
+//
+// X is one of the places in item_filter.cc. A key is a list of components, separated by commas; eight
+// underscores match everything. A key with another number of components, or with a component that cannot be
+// read, matches nothing.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/local/lmdb_store/store.h"
+
+namespace item_filter {
+
+enum class family { everything, srpolicy, endpoint, rsvpte, profile };
+
+// The items that a path asks for.
+struct selection {
+    std::string path;    // without the filter: to list under, or of the one item
+    std::string prefix;  // what its items' paths begin with, their names behind it
+    family what = family::everything;
+    std::vector<std::string> components;
+    bool incomplete = false;   // the key has too few of them
+    bool first_match = false;  // the one item is the first under `path` that matches
+};
+
+// Takes an item path apart. A path that derives nothing selects itself.
+[[nodiscard]] selection select(std::string_view item_path);
+
+// Matches items of one selection against one consistent state of the store.
+class matcher {
+public:
+    // `branch` is the key of the branch's items. All must outlive the matcher.
+    matcher(const selection &selection, std::string_view branch, const store::view &state)
+        : selection_(selection), branch_(branch), state_(state) {}
+
+    // Whether the item at `path` below the branch, whose parcel is given, is selected. Reads the detail
+    // record of the same name where that is another item; an item without one matches only a key of
+    // wildcards. A detail record that does not decode matches, so that its reader reports it.
+    [[nodiscard]] bool matches(std::string_view path, std::string_view parcel) const;
+
+private:
+    template <class Record, class Rules>
+    [[nodiscard]] bool matches_detail(std::string_view path, std::string_view parcel, const char *detail_prefix,
+                                      const parcel_descriptor *descriptor, const Rules &rules) const;
+
+    const selection &selection_;
+    std::string_view branch_;
+    const store::view &state_;
+};
+
+}  // namespace item_filter

@@ -1,0 +1,142 @@
+// See allowed_prefixes.h.
+#include "pm_show_client/blocks/allowed_prefixes.h"
+
+#include <cstdint>
+#include <cstring>
+
+#include "base/pm_assert.h"
+#include "pm_show_client/blocks/lines.h"
+#include "pm_utils/address_text.h"
+
+namespace {
+
+// Assertions report these lines, wherever the checks stand.
+constexpr char NO_PARCEL[] = "NULL != parcel";
+constexpr char SOURCE[] = "pm_show_client";
+constexpr int REPORTED_COUNTER_LINE = 9859;
+constexpr int REPORTED_ENTRY_LINE = 9882;
+
+void print_text(int indent, const char *label, const char *text) {
+    pm_print_label_str(PM_ALLOWED_COLON, indent, label, text);
+}
+
+void print_number(int indent, const char *label, std::uint32_t number) {
+    pm_print_label_u32(PM_ALLOWED_COLON, indent, label, number, "");
+}
+
+// Prefixes ----------------------------------------------------------------------------------------
+
+// The prefix of an entry, its address whole, not masked; false for an address of neither family.
+bool prefix_of(const pm_prefix_entry_parcel &entry, pm_prefix_t &prefix) {
+    const pm_record_address &address = entry.PrefixAddress;
+    prefix = {};
+    prefix.length = entry.PrefixLength;
+    switch (address.IPAddressType) {
+    case PM_RECORD_ADDRESS_IPV4:
+        prefix.family = IP_FAMILY_IPV4;
+        std::memcpy(prefix.octets, &address.IPv4, sizeof address.IPv4);
+        return true;
+    case PM_RECORD_ADDRESS_IPV6:
+        prefix.family = IP_FAMILY_IPV6;
+        std::memcpy(prefix.octets, address.IPv6.octets, sizeof address.IPv6.octets);
+        return true;
+    default: return false;
+    }
+}
+
+// What holds for a prefix that is not plainly configured. Going hides how the prefix came.
+void print_flags(const pm_prefix_entry_parcel &entry) {
+    if (entry.PendingDelete) {
+        pm_print<" [Pending Delete]">();
+    } else if (!entry.Configured) {
+        pm_print<" [Auto]">();
+    }
+    if (entry.PendingAdd) {
+        pm_print<" [Pending Add]">();
+    }
+}
+
+void print_prefix(const pm_prefix_entry_parcel &entry, int indent) {
+    pm_prefix_t prefix;
+    const bool known = prefix_of(entry, prefix);
+    pm_print<"%*s%s">(indent, "", known ? pm_prefix_str(&prefix) : "Unknown network family type");
+    if (!known) {
+        return;  // without an end of line: the next prefix continues this one
+    }
+    print_flags(entry);
+    pm_print_empty_line();
+    if (pm_show_options.internal) {
+        print_prefix_counter_generic(&entry.ReferenceCounters, indent + 2);
+    }
+}
+
+// Ports -------------------------------------------------------------------------------------------
+
+void print_port(int indent, const char *label, std::uint16_t port) {
+    if (port == 0) {
+        print_text(indent, label, "N/A");
+    } else {
+        print_number(indent, label, port);
+    }
+}
+
+}  // namespace
+
+void pm_print_no_applicable_port() { pm_print<"No applicable port opened\n">(); }
+
+void print_prefix_counter_generic(const pm_prefix_reference_counters *parcel, int indent) {
+    if (parcel == nullptr) {
+        pm_assertion_failed(NO_PARCEL, SOURCE, REPORTED_COUNTER_LINE,
+                            "void print_prefix_counter_generic(const pm_prefix_reference_counters *, uint32_t, "
+                            "uint32_t)");
+    }
+    print_number(indent, "Configured counter", parcel->ConfiguredCounter);
+    print_number(indent, "SRPolicy reference counter", parcel->SRPolicyCount);
+    print_number(indent, "Endpoint reference counter", parcel->EndpointCount);
+}
+
+void pm_print_allowed_prefixes(const char *label, const pm_prefixes_info &prefixes) {
+    const bool internal = pm_show_options.internal;
+    print_number(0, label, prefixes.PrefixList.count);
+    if (internal) {
+        pm_print_heading(2, "Reference counter summary");
+        print_prefix_counter_generic(&prefixes.ReferenceCounters, 4);
+    }
+    if (prefixes.PrefixList.count == 0) {
+        return;
+    }
+    if (internal) {
+        pm_print_heading(2, "Prefix list");
+    }
+    if (prefixes.PrefixList.elements == nullptr) {
+        pm_assertion_failed(NO_PARCEL, SOURCE, REPORTED_ENTRY_LINE,
+                            "void print_prefix_entry_parcel(pm_prefix_entry_parcel *, uint32_t, uint32_t)");
+    }
+    for (const pm_prefix_entry_parcel &entry : prefixes.PrefixList) {
+        print_prefix(entry, internal ? 4 : 2);
+    }
+}
+
+void pm_print_ports_heading(const char *heading) {
+    pm_print_empty_line();
+    pm_print_heading(0, heading);
+}
+
+void pm_print_port_status(const char *label, const pm_udp_port_rxpol_prefix_status *status) {
+    if (status == nullptr) {
+        return;
+    }
+    print_port(2, label, status->PortNumber);
+    pm_print_port_detail(*status, 4);
+}
+
+void pm_print_port_detail(const pm_udp_port_rxpol_prefix_status &status, int indent) {
+    if (status.NpuId != nullptr) {
+        print_number(indent, "NPU ID", *status.NpuId);
+        indent += 2;
+    }
+    print_port(indent, "Opened IPv4 port", status.IPv4Status.PortNumber);
+    print_text(indent, "IPv4 Port Update Time", pm_time_str(status.IPv4Status.InstallTime));
+    print_port(indent, "Opened IPv6 port", status.IPv6Status.PortNumber);
+    print_text(indent, "IPv6 Port Update Time", pm_time_str(status.IPv6Status.InstallTime));
+}

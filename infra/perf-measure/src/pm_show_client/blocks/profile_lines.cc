@@ -1,0 +1,64 @@
+// See profile_lines.h.
+#include "pm_show_client/blocks/profile_lines.h"
+
+namespace {
+
+constexpr std::uint32_t VALUES_PER_LINE = 15;
+
+}  // namespace
+
+void pm_profile_heading() { pm_print_heading(2, "Profile configuration"); }
+
+void pm_profile_interval(int indent, const char *label, std::uint32_t value, std::uint32_t effective,
+                         const char *unit) {
+    pm_print_indented<"%-*s: %u (effective: %u) %s\n">(indent, PM_COUNTER_WIDTH - indent, label, value, effective,
+                                                       unit);
+}
+
+void pm_profile_enabled(int indent, const char *label, bool enabled) {
+    pm_print_column_str(indent, label, enabled ? "Enabled" : "Disabled");
+}
+
+void pm_profile_enabled_default(int indent, const char *label, bool enabled) {
+    pm_print_column_str(indent, label, enabled ? "Enabled" : "Disabled (default)");
+}
+
+void pm_profile_optional(int indent, const char *label, const std::uint32_t *value) {
+    if (value != nullptr) {
+        pm_print_column_u32(indent, label, *value);
+    }
+}
+
+void pm_profile_accelerated(bool enabled) {
+    pm_profile_enabled(4, enabled ? "Accelerated advertisement" : "Advertisement accelerated", enabled);
+}
+
+void pm_profile_sweeping(bool enabled, const pm_record_address &start, std::uint32_t range) {
+    pm_profile_enabled(4, "Destination sweeping mode", enabled);
+    if (enabled) {
+        // These labels have a colon of their own before the one in the column.
+        pm_print_label_address("Starting address:", start, 6, PM_COUNTER_WIDTH);
+        pm_print_column_u32(6, "Sweeping range:", range);
+    }
+}
+
+void pm_profile_list(const char *count_label, const char *list_label, int continuation,
+                     const parcel_array<std::uint32_t> &values) {
+    pm_print_column_u32(4, count_label, values.count);
+    if (values.count == 0) {
+        return;
+    }
+    pm_print<"%*s  %s: %d">(4, "", list_label, values[0]);
+    for (std::uint32_t i = 1; i < values.count; ++i) {
+        if (i % VALUES_PER_LINE == 0) {
+            pm_print<",\n%*s%d">(continuation, "", values[i]);
+        } else {
+            pm_print<", %d">(values[i]);
+        }
+    }
+    pm_print_empty_line();
+}
+
+void pm_profile_flow_labels(const parcel_array<std::uint32_t> &labels) {
+    pm_profile_list("Flow Label Count", "Flow Labels", 19, labels);
+}

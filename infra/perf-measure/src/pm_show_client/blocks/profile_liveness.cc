@@ -1,0 +1,105 @@
+// Liveness profiles. See profile_blocks.h.
+#include "pm_show_client/blocks/profile_blocks.h"
+#include "pm_show_client/blocks/profile_lines.h"
+#include "pm_utils/measurement_names.h"
+
+namespace {
+
+// Intervals ---------------------------------------------------------------------------------------
+
+std::uint32_t value_or_zero(const std::uint32_t *value) { return value != nullptr ? *value : 0; }
+
+// What an interval comes to on each NPU.
+void print_npu_effective(const parcel_array<std::uint32_t> &effective, const char *unit) {
+    for (std::uint32_t npu = 0; npu < effective.count; ++npu) {
+        pm_print<"%*sEffective for NPU%u:\n">(6, "", npu);
+        pm_print_column_unit(8, "SR Policy", effective[npu], unit);
+    }
+}
+
+// The intervals of a profile that runs on NPUs; nothing for transports without SR policies.
+void print_npu_intervals(const pm_liveness_transport_profile_parcel &profile, pm_transport_type_e transport) {
+    if (transport != PM_TRANSPORT_SR_POLICY && transport != PM_TRANSPORT_GENERIC) {
+        return;
+    }
+    if (profile.TXIntervalEffectiveNPUSRPolicy.count != 0 && profile.TXInterval != nullptr) {
+        pm_print_column_unit(4, "Tx interval", *profile.TXInterval, "uSec");
+        if (transport == PM_TRANSPORT_GENERIC) {
+            pm_print_column_unit(6, "Effective for Endpoint", profile.TXIntervalEffectiveEndpoint, "uSec");
+        }
+        print_npu_effective(profile.TXIntervalEffectiveNPUSRPolicy, "uSec");
+    } else if (profile.BurstIntervalNPUEffective.count != 0 && profile.BurstInterval != nullptr) {
+        pm_print_column_unit(4, "Burst interval", *profile.BurstInterval, "mSec");
+        print_npu_effective(profile.BurstIntervalNPUEffective, "mSec");
+    }
+}
+
+// 0 for a transport without a value of its own.
+std::uint32_t effective_tx_interval(const pm_liveness_transport_profile_parcel &profile,
+                                    pm_transport_type_e transport) {
+    switch (transport) {
+    case PM_TRANSPORT_SR_POLICY: return value_or_zero(profile.TXIntervalEffectiveSRPolicy);
+    case PM_TRANSPORT_ENDPOINT: return profile.TXIntervalEffectiveEndpoint;
+    default: return 0;
+    }
+}
+
+void print_generic_intervals(const pm_liveness_transport_profile_parcel &profile) {
+    if (profile.TXInterval != nullptr) {
+        pm_print_column_unit(4, "Tx interval", *profile.TXInterval, "uSec");
+        pm_print_column_unit(6, "Effective for SR Policy", value_or_zero(profile.TXIntervalEffectiveSRPolicy), "uSec");
+        pm_print_column_unit(6, "Effective for Endpoint", profile.TXIntervalEffectiveEndpoint, "uSec");
+    }
+}
+
+void print_intervals(const pm_liveness_transport_profile_parcel &profile, pm_transport_type_e transport) {
+    if (profile.TXIntervalEffectiveNPUSRPolicy.count != 0 || profile.BurstIntervalNPUEffective.count != 0) {
+        print_npu_intervals(profile, transport);
+    } else if (transport == PM_TRANSPORT_GENERIC) {
+        print_generic_intervals(profile);
+    } else {
+        pm_profile_tx_intervals(profile, effective_tx_interval(profile, transport));
+    }
+}
+
+// Sessions ----------------------------------------------------------------------------------------
+
+void print_npu_sessions(const parcel_array<std::uint32_t> &sessions, pm_transport_type_e transport) {
+    pm_profile_enabled(4, "NPU offload", true);
+    if (sessions.count == 0) {
+        return;
+    }
+    pm_print_heading(4, "NPU session count");
+    for (std::uint32_t i = 0; i < sessions.count; ++i) {
+        char npu[16];
+        pm_format_text<"NPU%u">(npu, sizeof npu, i);
+        if (transport == PM_TRANSPORT_GENERIC) {
+            pm_print_heading(6, npu);
+            pm_print_column_u32(8, "SR Policy", sessions[i]);
+        } else {
+            pm_print_column_u32(6, npu, sessions[i]);
+        }
+    }
+}
+
+}  // namespace
+
+void pm_show_liveness_profile(const pm_liveness_transport_profile_parcel &profile, pm_transport_type_e transport) {
+    pm_profile_heading();
+    pm_print_column_str(4, "Measurement mode", pm_delay_mode_str(profile.DelayMeasurementMode));
+    pm_print_column_str(4, "Protocol type", pm_protocol_name_str(profile.PayloadType, profile.EncapMode));
+    pm_print_heading(4, "Type of service");
+    pm_print_column_u32(6, "TWAMP-light DSCP", profile.TOS_DSCPValue);
+    print_intervals(profile, transport);
+    pm_profile_sweeping(profile.DestinationSweepingModeEnabled, profile.DestinationSweepingAddress,
+                        profile.DestinationSweepingRange);
+    pm_profile_flow_labels(profile.FlowLabel);
+    pm_print_heading(4, "Liveness detection parameters");
+    pm_print_column_u32(6, "Multiplier", profile.LivenessDetection.Multiplier);
+    pm_profile_enabled(6, "Logging state change", profile.LivenessDetection.LoggingStateChangeEnabled);
+    if (profile.NPUOffloadConfig.NPUOffloadEnabled) {
+        print_npu_sessions(profile.NPUOffloadConfig.NpuSessionCount, transport);
+    } else {
+        pm_profile_cpu_sessions(profile, transport);
+    }
+}

@@ -1,0 +1,25 @@
+// See resp_summary.h.
+#include "pm_show_client/displays/resp_summary.h"
+
+#include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/blocks/resp_counters.h"
+#include "pm_show_client/pm_show_options.h"
+
+namespace {
+
+void print_rate(const char *label, std::uint32_t rate_pps) { pm_print_column_unit(2, label, rate_pps, "pkts/sec"); }
+
+}  // namespace
+
+int pm_show_resp_summary(const void *decoded_parcel) {
+    if (decoded_parcel == nullptr) {
+        return PM_SHOW_NO_RECORD;
+    }
+    const auto &summary = *static_cast<const pm_resp_summary_parcel *>(decoded_parcel);
+    pm_print_heading(0, "Delay-Measurement");
+    pm_print_column_u32(2, "Total interfaces", summary.TotalInterfaces);
+    pm_show_resp_counters(&summary.ResponderCounters, 2);
+    print_rate("Current rate", summary.PacketRate);
+    print_rate("Rate high water mark", summary.PacketRateHighWaterMark);
+    return PM_SHOW_PRINTED;
+}

@@ -1,0 +1,139 @@
+// Tests of tools/perf-store/gen.h: the set as a whole, and how many items it has.
+#include "tests/perf-store/generator/generated_set.h"
+
+#include <algorithm>
+#include <set>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using perf_store::gen_options;
+
+constexpr int DONE = 0;
+constexpr int WRONG_USAGE = 2;
+
+gen_options nothing() { return {.nodes = 4, .interfaces = 0, .policies = 0, .paths = 2, .endpoints = 0, .tunnels = 0}; }
+
+std::size_t sessions_under(const generated_set &set) {
+    std::size_t paths = 0;
+    set.each<pm_srpolicy_parcel>("srpolicy/detail/", [&](const generated_item &, const pm_srpolicy_parcel &policy) {
+        for (const auto &candidate : policy.CandidatePaths) {
+            for (const auto &list : candidate.SegmentLists) {
+                paths += list.AtomicPaths.count;
+            }
+        }
+    });
+    return paths;
+}
+
+TEST(Generator, TheSameOptionsGiveTheSameBytes) {
+    const std::string first = generate({});
+    EXPECT_GT(first.size(), 100'000U);
+    EXPECT_TRUE(first == generate({}));  // not printed: it is long
+}
+
+TEST(Generator, AnotherSeedGivesOtherBytes) { EXPECT_FALSE(generate({}) == generate({.seed = 2})); }
+
+TEST(Generator, OneMoreInterfaceLeavesThePoliciesAsTheyWere) {
+    const auto counters = [](const generated_set &set) {
+        std::vector<std::uint64_t> sent;
+        set.each<pm_srpolicy_counters_parcel>("srpolicy/counters/", [&](const generated_item &, const auto &policy) {
+            for (const auto &candidate : policy.CandidateCounters) {
+                sent.push_back(candidate.Counters != nullptr ? candidate.Counters->GenericCounters.QueryPacketsSent
+                                                             : 0);
+            }
+        });
+        return sent;
+    };
+    EXPECT_EQ(counters(generated_set({.interfaces = 16})), counters(generated_set({.interfaces = 17})));
+}
+
+TEST(Generator, TheObjectsComeInTheOrderOfADump) {
+    const std::vector<std::string> order = {"dataset", "platform", "node", "interface", "item"};
+    std::vector<std::string> kinds = generated_set({}).kinds();
+    kinds.erase(std::unique(kinds.begin(), kinds.end()), kinds.end());
+    EXPECT_EQ(kinds, order);
+}
+
+TEST(Generator, CountsFollowTheOptions) {
+    const generated_set set({.nodes = 5, .interfaces = 7, .policies = 11, .paths = 3, .endpoints = 9, .tunnels = 4});
+    EXPECT_EQ(set.nodes(), (std::vector<std::uint32_t>{0x100, 0x101, 0x10, 0x20, 0x30}));
+    EXPECT_EQ(std::count(set.kinds().begin(), set.kinds().end(), "interface"), 7 + 11 + 4);
+    EXPECT_EQ(set.count("intf/detail/"), 7U);
+    EXPECT_EQ(set.count("intf/delay/probe-history/"), 7U);
+    EXPECT_EQ(set.count("intf/loss/pkt-history/"), 7U);
+    EXPECT_EQ(set.count("srpolicy/detail/"), 11U);
+    EXPECT_EQ(set.count("srpolicy/counters/"), 11U);
+    EXPECT_EQ(set.count("srpolicy/delay/probe-history/") + set.count("srpolicy/liveness/live-history/"), 11U);
+    EXPECT_EQ(set.count("endpoint/detail/"), 9U);
+    EXPECT_EQ(set.count("endpoint/counters/"), 9U);
+    EXPECT_EQ(set.count("endpoint/delay/probe-history/") + set.count("endpoint/delay/live-history/"), 9U);
+    EXPECT_EQ(set.count("rsvpte/detail/"), 4U);
+    EXPECT_EQ(set.count("rsvpte/counters/"), 4U);
+    EXPECT_EQ(set.count("rsvpte/delay/probe-history/"), 4U);
+    EXPECT_EQ(set.count("summary"), 5U);
+    EXPECT_EQ(set.count("profile"), 5U);
+    EXPECT_EQ(set.count("name-profile/0x0/0x2/gold"), 5U);
+    EXPECT_EQ(set.count("session/"), 2 * 7 + sessions_under(set) + 9 + 4);
+}
+
+TEST(Generator, EverySegmentListHasTheAskedForAtomicPaths) {
+    for (const std::uint32_t paths : {0U, 1U, 5U}) {
+        const generated_set set({.policies = 12, .paths = paths});
+        std::size_t lists = 0;
+        set.each<pm_srpolicy_parcel>("srpolicy/detail/", [&](const generated_item &, const pm_srpolicy_parcel &policy) {
+            for (const auto &candidate : policy.CandidatePaths) {
+                lists += candidate.SegmentLists.count;
+            }
+        });
+        EXPECT_GE(lists, 12U);
+        EXPECT_EQ(sessions_under(set), lists * paths);
+    }
+}
+
+TEST(Generator, WithoutAnyObjectsThereAreProfilesAndSummariesOnly) {
+    const generated_set set(nothing());
+    EXPECT_EQ(set.count(""), set.count("summary") + set.count("profile") + set.count("name-profile/"));
+    EXPECT_EQ(set.count("summary"), 4U);
+    EXPECT_EQ(set.summary(0x100).GlobalCounters.QueryPacketsSent, 0U);
+}
+
+TEST(Generator, ASingleNodeKeepsTheInterfacesItself) {
+    gen_options options = nothing();
+    options.nodes = 1;
+    options.interfaces = 3;
+    const generated_set set(options);
+    EXPECT_EQ(set.nodes(), std::vector<std::uint32_t>{0x100});
+    EXPECT_EQ(set.count("intf/detail/eth0/20/0/"), 3U);
+    EXPECT_EQ(set.summary(0x100).TotalInterfaces, 3U);
+}
+
+TEST(Generator, NodeIdsStayDistinctOnALargeRouter) {
+    gen_options options = nothing();
+    options.nodes = perf_store::GEN_MAX_NODES;
+    const generated_set set(options);
+    const std::set<std::uint32_t> ids(set.nodes().begin(), set.nodes().end());
+    EXPECT_EQ(ids.size(), perf_store::GEN_MAX_NODES);
+}
+
+TEST(Generator, NoItemComesTwice) {
+    const generated_set set({});
+    std::set<std::pair<std::uint32_t, std::string>> seen;
+    for (const generated_item &item : set.items()) {
+        EXPECT_TRUE(seen.emplace(item.node, item.path).second) << item.path;
+    }
+    EXPECT_GT(seen.size(), 1000U);
+}
+
+TEST(Generator, OptionsBeyondTheirLimitsAreWrongUsage) {
+    int status = DONE;
+    EXPECT_EQ(generate({.nodes = 0}, &status), "");
+    EXPECT_EQ(status, WRONG_USAGE);
+    EXPECT_EQ(generate({.paths = perf_store::GEN_MAX_PATHS + 1}, &status), "");
+    EXPECT_EQ(status, WRONG_USAGE);
+    EXPECT_NE(generate(nothing(), &status), "");
+    EXPECT_EQ(status, DONE);
+}
+
+}  // namespace

@@ -1,0 +1,36 @@
+// Displays that are called without a record, as an empty listing does. The others say so themselves or abort.
+#include <gtest/gtest.h>
+
+#include "pm_show_client/displays/endpoint.h"
+#include "pm_show_client/displays/endpoint_counters.h"
+#include "pm_show_client/displays/history_displays.h"
+#include "pm_show_client/displays/intf.h"
+#include "pm_show_client/displays/resp_intf.h"
+#include "pm_show_client/displays/resp_summary.h"
+#include "pm_show_client/displays/rsvpte.h"
+#include "pm_show_client/displays/rx_summary.h"
+#include "pm_show_client/displays/session.h"
+#include "pm_show_client/displays/srpolicy.h"
+#include "pm_show_client/displays/srpolicy_counters.h"
+#include "pm_show_client/pm_show_options.h"
+#include "tests/support/captured.h"
+
+namespace {
+
+class WithoutARecord : public testing::TestWithParam<pm_show_display> {};
+
+TEST_P(WithoutARecord, PrintsNothing) {
+    int result = 0;
+    EXPECT_EQ(captured([&] { result = GetParam()(nullptr); }), "");
+    EXPECT_EQ(result, PM_SHOW_NO_RECORD);
+}
+
+INSTANTIATE_TEST_SUITE_P(Displays, WithoutARecord,
+                         testing::Values(pm_show_intf, pm_show_session, pm_show_srpolicy, pm_show_srpolicy_counters,
+                                         pm_show_endpoint, pm_show_endpoint_counters, pm_show_rsvpte,
+                                         pm_show_rsvpte_counters, pm_show_intf_history, pm_show_srpolicy_history,
+                                         pm_show_rsvpte_history, pm_show_endpoint_history,
+                                         pm_show_endpoint_live_history, pm_show_resp_intf, pm_show_resp_summary,
+                                         pm_show_rx_summary));
+
+}  // namespace

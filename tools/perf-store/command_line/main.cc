@@ -1,0 +1,175 @@
+// perf-store: puts data sets into the store of the local platform and gets them out.
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <exception>
+
+#include "perf-store/command_line/commands.h"
+#include "perf-store/datasets/dataset_names.h"
+#include "perf-store/datasets/value_text.h"
+#include "perf-store/generator/gen.h"
+
+namespace {
+
+using namespace perf_store;
+
+constexpr char DESCRIPTION[] =
+    "Puts data sets into the store of perf-show's local platform and gets them out.\n"
+    "The environment variable OPSTORE_URL names the store as lmdb:FOLDER.";
+
+// Values of the options.
+struct arguments {
+    std::vector<std::string> files;
+    bool replace = false;
+    std::string root;
+    std::string node;
+    std::string path;
+    std::string type;
+    std::string item;
+    std::vector<std::string> items;
+    bool recursive = false;
+    gen_options synthetic;
+};
+
+// A node id in any C notation.
+std::string check_node(const std::string &text) {
+    std::uint64_t value = 0;
+    bool negative = false;
+    const bool good = read_integer(text, &value, &negative) == number_result::ok && !negative && value <= 0xFFFFFFFF;
+    return good ? std::string() : on_one_line(excerpt(text)) + " is not a node id";
+}
+
+// The options that name a branch.
+void add_branch(CLI::App *command, arguments *given, bool required) {
+    command->add_option("--root", given->root, "Data root: main, resp, rx or chkpt")
+        ->check(CLI::IsMember({"main", "resp", "rx", "chkpt"}))
+        ->required(required);
+    command->add_option("--node", given->node, "Node, by its id")->check(check_node)->required(required);
+}
+
+void add_load(CLI::App *app, arguments *given) {
+    CLI::App *load = app->add_subcommand("load", "Put data sets into the store, all or nothing");
+    load->add_option("FILE", given->files, "Data sets; - is standard input")->required();
+    load->add_flag("--replace", given->replace, "Empty the store first");
+    load->footer("Example: perf-store load --replace chassis.ndjson");
+}
+
+void add_dump(CLI::App *app, arguments *given) {
+    CLI::App *dump = app->add_subcommand("dump", "Write the store, or a part of it, as a data set");
+    add_branch(dump, given, false);
+    dump->add_option("--path", given->path, "Items whose path begins so only");
+    dump->footer("Example: perf-store dump --root main --node 0x100 --path srpolicy/ > policies.ndjson");
+}
+
+void add_item_commands(CLI::App *app, arguments *given) {
+    CLI::App *ls = app->add_subcommand("ls", "List items: root, node, record type, path");
+    add_branch(ls, given, false);
+    ls->add_option("PREFIX", given->path, "Items whose path begins so only");
+    ls->footer("Example: perf-store ls --root main intf/");
+    CLI::App *get = app->add_subcommand("get", "Print one item as JSON");
+    add_branch(get, given, true);
+    get->add_option("PATH", given->item, "Its path below the branch")->required();
+    get->footer("Example: perf-store get --root main --node 0x100 summary");
+    CLI::App *rm = app->add_subcommand("rm", "Remove items, all or none");
+    add_branch(rm, given, true);
+    rm->add_option("PATH", given->items, "Their paths below the branch")->required();
+    rm->add_flag("-r,--recursive", given->recursive, "Remove what is below the paths too");
+    rm->footer("Example: perf-store rm --root main --node 0x100 srpolicy/detail/policy-c10");
+}
+
+void add_gen(CLI::App *app, arguments *given) {
+    gen_options &set = given->synthetic;
+    const CLI::Range objects(std::uint32_t{0}, GEN_MAX_OBJECTS);
+    CLI::App *gen = app->add_subcommand("gen", "Write a synthetic data set, the same for the same options");
+    gen->add_option("--nodes", set.nodes, "Route processors and line cards")
+        ->check(CLI::Range(GEN_MIN_NODES, GEN_MAX_NODES));
+    gen->add_option("--interfaces", set.interfaces, "Interfaces")->check(objects);
+    gen->add_option("--policies", set.policies, "SR policies")->check(objects);
+    gen->add_option("--paths", set.paths, "Atomic paths of each segment list")
+        ->check(CLI::Range(std::uint32_t{0}, GEN_MAX_PATHS));
+    gen->add_option("--endpoints", set.endpoints, "IP endpoints")->check(objects);
+    gen->add_option("--tunnels", set.tunnels, "RSVP-TE tunnels")->check(objects);
+    gen->add_option("--seed", set.seed, "Another seed gives another set");
+    gen->footer("Example: perf-store gen --policies 10000 | perf-store load --replace -");
+}
+
+void add_schema(CLI::App *app, arguments *given) {
+    CLI::App *schema = app->add_subcommand("schema", "Print a record type's schema, size and field offsets");
+    schema->add_option("TYPE", given->type, "A record type, as perf-store types lists them")->required();
+    schema->footer("Example: perf-store schema pm_summary_parcel");
+}
+
+std::uint32_t node_of(const arguments &given) {
+    std::uint64_t value = 0;
+    bool negative = false;
+    static_cast<void>(read_integer(given.node, &value, &negative));  // checked by check_node
+    return static_cast<std::uint32_t>(value);
+}
+
+dump_filter filter_of(const arguments &given) {
+    dump_filter filter;
+    if (!given.root.empty()) {
+        filter.root = find_word(store::ROOTS, given.root)->id;
+    }
+    if (!given.node.empty()) {
+        filter.node = node_of(given);
+    }
+    filter.path_prefix = given.path;
+    return filter;
+}
+
+int run(int argc, char **argv) {
+    CLI::App app(DESCRIPTION, "perf-store");
+    arguments given;
+    app.set_version_flag("--version", std::string("perf-store ") + PERF_STORE_VERSION);
+    app.require_subcommand(1);
+    add_load(&app, &given);
+    add_dump(&app, &given);
+    add_item_commands(&app, &given);
+    add_gen(&app, &given);
+    app.add_subcommand("stat", "Items and bytes of each root and node")->footer("Example: perf-store stat");
+    app.add_subcommand("types", "List the record types: name, version, size")->footer("Example: perf-store types");
+    add_schema(&app, &given);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success &asked) {  // --help or --version
+        return app.exit(asked);
+    } catch (const CLI::ParseError &wrong) {
+        app.exit(wrong);
+        return EXIT_USAGE;
+    }
+    if (app.got_subcommand("load")) {
+        return run_load(given.files, given.replace);
+    }
+    if (app.got_subcommand("dump")) {
+        return run_dump(filter_of(given));
+    }
+    if (app.got_subcommand("ls")) {
+        return run_ls(filter_of(given));
+    }
+    if (app.got_subcommand("get")) {
+        return run_get(*find_word(store::ROOTS, given.root), node_of(given), given.item);
+    }
+    if (app.got_subcommand("rm")) {
+        return run_rm(*find_word(store::ROOTS, given.root), node_of(given), given.items, given.recursive);
+    }
+    if (app.got_subcommand("gen")) {
+        return run_gen(given.synthetic);
+    }
+    if (app.got_subcommand("stat")) {
+        return run_stat();
+    }
+    return app.got_subcommand("types") ? run_types() : run_schema(given.type);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is a failed write
+    try {
+        const int status = run(argc, argv);
+        return std::fflush(stdout) == 0 || errno == EPIPE ? status : report("standard output cannot be written");
+    } catch (const std::exception &problem) {
+        return report(problem.what());
+    }
+}

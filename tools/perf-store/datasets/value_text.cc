@@ -1,0 +1,217 @@
+// See value_text.h.
+#include "perf-store/datasets/value_text.h"
+
+#include <arpa/inet.h>
+#include <cstring>
+
+namespace perf_store {
+
+namespace {
+
+constexpr char DIGITS[] = "0123456789abcdef";
+constexpr std::size_t MAC_OCTETS = 6;
+
+int hex_digit(char c) {
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+bool read_address(int family, std::string_view text, std::uint8_t *octets) {
+    char terminated[INET6_ADDRSTRLEN];
+    if (text.size() >= sizeof terminated || text.find('\0') != std::string_view::npos) {
+        return false;
+    }
+    std::memcpy(terminated, text.data(), text.size());
+    terminated[text.size()] = '\0';
+    return inet_pton(family, terminated, octets) == 1;
+}
+
+void append_address(int family, const std::uint8_t *octets, std::string *out) {
+    char text[INET6_ADDRSTRLEN];
+    out->append(inet_ntop(family, octets, text, sizeof text));
+}
+
+// Bytes of the UTF-8 sequence at the front of `text`; 0 when there is none (RFC 3629).
+std::size_t utf8_length(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+    const auto continues = [&](std::size_t i) { return (byte(i) & 0xC0) == 0x80; };
+    const unsigned first = byte(0);
+    if (first < 0x80) {
+        return 1;
+    }
+    if (first >= 0xC2 && first <= 0xDF && continues(1)) {
+        return 2;
+    }
+    if ((first & 0xF0) == 0xE0 && continues(1) && continues(2)) {
+        const bool overlong = first == 0xE0 && byte(1) < 0xA0;
+        const bool surrogate = first == 0xED && byte(1) >= 0xA0;
+        return overlong || surrogate ? 0 : 3;
+    }
+    if (first >= 0xF0 && first <= 0xF4 && continues(1) && continues(2) && continues(3)) {
+        const bool overlong = first == 0xF0 && byte(1) < 0x90;
+        const bool beyond = first == 0xF4 && byte(1) >= 0x90;
+        return overlong || beyond ? 0 : 4;
+    }
+    return 0;
+}
+
+}  // namespace
+
+number_result read_integer(std::string_view text, std::uint64_t *value, bool *negative) {
+    *negative = text.starts_with('-');
+    text.remove_prefix(*negative ? 1 : 0);
+    int base = 10;
+    if (text.starts_with("0x") || text.starts_with("0X")) {
+        base = 16;
+        text.remove_prefix(2);
+    } else if (text.size() > 1 && text[0] == '0') {
+        base = 8;
+        text.remove_prefix(1);
+    }
+    const char *end = text.data() + text.size();
+    const auto [stop, failure] = std::from_chars(text.data(), end, *value, base);
+    if (failure == std::errc::invalid_argument || stop != end) {
+        return number_result::not_a_number;
+    }
+    if (failure != std::errc{} || (*negative && *value > 1ULL << 63)) {
+        return number_result::out_of_range;
+    }
+    *value = *negative ? 0 - *value : *value;
+    *negative = *negative && *value != 0;
+    return number_result::ok;
+}
+
+bool read_ipv4(std::string_view text, std::uint8_t *octets) { return read_address(AF_INET, text, octets); }
+bool read_ipv6(std::string_view text, std::uint8_t *octets) { return read_address(AF_INET6, text, octets); }
+
+bool read_mac(std::string_view text, std::uint8_t *octets) {
+    const bool dotted = text.size() == 14;  // three groups of four digits, else six of two
+    const std::size_t group = dotted ? 4 : 2;
+    const char separator = dotted ? '.' : ':';
+    if (!dotted && text.size() != 17) {
+        return false;
+    }
+    char digits[2 * MAC_OCTETS];
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (i % (group + 1) == group) {
+            if (text[i] != separator) {
+                return false;
+            }
+        } else {
+            digits[count++] = text[i];
+        }
+    }
+    return read_hexadecimal({digits, count}, octets);
+}
+
+bool read_hexadecimal(std::string_view text, std::uint8_t *octets) {
+    if (text.size() % 2 != 0) {
+        return false;
+    }
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        const int high = hex_digit(text[i]);
+        const int low = hex_digit(text[i + 1]);
+        if (high < 0 || low < 0) {
+            return false;
+        }
+        octets[i / 2] = static_cast<std::uint8_t>(high * 16 + low);
+    }
+    return true;
+}
+
+void append_ipv4(const std::uint8_t *octets, std::string *out) { append_address(AF_INET, octets, out); }
+void append_ipv6(const std::uint8_t *octets, std::string *out) { append_address(AF_INET6, octets, out); }
+
+void append_mac(const std::uint8_t *octets, std::string *out) {
+    for (std::size_t i = 0; i < MAC_OCTETS; ++i) {
+        if (i != 0) {
+            out->push_back(':');
+        }
+        append_hexadecimal(octets + i, 1, out);
+    }
+}
+
+void append_hexadecimal(const std::uint8_t *octets, std::size_t count, std::string *out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        out->push_back(DIGITS[octets[i] >> 4]);
+        out->push_back(DIGITS[octets[i] & 0xF]);
+    }
+}
+
+bool is_utf8(std::string_view text) {
+    constexpr std::uint64_t HIGH_BITS = 0x8080808080808080ULL;
+    std::uint64_t eight = 0;
+    while (text.size() >= sizeof eight) {  // most texts are ASCII
+        std::memcpy(&eight, text.data(), sizeof eight);
+        if ((eight & HIGH_BITS) != 0) {
+            break;
+        }
+        text.remove_prefix(sizeof eight);
+    }
+    while (!text.empty()) {
+        const std::size_t length = utf8_length(text);
+        if (length == 0) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+std::string excerpt(std::string_view text, std::size_t longest) {
+    if (text.size() <= longest) {
+        return std::string(text);
+    }
+    std::size_t length = longest;
+    while (length > 0 && (text[length] & 0xC0) == 0x80) {  // not within a character
+        --length;
+    }
+    return std::string(text.substr(0, length)) + "...";
+}
+
+std::string on_one_line(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        const auto byte = static_cast<std::uint8_t>(c);
+        if (byte >= 0x20 && byte != 0x7F) {
+            result.push_back(c);
+        } else {
+            result += "\\x";
+            append_hexadecimal(&byte, 1, &result);
+        }
+    }
+    return result;
+}
+
+bool append_json_text(std::string_view text, std::string *out) {
+    const std::size_t begin = out->size();
+    out->push_back('"');
+    while (!text.empty()) {
+        const auto byte = static_cast<unsigned char>(text[0]);
+        if (byte == '"' || byte == '\\') {
+            out->push_back('\\');
+            out->push_back(text[0]);
+            text.remove_prefix(1);
+        } else if (byte < 0x20 || byte == 0x7F) {
+            out->append("\\u00");
+            append_hexadecimal(&byte, 1, out);
+            text.remove_prefix(1);
+        } else {
+            const std::size_t length = utf8_length(text);
+            if (length == 0) {
+                out->resize(begin);
+                return false;
+            }
+            out->append(text.substr(0, length));
+            text.remove_prefix(length);
+        }
+    }
+    out->push_back('"');
+    return true;
+}
+
+}  // namespace perf_store
