@@ -110,7 +110,8 @@ int run_schema(const std::string &name) {
           type->version_minor, type->library, static_cast<unsigned long long>(type->layout[0].size));
     print("%8s %8s  %-24s %s\n", "offset", "size", "type", "field");
     for (const field_shape &field : shape_of(type).record().fields) {
-        print("%8u %8u  %-24s %s\n", field.offset, field.type->size, field.type->notation.c_str(), field.name.c_str());
+        print("%8u %8u  %-24s %s\n", field.offset, field.type->size, std::string(field.type->notation).c_str(),
+              std::string(field.name).c_str());
     }
     print("\nschema  %s\ncompact %s\n", type->schema, type->compact_schema);
     return EXIT_DONE;
