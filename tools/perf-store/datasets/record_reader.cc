@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "perf-store/datasets/value_text.h"
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/store/writer.h"
 
 namespace perf_store {
 
