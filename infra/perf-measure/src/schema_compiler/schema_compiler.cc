@@ -28,7 +28,8 @@ using parcel_notation::kind;
 
 // One line of the catalogue.
 struct entry {
-    std::string name;
+    std::string name;       // of the C structure and its accessor
+    std::string wire_name;  // of the record type, in its descriptor and its parcels
     std::string number;
     std::string body;  // in the schema notation: "{Field}D...", "?(...)" or a scalar
     std::size_t size = 0;
@@ -117,6 +118,11 @@ private:
         entry type;
         std::string size;
         head >> type.number >> type.name >> size;
+        type.wire_name = type.name;
+        if (size == "=") {
+            size.clear();
+            head >> type.wire_name >> size;
+        }
         type.inner = inner;
         type.body = line.substr(colon + 2);
         type.version_major = major_;
@@ -507,7 +513,7 @@ void write_descriptor(std::ostream &out, const compiled &of, const std::map<std:
     out << "const parcel_layout " << source.name << "_layout[] = {\n    {" << following << ", " << of.top.whole.size
         << ", " << source.name << "_offsets},\n"
         << rest << "};\n"
-        << "const parcel_descriptor " << source.name << "_description = {\n    1, \"" << source.name << "\", "
+        << "const parcel_descriptor " << source.name << "_description = {\n    1, \"" << source.wire_name << "\", "
         << source.version_major << ", " << source.version_minor << ", \"" << source.library << "\", " << source.name
         << "_layout,\n    \"" << of.text << "\",\n    \"" << compact_text(of) << "\"};\n\n";
 }
