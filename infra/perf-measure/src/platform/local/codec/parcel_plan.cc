@@ -111,6 +111,11 @@ private:
                 last.count += next.count;
                 return;
             }
+            if (last.kind == step_kind::pass && next.kind == step_kind::pass &&
+                next.count <= MAX_STRUCTURE - last.count) {
+                last.count += next.count;
+                return;
+            }
         }
         to->steps.push_back(next);
     }
@@ -129,6 +134,9 @@ private:
         finish(index, next);
         if (reader != NOT_READ && next.steps.size() == 1 && next.steps[0].kind == step_kind::copy &&
             next.steps[0].offset == 0 && next.steps[0].count == size_of(reader)) {
+            plan_->programs[index].flat = next.steps[0].count;
+        }
+        if (next.steps.size() == 1 && next.steps[0].kind == step_kind::pass) {
             plan_->programs[index].flat = next.steps[0].count;
         }
         return index;
@@ -200,7 +208,7 @@ private:
         case kind::array: add_indirection(to, from, into, next); return;
         case kind::fixed_array: add_fixed_array(to, from, into, next); return;
         default:
-            next.kind = step_kind::copy;
+            next.kind = read ? step_kind::copy : step_kind::pass;
             next.count = parcel_notation::scalar_size(from);
             add(to, next, next.count);
         }
@@ -224,7 +232,7 @@ private:
         }
         const std::uint32_t scalar = parcel_notation::scalar_size(element);
         if (scalar != 0) {
-            next.kind = step_kind::copy;
+            next.kind = into != nullptr ? step_kind::copy : step_kind::pass;
             next.count = scalar * from.count;
             add(to, next, next.count);
             return;
@@ -293,15 +301,14 @@ private:
     void add_record(draft *to, const definition &from, parcel_notation::definition_index reader,
                     const parcel_layout *layout, std::uint32_t offset, std::uint32_t depth) {
         const definition *into = reader != NOT_READ ? &reader_.definitions[reader] : nullptr;
+        draft unread;  // the fields since the last one that the reader knows
         for (const parcel_notation::field &field : from.fields) {
             if (into == nullptr) {
                 add_type(to, field.type, NOT_READ, 0, depth);
             } else if (const int match = find(into, field); match < 0) {
-                step next;
-                next.kind = step_kind::skip;
-                next.program = program_of(field.type, NOT_READ);
-                add(to, next, plan_->programs[next.program].least_wire);
+                add_type(&unread, field.type, NOT_READ, 0, depth);
             } else {
+                add_unread(to, &unread);
                 const auto at = static_cast<std::size_t>(match);
                 add_type(to, field.type, into->fields[at].type, offset + checked(layout->offsets[at]), depth);
             }
@@ -309,6 +316,27 @@ private:
                 return;
             }
         }
+        add_unread(to, &unread);
+    }
+
+    // Adds steps that go past the fields collected in `unread`, which is empty afterwards: one for the bytes
+    // that they begin with, one for the rest.
+    void add_unread(draft *to, draft *unread) {
+        if (!unread->steps.empty() && unread->steps[0].kind == step_kind::pass) {
+            const step first = unread->steps[0];
+            add(to, first, first.count);
+            unread->steps.erase(unread->steps.begin());
+            unread->least_wire -= std::min(unread->least_wire, first.count);
+        }
+        if (!unread->steps.empty()) {
+            step next;
+            next.kind = step_kind::skip;
+            next.program = static_cast<std::uint32_t>(plan_->programs.size());
+            plan_->programs.emplace_back();
+            finish(next.program, *unread);
+            add(to, next, unread->least_wire);
+        }
+        *unread = {};
     }
 
     void add_choice(draft *to, const definition &from, parcel_notation::definition_index reader,
