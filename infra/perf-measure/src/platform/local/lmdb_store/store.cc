@@ -84,7 +84,8 @@ void append_big_endian(Number number, std::string *to) {
     }
 }
 
-// The schema source of the parcel codec: schemas are kept under their fingerprint.
+// The schema source of the parcel codec: schemas are kept under their fingerprint. A filter decodes records while
+// a state is read; a second reading could move the map under it.
 bool stored_schema(std::uint64_t fingerprint, std::string *schema) {
     environment *store = nullptr;
     if (environment::shared(&store) != ERRCODE_SUCCESS) {
@@ -94,7 +95,7 @@ bool stored_schema(std::uint64_t fingerprint, std::string *schema) {
     std::string_view text;
     std::size_t length = 0;
     schema->clear();
-    return store->read([&](const view &state) {
+    return store->read_further([&](const view &state) {
         const errcode failure = state.get(key, &text);
         if (failure == ERRCODE_SUCCESS) {
             length = text.size();

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "paths/roots.h"
 #include "platform/errcode.h"
 #include "platform/local/lmdb_store/fault_guard.h"
 #include "platform/parcel.h"
@@ -33,20 +34,9 @@ enum class key_space : char {
     schema = 'S',     // 64-bit fingerprint: schema text
 };
 
-// One letter for each data root.
-enum class root : char { main = 'm', responder = 'r', receive = 'x', checkpoint = 'c' };
-
-struct root_name {
-    root id;
-    const char *word;  // in data sets
-    const char *path;  // of the database
-};
-inline constexpr root_name ROOTS[] = {
-    {root::main, "main", "/oper/perf_meas/main/"},
-    {root::responder, "resp", "/oper/perf_meas/resp/"},
-    {root::receive, "rx", "/oper/perf_meas/rx/"},
-    {root::checkpoint, "chkpt", "/oper/perf_meas/chkpt/"},
-};
+using path_grammar::root;
+using path_grammar::root_name;
+using path_grammar::ROOTS;
 
 enum class publisher_state : std::uint32_t { running, stopped, unreachable, starting };
 
@@ -108,6 +98,12 @@ public:
     template <class Body>
     [[nodiscard]] errcode read(Body body);
 
+    // The same on the state that is being read, when a body asks for more; else on one of its own.
+    template <class Body>
+    [[nodiscard]] errcode read_further(Body body) {
+        return current_ != nullptr ? body(*current_) : read(body);
+    }
+
     // Decodes the value under `key` into a zeroed record that the caller frees with
     // parcel_free_indirections.
     [[nodiscard]] errcode get_record(std::string_view key, void *record, const parcel_descriptor *descriptor);
@@ -129,6 +125,7 @@ private:
     bool unlocked_ = false;
     MDB_dbi table_ = 0;
     errcode broken_ = ERRCODE_SUCCESS;  // why LMDB must not be called any more
+    const view *current_ = nullptr;     // of the body that runs; the map must stay where it is
 };
 
 // The head of the store's data file, as far as it can be checked without LMDB.
@@ -181,7 +178,14 @@ errcode view::scan(std::string_view prefix, std::string_view after, Visit visit)
 // Runs the body again for each state that a writer overtook meanwhile.
 template <class Body>
 errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
-    errcode code = body(view(txn, table_));
+    const auto read_once = [&] {
+        const view state(txn, table_);
+        current_ = &state;
+        const errcode code = body(state);
+        current_ = nullptr;
+        return code;
+    };
+    errcode code = read_once();
     for (int tries = 0; overtaken(txn); ++tries) {
         if (tries == MAX_TRIES) {
             return OPSTORE_BUSY;
@@ -195,7 +199,7 @@ errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
         if (failure != 0) {
             return code_of(failure);
         }
-        code = body(view(txn, table_));
+        code = read_once();
     }
     return code;
 }
@@ -216,6 +220,7 @@ errcode environment::read(Body body) {
         try {
             code = read_whole_state(txn, body);
         } catch (...) {
+            current_ = nullptr;
             mdb_txn_abort(txn);
             throw;
         }
@@ -223,6 +228,7 @@ errcode environment::read(Body body) {
         left = true;
         return code;
     });
+    current_ = nullptr;  // also after a fault
     if (!left) {
         broken_ = OPSTORE_DAMAGED;
     }
