@@ -128,18 +128,20 @@ struct question {
 // Fills the list with up to `wanted` items that begin with `prefix` and come after `after`.
 errcode fill(store::environment *store, opstore_list *list, const question &asked, std::string_view prefix,
              std::string_view after, std::uint32_t wanted) {
-    const bool filtered = asked.selection.what != item_filter::family::everything;
     list->items.reserve(wanted);
     const errcode failure = store->read([&](const store::view &state) {
         const item_filter::matcher matcher(asked.selection, asked.branch, state);
         list->items.clear();
         list->used = 0;
         list->more = false;
-        return state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
+        errcode filter_code = ERRCODE_SUCCESS;
+        const errcode code = state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
             const std::string_view name = key.substr(prefix.size());
             const std::string_view parcel = store::unseal(key, value);
-            if (filtered && !matcher.matches(key.substr(asked.branch.size()), parcel)) {
-                return true;
+            bool matches = false;
+            filter_code = matcher.match(key.substr(asked.branch.size()), parcel, &matches);
+            if (filter_code != ERRCODE_SUCCESS || !matches) {
+                return filter_code == ERRCODE_SUCCESS;
             }
             if (list->items.size() == wanted || !make_room(list, name.size() + 1 + parcel.size())) {
                 list->more = true;
@@ -148,6 +150,7 @@ errcode fill(store::environment *store, opstore_list *list, const question &aske
             append(list, name, parcel);
             return true;
         });
+        return code != ERRCODE_SUCCESS ? code : filter_code;
     });
     // A damaged tree could go round in circles; batches that ascend make every listing end.
     const bool ascends =
@@ -169,19 +172,22 @@ errcode find(store::environment *store, const question &asked, std::vector<char>
         const item_filter::matcher matcher(asked.selection, asked.branch, state);
         std::string_view found;
         if (!asked.selection.first_match) {
-            const errcode code = state.get_parcel(key, &found);
-            if (code == ERRCODE_SUCCESS && !matcher.matches(asked.selection.path, found)) {
-                return ERRCODE_NOT_FOUND;
+            errcode code = state.get_parcel(key, &found);
+            bool matches = true;
+            if (code == ERRCODE_SUCCESS) {
+                code = matcher.match(asked.selection.path, found, &matches);
             }
             copy_to(parcel, found);
-            return code;
+            return matches ? code : ERRCODE_NOT_FOUND;
         }
         bool any = false;
-        const errcode code = state.scan(key, "", [&](std::string_view each, std::string_view value) {
+        errcode filter_code = ERRCODE_SUCCESS;
+        errcode code = state.scan(key, "", [&](std::string_view each, std::string_view value) {
             found = store::unseal(each, value);
-            any = matcher.matches(each.substr(asked.branch.size()), found);
-            return !any;
+            filter_code = matcher.match(each.substr(asked.branch.size()), found, &any);
+            return filter_code == ERRCODE_SUCCESS && !any;
         });
+        code = code != ERRCODE_SUCCESS ? code : filter_code;
         copy_to(parcel, found);
         return code == ERRCODE_SUCCESS && !any ? ERRCODE_NOT_FOUND : code;
     });
