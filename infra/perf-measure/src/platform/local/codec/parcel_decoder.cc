@@ -123,6 +123,12 @@ private:
                 break;
             case step_kind::tagged_union: at = decode_union(step, at, to, record); break;
             case step_kind::fixed_array: at = decode_elements(step, at, to, step.count); break;
+            case step_kind::pass:
+                if (step.count > static_cast<std::size_t>(end - at)) {
+                    return nullptr;
+                }
+                at += step.count;
+                continue;
             case step_kind::skip: at = skip(programs_[step.program], at); break;
             }
             if (at == nullptr) {
@@ -244,7 +250,8 @@ private:
     position skip(const plan_step &step, position at) {
         std::uint32_t count = step.count;
         switch (step.kind) {
-        case step_kind::copy: return count <= left(at) ? at + count : nullptr;
+        case step_kind::copy:
+        case step_kind::pass: return count <= left(at) ? at + count : nullptr;
         case step_kind::text:
             at = read_varint(at, end_, &count);
             if (at == nullptr || count == 0) {
@@ -262,8 +269,16 @@ private:
         case step_kind::fixed_array: break;
         case step_kind::skip: count = 1; break;
         }
+        return at != nullptr ? skip_values(programs_[step.program], at, count) : nullptr;
+    }
+
+    position skip_values(const program &program, position at, std::uint32_t count) {
+        if (program.flat != 0) {
+            const std::uint64_t size = std::uint64_t{count} * program.flat;
+            return size <= left(at) ? at + size : nullptr;
+        }
         for (; count > 0 && at != nullptr; --count) {
-            at = skip(programs_[step.program], at);
+            at = skip(program, at);
         }
         return at;
     }

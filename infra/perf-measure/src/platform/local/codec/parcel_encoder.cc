@@ -66,6 +66,7 @@ private:
                        ? ERRCODE_SUCCESS
                        : encode(plan_.programs[chosen->program], record + chosen->offset);
         }
+        case step_kind::pass:
         case step_kind::skip: break;  // only in plans that convert
         }
         return ERRCODE_INVALID_ARGUMENT;

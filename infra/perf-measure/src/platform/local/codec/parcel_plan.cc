@@ -18,8 +18,9 @@ using parcel_notation::is_scalar;
 using parcel_notation::kind;
 using parcel_notation::schema;
 
-constexpr std::uint32_t MAX_FLATTENING = 64;  // of records that are in one another by value
-constexpr std::size_t MAX_STEPS = 1U << 16;   // of a whole plan; a hostile schema could double without end
+constexpr std::uint32_t MAX_FLATTENING = 64;    // of records that are in one another by value
+constexpr std::size_t MAX_STEPS = 1U << 16;     // of a whole plan; a hostile schema could double without end
+constexpr std::uint32_t MAX_PASSED = 1U << 24;  // bytes in one step
 
 // A program while it is made.
 struct draft {
@@ -72,6 +73,10 @@ private:
                 last.count += next.count;
                 return;
             }
+            if (last.kind == step_kind::pass && next.kind == step_kind::pass && next.count <= MAX_PASSED - last.count) {
+                last.count += next.count;
+                return;
+            }
         }
         to->steps.push_back(next);
     }
@@ -90,6 +95,9 @@ private:
         finish(index, next);
         if (reader != nullptr && next.steps.size() == 1 && next.steps[0].kind == step_kind::copy &&
             next.steps[0].offset == 0 && next.steps[0].count == reader->size) {
+            plan_->programs[index].flat = next.steps[0].count;
+        }
+        if (next.steps.size() == 1 && next.steps[0].kind == step_kind::pass) {
             plan_->programs[index].flat = next.steps[0].count;
         }
         return index;
@@ -152,7 +160,7 @@ private:
         case kind::array: add_indirection(to, writer, reader, next); return;
         case kind::fixed_array: add_fixed_array(to, writer, reader, next); return;
         default:
-            next.kind = step_kind::copy;
+            next.kind = reader != nullptr ? step_kind::copy : step_kind::pass;
             next.count = writer.size;
             add(to, next, next.count);
         }
@@ -180,7 +188,7 @@ private:
             return;
         }
         if (is_scalar(element.what)) {
-            next.kind = step_kind::copy;
+            next.kind = reader != nullptr ? step_kind::copy : step_kind::pass;
             next.count = element.size * writer.count;
             add(to, next, next.count);
             return;
@@ -240,21 +248,41 @@ private:
 
     void add_record(draft *to, const data_type &writer, const data_type *reader, std::uint32_t offset,
                     std::uint32_t depth) {
+        draft unread;  // the fields since the last one that the reader knows
         for (const field &each : writer.fields) {
             if (reader == nullptr) {
                 add_type(to, *each.type, nullptr, 0, depth);
             } else if (const field *known = match(reader, each); known == nullptr) {
-                plan_step next;
-                next.kind = step_kind::skip;
-                next.program = program_of(*each.type, nullptr);
-                add(to, next, plan_->programs[next.program].least_wire);
+                add_type(&unread, *each.type, nullptr, 0, depth);
             } else {
+                add_unread(to, &unread);
                 add_type(to, *each.type, known->type, offset + known->offset, depth);
             }
             if (error_ != ERRCODE_SUCCESS) {
                 return;
             }
         }
+        add_unread(to, &unread);
+    }
+
+    // Adds steps that go past the fields collected in `unread`, which is empty afterwards: one for the bytes
+    // that they begin with, one for the rest.
+    void add_unread(draft *to, draft *unread) {
+        if (!unread->steps.empty() && unread->steps[0].kind == step_kind::pass) {
+            const plan_step first = unread->steps[0];
+            add(to, first, first.count);
+            unread->steps.erase(unread->steps.begin());
+            unread->least_wire -= std::min(unread->least_wire, first.count);
+        }
+        if (!unread->steps.empty()) {
+            plan_step next;
+            next.kind = step_kind::skip;
+            next.program = static_cast<std::uint32_t>(plan_->programs.size());
+            plan_->programs.emplace_back();
+            finish(next.program, *unread);
+            add(to, next, unread->least_wire);
+        }
+        *unread = {};
     }
 
     void add_union(draft *to, const data_type &writer, const data_type *reader, std::uint32_t offset) {

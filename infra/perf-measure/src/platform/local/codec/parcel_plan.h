@@ -23,7 +23,8 @@ enum class step_kind : std::uint8_t {
     array,         // `program` describes an element, of `size` bytes
     fixed_array,   // `count` elements of `size` bytes, `program` describes one
     tagged_union,  // a union: `count` arms from `first_arm`
-    skip,          // a part that the reader does not know: `program` describes it
+    pass,          // `count` bytes of fields that the reader does not know
+    skip,          // such fields of any length: `program` describes them
 };
 
 struct plan_step {
@@ -47,7 +48,7 @@ struct plan_program {
     std::uint32_t begin = 0;
     std::uint32_t end = 0;
     std::uint32_t least_wire = 0;  // bytes that an encoding takes at the least
-    std::uint32_t flat = 0;        // bytes when the whole value is one copy to its start; else 0
+    std::uint32_t flat = 0;        // bytes when the whole value is one copy to its start, or passed at once; else 0
 };
 
 struct record_plan {
