@@ -6,9 +6,10 @@
 #include <random>
 
 #include "platform/local/codec/parcel_codec.h"
-#include "platform/local/lmdb_store/store.h"
+#include "platform/local/lmdb_store/table_state.h"
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
+#include "platform/local/store/seal.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 
@@ -301,7 +302,7 @@ protected:
 
 using key_and_value = std::pair<std::string, std::string>;
 
-const key_and_value FORMAT{"F", store::FORMAT};
+const key_and_value FORMAT{"F", lmdb_store::FORMAT};
 
 // A record as the store's writer would put it under the key.
 key_and_value record_under(const std::string &key, const void *record, const parcel_descriptor *type) {
