@@ -31,20 +31,20 @@ constexpr auto roles() {
     std::array<role, parsed_format<Format>.arguments> result{};
     std::size_t at = 0;
     for (std::size_t i = 0; i < parsed_format<Format>.count; ++i) {
-        const auto &piece = parsed_format<Format>.pieces[i];
-        if (piece.conversion == 0) {
+        const auto &segment = parsed_format<Format>.segments[i];
+        if (segment.conversion == 0) {
             continue;
         }
-        for (const int size : {piece.width, piece.precision}) {
+        for (const int size : {segment.width, segment.precision}) {
             if (size == ARGUMENT) {
                 result[at++] = role::star;
             }
         }
-        const bool is_signed = piece.conversion == 'd';
-        result[at++] = piece.conversion == 's'   ? role::text
-                       : piece.conversion == 'c' ? role::character
-                       : piece.is_long           ? (is_signed ? role::i64 : role::u64)
-                                                 : (is_signed ? role::i32 : role::u32);
+        const bool is_signed = segment.conversion == 'd';
+        result[at++] = segment.conversion == 's'   ? role::text
+                       : segment.conversion == 'c' ? role::character
+                       : segment.is_long           ? (is_signed ? role::i64 : role::u64)
+                                                   : (is_signed ? role::i32 : role::u32);
     }
     return result;
 }
