@@ -13,14 +13,14 @@ namespace pm_printf_detail {
 // The conversion that takes the argument of that index.
 template <pm_format_literal Format>
 consteval pm_format_detail::segment conversion_of(std::size_t index) {
-    const auto &parsed = pm_format_detail::parsed_format<Format>;
+    const auto &format = pm_format_detail::PARSED_FORMAT<Format>;
     std::size_t found = 0;
-    for (std::size_t i = 0; i < parsed.count; ++i) {
-        if (parsed.segments[i].conversion != 0 && parsed.segments[i].argument <= index) {
+    for (std::size_t i = 0; i < format.count; ++i) {
+        if (format.segments[i].conversion != 0 && format.segments[i].argument <= index) {
             found = i;
         }
     }
-    return parsed.segments[found];
+    return format.segments[found];
 }
 
 // An argument in the type that printf takes at its place.

@@ -128,13 +128,13 @@ inline std::size_t pad(field &out, int width) {
 // What a format prints of given arguments: its conversions, and the bytes in all.
 template <pm_format_literal Format>
 struct prepared {
-    std::array<field, parsed_format<Format>.count> fields;
+    std::array<field, PARSED_FORMAT<Format>.count> fields;
     std::size_t size;
 };
 
 template <pm_format_literal Format, std::size_t Index, class Arguments>
 inline void prepare_segment(prepared<Format> &out, const Arguments &arguments) {
-    constexpr segment Segment = parsed_format<Format>.segments[Index];
+    constexpr segment Segment = PARSED_FORMAT<Format>.segments[Index];
     if constexpr (Segment.conversion == 0) {
         out.size += Segment.length;
     } else {
@@ -156,17 +156,17 @@ inline void prepare_segment(prepared<Format> &out, const Arguments &arguments) {
 // Converts the arguments. Texts of numbers are kept inside the result, which must not move.
 template <pm_format_literal Format, class... Arguments>
 inline void prepare(prepared<Format> &out, Arguments... arguments) {
-    constexpr auto &parsed = parsed_format<Format>;
-    static_assert(parsed.arguments == sizeof...(Arguments), "the format takes another number of arguments");
+    constexpr auto &format = PARSED_FORMAT<Format>;
+    static_assert(format.arguments == sizeof...(Arguments), "the format takes another number of arguments");
     out.size = 0;
     const std::tuple<Arguments...> tuple{arguments...};
     [&]<std::size_t... Index>(std::index_sequence<Index...>) { (prepare_segment<Format, Index>(out, tuple), ...); }
-    (std::make_index_sequence<parsed.count>{});
+    (std::make_index_sequence<format.count>{});
 }
 
 template <pm_format_literal Format, std::size_t Index, class Writer>
 inline void write_segment(Writer &writer, const prepared<Format> &text) {
-    constexpr segment Segment = parsed_format<Format>.segments[Index];
+    constexpr segment Segment = PARSED_FORMAT<Format>.segments[Index];
     if constexpr (Segment.conversion == 0) {
         writer.put(Format.text + Segment.begin, Segment.length);
     } else {
@@ -191,7 +191,7 @@ inline void write_segment(Writer &writer, const prepared<Format> &text) {
 template <pm_format_literal Format, class Writer>
 inline void write(Writer &writer, const prepared<Format> &text) {
     [&]<std::size_t... Index>(std::index_sequence<Index...>) { (write_segment<Format, Index>(writer, text), ...); }
-    (std::make_index_sequence<parsed_format<Format>.count>{});
+    (std::make_index_sequence<PARSED_FORMAT<Format>.count>{});
 }
 
 // Copies of the few bytes that most texts have, without a call.

@@ -144,6 +144,6 @@ consteval auto parse() {
 }
 
 template <pm_format_literal Format>
-inline constexpr auto parsed_format = parse<Format>();
+inline constexpr auto PARSED_FORMAT = parse<Format>();
 
 }  // namespace pm_format_detail
