@@ -66,7 +66,10 @@ void pm_print_cut(int indent, Arguments... arguments) {
     std::printf("%*s%s", indent, "", line);
 }
 
-inline void pm_output_flush() { std::fflush(stdout); }
+void pm_output_flush();
+
+// Called by the platform too, which knows the other header only.
+void pm_output_error(const char *message, std::size_t length);
 
 template <pm_format_literal Format, class... Arguments>
 void pm_print_error(Arguments... arguments) {
