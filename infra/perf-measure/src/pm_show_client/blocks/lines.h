@@ -7,7 +7,6 @@
 // A line is cut at PM_LINE_SIZE - 1 bytes without its indent, its newline included.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -18,38 +17,10 @@
 inline constexpr std::size_t PM_LINE_SIZE = 256;
 inline constexpr int PM_COUNTER_WIDTH = 48;  // column of the colon of counters
 
-namespace pm_lines_detail {
-
-// Prints a text that is too long for a line, cut.
-template <pm_format_literal Format>
-void write_cut(const pm_format_detail::prepared<Format> &text, std::size_t indent) {
-    char line[PM_LINE_SIZE - 1];
-    pm_text_writer writer(line, line + sizeof line);
-    pm_format_detail::write<Format>(writer, text);
-    pm_output_writer output;
-    output.fill(' ', indent);
-    output.put(line, sizeof line);
-}
-
-}  // namespace pm_lines_detail
-
 // Prints `indent` blanks and the formatted text, which is cut silently and then loses its newline.
 template <pm_format_literal Format, class... Arguments>
 inline void pm_print_indented(int indent, Arguments... arguments) {
-    if constexpr (pm_prints_with_printf) {
-        char line[PM_LINE_SIZE];
-        pm_snprintf_text<Format>(line, sizeof line, arguments...);
-        pm_printf<"%*s%s">(indent, "", static_cast<const char *>(line));
-    } else {
-        pm_format_detail::prepared<Format> text;
-        pm_format_detail::prepare<Format>(text, arguments...);
-        const auto blanks = static_cast<std::size_t>(std::max(indent, 0));
-        if (text.size >= PM_LINE_SIZE) {
-            pm_lines_detail::write_cut<Format>(text, blanks);
-        } else {
-            pm_output_write<Format>(text, blanks);
-        }
-    }
+    pm_print_cut<Format, PM_LINE_SIZE - 1>(indent, arguments...);
 }
 
 // A heading: `indent` blanks, the text and a colon. It is not cut.
