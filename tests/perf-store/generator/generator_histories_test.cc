@@ -1,4 +1,4 @@
-// Tests of tools/perf-store/gen.h: histories.
+// Synthetic data sets: histories.
 #include "tests/perf-store/generator/generated_set.h"
 
 #include <algorithm>

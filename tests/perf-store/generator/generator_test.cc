@@ -1,7 +1,8 @@
-// Tests of tools/perf-store/gen.h: the set as a whole, and how many items it has.
+// Synthetic data sets: the set as a whole, and how many items it has.
 #include "tests/perf-store/generator/generated_set.h"
 
 #include <algorithm>
+#include <fcntl.h>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -9,9 +10,6 @@
 namespace {
 
 using perf_store::gen_options;
-
-constexpr int DONE = 0;
-constexpr int WRONG_USAGE = 2;
 
 gen_options nothing() { return {.nodes = 4, .interfaces = 0, .policies = 0, .paths = 2, .endpoints = 0, .tunnels = 0}; }
 
@@ -126,14 +124,36 @@ TEST(Generator, NoItemComesTwice) {
     EXPECT_GT(seen.size(), 1000U);
 }
 
-TEST(Generator, OptionsBeyondTheirLimitsAreWrongUsage) {
-    int status = DONE;
-    EXPECT_EQ(generate({.nodes = 0}, &status), "");
-    EXPECT_EQ(status, WRONG_USAGE);
-    EXPECT_EQ(generate({.paths = perf_store::GEN_MAX_PATHS + 1}, &status), "");
-    EXPECT_EQ(status, WRONG_USAGE);
-    EXPECT_NE(generate(nothing(), &status), "");
-    EXPECT_EQ(status, DONE);
+TEST(Generator, OptionsBeyondTheirLimitsAreToldApart) {
+    using perf_store::within_limits;
+    EXPECT_TRUE(within_limits({}));
+    EXPECT_FALSE(within_limits({.nodes = 0}));
+    EXPECT_TRUE(within_limits({.nodes = 1024}));
+    EXPECT_FALSE(within_limits({.nodes = 1025}));
+    EXPECT_TRUE(within_limits({.paths = 64}));
+    EXPECT_FALSE(within_limits({.paths = 65}));
+    for (const std::uint32_t count : {10'000'000U, 10'000'001U}) {
+        const bool good = count == 10'000'000U;
+        EXPECT_EQ(within_limits({.interfaces = count}), good);
+        EXPECT_EQ(within_limits({.policies = count}), good);
+        EXPECT_EQ(within_limits({.endpoints = count}), good);
+        EXPECT_EQ(within_limits({.tunnels = count}), good);
+    }
+}
+
+TEST(Generator, AFileThatCannotBeWrittenIsAnError) {
+    const int full = ::open("/dev/full", O_WRONLY);
+    ASSERT_GE(full, 0);
+    perf_store::output_file out(full, "set.ndjson");
+    const pm_error error = perf_store::generate(nothing(), &out);
+    EXPECT_EQ(error.text(), "set.ndjson: No space left on device");
+    // With so many objects it would run for hours if it went on.
+    gen_options endless = nothing();
+    endless.policies = perf_store::GEN_MAX_OBJECTS;
+    endless.interfaces = perf_store::GEN_MAX_OBJECTS;
+    perf_store::output_file again(full, "set.ndjson");
+    EXPECT_EQ(perf_store::generate(endless, &again).text(), "set.ndjson: No space left on device");
+    ::close(full);
 }
 
 }  // namespace
