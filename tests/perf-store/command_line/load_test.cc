@@ -83,11 +83,29 @@ TEST_F(Load, NodesStayInInventoryOrder) {
     EXPECT_EQ(dump(), EMPTY + node("300", "rp0") + node("100", "lc1") + node("200", "lc2") + node("50", "lc3"));
 }
 
-TEST_F(Load, ASecondNodeOfTheSameIdTakesTheFirstOnesPlace) {
-    load_good(node("1", "rp0") + node("2", "lc1") + node("3", "lc2") + node("1", "rp1"));
+TEST_F(Load, ANodeOfALaterSetTakesThePlaceOfTheOneOfItsId) {
+    write("one.ndjson", node("1", "rp0") + node("2", "lc1") + node("3", "lc2"));
+    write("two.ndjson", node("1", "rp1"));
+    const outcome loaded = run({"load", "one.ndjson", "two.ndjson"});
+    EXPECT_EQ(loaded.status, 0) << loaded.error;
     EXPECT_EQ(dump(), EMPTY + node("1", "rp1") + node("2", "lc1") + node("3", "lc2"));
     load_good(node("2", "lc9"));
     EXPECT_EQ(dump(), EMPTY + node("1", "rp1") + node("2", "lc9") + node("3", "lc2"));
+}
+
+TEST_F(Load, ANodeThatComesTwiceInASetIsRefusedWithBothLines) {
+    const std::string before = EMPTY + node("7", "lc7");
+    load_good(before);
+    const outcome twice = load(node("1", "rp0") + node("2", "lc1") + node("3", "lc2") + node("1", "rp1"));
+    EXPECT_EQ(twice.status, 1);
+    EXPECT_EQ(twice.out, "");
+    EXPECT_EQ(twice.error, "set.ndjson:4: node.id: node 1 was already given in line 1\n");
+    // Over several lines each, and the id in another notation.
+    EXPECT_EQ(
+        load("\n{\"node\": {\n\"name\": \"rp0\",\n\"id\": 16\n}}\n\n{\"node\":\n{\"id\": \"0x10\", \"name\": \"rp1\"}}")
+            .error,
+        "set.ndjson:8: node.id: node 0x10 was already given in line 4\n");
+    EXPECT_EQ(dump(), before);
 }
 
 TEST_F(Load, AnItemReplacesTheOneOfItsPathOnly) {
@@ -174,9 +192,50 @@ TEST_F(Load, ReplaceEmptiesTheStoreFirst) {
     const outcome loaded = run({"load", "--replace", "set.ndjson"});
     EXPECT_EQ(loaded.status, 0) << loaded.error;
     EXPECT_EQ(dump(), EMPTY + node("7", "lc7") + publisher("resp", "7", "running") + item("resp", "7", "b", 2));
-    write("set.ndjson", "");
-    EXPECT_EQ(run({"load", "set.ndjson", "--replace"}).status, 0);
+}
+
+TEST_F(Load, ReplaceBySetsWithoutAnyItemOrNodeIsRefused) {
+    load_good(node("0", "rp0") + item("main", "0", "a", 1));
+    const std::string before = dump();
+    write("nothing.ndjson", "");
+    write("version.ndjson", EMPTY);
+    write("rest.ndjson", R"({"platform":{"my_node":1}} {"interface":{"handle":1,"name":"eth0/1/0/4"}} )" +
+                             publisher("main", "0", "stopped"));
+    for (const char *set : {"nothing.ndjson", "version.ndjson", "rest.ndjson"}) {
+        const outcome refused = run({"load", "--replace", set});
+        EXPECT_EQ(refused.status, 1) << set;
+        EXPECT_EQ(refused.out, "") << set;
+        EXPECT_EQ(refused.error,
+                  "perf-store: no item and no node to replace the store by; with --empty it is emptied\n");
+        EXPECT_EQ(dump(), before) << set;
+    }
+    EXPECT_EQ(run({"load", "--replace", "nothing.ndjson", "version.ndjson", "-"}).status, 1);
+    EXPECT_EQ(dump(), before);
+    use_store("other");  // one that is not there is not made
+    EXPECT_EQ(run({"load", "--replace", "rest.ndjson"}).status, 1);
+    EXPECT_FALSE(std::filesystem::exists(folder() + "/other"));
+}
+
+TEST_F(Load, ReplaceTakesNodesAloneAndItemsAlone) {
+    load_good(item("main", "0", "a", 1));
+    write("nothing.ndjson", "");
+    EXPECT_EQ(run({"load", "--replace", "nothing.ndjson", "-"}, node("0", "rp0")).status, 0);
+    EXPECT_EQ(dump(), EMPTY + node("0", "rp0"));
+    EXPECT_EQ(run({"load", "--replace", "-", "nothing.ndjson"}, item("rx", "0", "b", 1)).status, 0);
+    EXPECT_EQ(dump(), EMPTY + publisher("rx", "0", "running") + item("rx", "0", "b", 1));
+}
+
+TEST_F(Load, WithEmptyTheStoreMayBeEmptied) {
+    load_good(node("0", "rp0") + item("main", "0", "a", 1));
+    const outcome emptied = run({"load", "--replace", "--empty", "-"});
+    EXPECT_EQ(emptied.status, 0) << emptied.error;
+    EXPECT_EQ(emptied.out, "loaded 0 items\n");
     EXPECT_EQ(dump(), EMPTY);
+    // It does no harm to other sets, and says nothing without --replace.
+    EXPECT_EQ(run({"load", "--replace", "--empty", "-"}, node("0", "rp0")).status, 0);
+    EXPECT_EQ(dump(), EMPTY + node("0", "rp0"));
+    EXPECT_EQ(run({"load", "--empty", "-"}).status, 2);
+    EXPECT_EQ(dump(), EMPTY + node("0", "rp0"));
 }
 
 TEST_F(Load, MakesTheFoldersThatAreMissing) {

@@ -23,6 +23,7 @@ inline constexpr int EXIT_USAGE = 2;
 struct load_options {
     std::vector<std::string> files;
     bool replace = false;  // empty the store first
+    bool empty = false;    // replace it by sets without any item or node too
 };
 [[nodiscard]] int run_load(const load_options &options);
 // Removes items, all or none: each path must be there when the command begins. `recursive` removes what is

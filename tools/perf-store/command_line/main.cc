@@ -48,7 +48,8 @@ void add_branch(CLI::App *command, arguments *given, bool required) {
 void add_load(CLI::App *app, arguments *given) {
     CLI::App *load = app->add_subcommand("load", "Put data sets into the store, all or nothing");
     load->add_option("FILE", given->load.files, "Data sets; - is standard input")->required();
-    load->add_flag("--replace", given->load.replace, "Empty the store first");
+    CLI::Option *replace = load->add_flag("--replace", given->load.replace, "Empty the store first");
+    load->add_flag("--empty", given->load.empty, "Let it be replaced by sets without any item or node")->needs(replace);
     load->footer("Example: perf-store load --replace chassis.ndjson");
 }
 

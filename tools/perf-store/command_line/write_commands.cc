@@ -78,6 +78,10 @@ int run_load(const load_options &options) {
             return EXIT_REFUSED;
         }
     }
+    // Far more often the output of a command that failed than what is meant.
+    if (options.replace && !options.empty && loader.items() == 0 && loader.nodes() == 0) {
+        return report(pm_error("no item and no node to replace the store by; with --empty it is emptied"));
+    }
     error = to_error(store.commit());
     return error ? report(error) : report_done("loaded " + std::to_string(loader.items()) + " items");
 }

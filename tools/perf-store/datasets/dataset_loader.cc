@@ -19,6 +19,8 @@ constexpr std::uint64_t MAX_U32 = 0xFFFFFFFF;
 
 pm_error dataset_loader::load(const std::string &file) {
     document_stream in(file);
+    stream_ = &in;
+    given_.clear();
     progress_line progress("loading", in.bytes_in_all());
     for (;;) {
         bool found = false;
@@ -100,7 +102,7 @@ pm_error dataset_loader::load_node(const json_node &node) {
     local_node record{};
     record.SwState = INVD_SW_STATE_UP;
     object_members members = members_of(node, {"id", "name", "sw_state", "location", "processor"});
-    members.required("id", [&](const json_node &value) { return read_u32(value, NODE_NUMBER, &record.Id); });
+    members.required("id", [&](const json_node &value) { return read_new_node(value, &record.Id); });
     record.Processor = record.Id;
     members.required("name", [&](const json_node &value) { return reader_.keep_text(value, &record.Name); });
     members.optional("sw_state", [&](const json_node &value) { return read_u32(value, NUMBER, &record.SwState); });
@@ -154,6 +156,17 @@ pm_error dataset_loader::load_publisher(const json_node &node) {
     members.required("node", [&](const json_node &value) { return read_u32(value, NODE_NUMBER, &node_id); });
     members.required("state", [&](const json_node &value) { return read_state(value, &state); });
     return members.error() ? members.error() : stored(store_.put_publisher(root, node_id, state));
+}
+
+// The id of a node that this set has not given yet.
+pm_error dataset_loader::read_new_node(const json_node &node, std::uint32_t *id) {
+    if (pm_error error = read_u32(node, NODE_NUMBER, id)) {
+        return error;
+    }
+    const auto [known, is_new] = given_.emplace(*id, stream_->line_of(node.offset));
+    return is_new ? pm_error()
+                  : reader_.refuse(node, "node " + excerpt(node.text) + " was already given in line " +
+                                             std::to_string(known->second));
 }
 
 pm_error dataset_loader::read_u32(const json_node &node, const char *type, std::uint32_t *value) {

@@ -29,9 +29,9 @@ class dataset_loader {
 public:
     explicit dataset_loader(store::writer *store) : store_(*store), reader_(&document_, &path_, &memory_) {}
 
-    // Loads a file ("-" is standard input). The error is the whole message of what is wrong with the file,
-    // "FILE:LINE: MEMBER: what", or the store, "perf-store: what". What was put before it stays in the
-    // transaction.
+    // Loads a file ("-" is standard input), a set of its own: a node may come once in it. The error is the whole
+    // message of what is wrong with the file, "FILE:LINE: MEMBER: what", or the store, "perf-store: what". What was put
+    // before it stays in the transaction.
     [[nodiscard]] pm_error load(const std::string &file);
 
     // How many objects were put into the store by all calls.
@@ -51,6 +51,7 @@ private:
         return {&document_, &path_, &reader_, node, names};
     }
     [[nodiscard]] pm_error stored(const store::problem &text);
+    [[nodiscard]] pm_error read_new_node(const json_node &node, std::uint32_t *id);
     [[nodiscard]] pm_error read_u32(const json_node &node, const char *type, std::uint32_t *value);
     [[nodiscard]] pm_error keep_u32(const json_node &node, std::uint32_t **value);
     [[nodiscard]] pm_error read_partners(const json_node &node, parcel_array<local_partner> *partners);
@@ -65,7 +66,9 @@ private:
     member_path path_;
     record_memory memory_;
     record_reader reader_;
-    bool store_failed_ = false;  // the error is the store's, not the input's
+    const document_stream *stream_ = nullptr;                 // the file that is read
+    std::unordered_map<std::uint32_t, std::uint64_t> given_;  // lines of its nodes, by their ids
+    bool store_failed_ = false;                               // the error is the store's, not the input's
     std::uint64_t items_ = 0;
     std::uint64_t nodes_ = 0;
 };
