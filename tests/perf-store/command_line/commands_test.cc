@@ -28,6 +28,71 @@ TEST_F(Commands, HelpIsPrintedOnRequest) {
     EXPECT_FALSE(std::filesystem::exists(store()));
 }
 
+// The lines of a help text, one blank between two words; a description that has a line of its own is joined
+// to its option.
+std::vector<std::string> help_lines(const std::string &text) {
+    std::vector<std::string> lines;
+    for (const std::string &line : lines_of(text)) {
+        const bool continues = line.starts_with("          ") && !lines.empty();
+        continues ? static_cast<void>(lines.back() += " " + squeezed(line)) : lines.push_back(squeezed(line));
+    }
+    return lines;
+}
+
+TEST_F(Commands, HelpSaysWhatEachCommandAndOptionDoes) {
+    const std::string root = "--root TEXT:{main,resp,rx,chkpt} ";
+    const std::string roots = "Data root: main, resp, rx or chkpt";
+    const std::string objects = ":UINT in [0 - 10000000] ";
+    const std::vector<std::pair<std::string, std::vector<std::string>>> helps = {
+        {"load",
+         {"Put data sets into the store, all or nothing", "FILE TEXT ... REQUIRED Data sets; - is standard input",
+          "--replace Empty the store first",
+          "--empty Needs: --replace Let it be replaced by sets without any item or node",
+          "Example: perf-store load --replace chassis.ndjson"}},
+        {"dump",
+         {"Write the store, or a part of it, as a data set", root + roots, "--node TEXT Node, by its id",
+          "--path TEXT Items whose path begins so only",
+          "Example: perf-store dump --root main --node 0x100 --path srpolicy/ > policies.ndjson"}},
+        {"ls",
+         {"List items: root, node, record type, path", "PREFIX TEXT Items whose path begins so only", root + roots,
+          "--node TEXT Node, by its id", "Example: perf-store ls --root main intf/"}},
+        {"get",
+         {"Print one item as JSON", "PATH TEXT REQUIRED Its path below the branch", root + "REQUIRED " + roots,
+          "--node TEXT REQUIRED Node, by its id", "Example: perf-store get --root main --node 0x100 summary"}},
+        {"rm",
+         {"Remove items, all or none", "PATH TEXT ... REQUIRED Their paths below the branch",
+          root + "REQUIRED " + roots, "--node TEXT REQUIRED Node, by its id",
+          "-r,--recursive Remove what is below the paths too",
+          "Example: perf-store rm --root main --node 0x100 srpolicy/detail/policy-c10"}},
+        {"gen",
+         {"Write a synthetic data set, the same for the same options",
+          "--nodes UINT:UINT in [1 - 1024] Route processors and line cards",
+          "--interfaces UINT" + objects + "Interfaces", "--policies UINT" + objects + "SR policies",
+          "--paths UINT:UINT in [0 - 64] Atomic paths of each segment list",
+          "--endpoints UINT" + objects + "IP endpoints", "--tunnels UINT" + objects + "RSVP-TE tunnels",
+          "--seed UINT Another seed gives another set",
+          "Example: perf-store gen --policies 10000 | perf-store load --replace -"}},
+        {"stat", {"Items and bytes of each root and node", "Example: perf-store stat"}},
+        {"types", {"List the record types: name, version, size", "Example: perf-store types"}},
+        {"schema",
+         {"Print a record type's schema, size and field offsets",
+          "TYPE TEXT REQUIRED A record type, as perf-store types lists them",
+          "Example: perf-store schema pm_summary_parcel"}},
+    };
+    const std::vector<std::string> summary = help_lines(run({"--help"}).out);
+    for (const char *line : {"Puts data sets into the store of perf-show's local platform and gets them out.",
+                             "The environment variable OPSTORE_URL names the store as lmdb:FOLDER."}) {
+        EXPECT_EQ(std::count(summary.begin(), summary.end(), line), 1) << line;
+    }
+    for (const auto &[command, wanted] : helps) {
+        const std::vector<std::string> lines = help_lines(run({command, "--help"}).out);
+        for (const std::string &line : wanted) {
+            EXPECT_EQ(std::count(lines.begin(), lines.end(), line), 1) << command << ": " << line;
+        }
+        EXPECT_EQ(std::count(summary.begin(), summary.end(), command + " " + wanted.front()), 1) << command;
+    }
+}
+
 TEST_F(Commands, VersionIsPrintedOnRequest) {
     const outcome asked = run({"--version"});
     EXPECT_EQ(asked.status, 0);
@@ -159,9 +224,10 @@ TEST_F(Commands, StatOfAnEmptyStoreIsZero) {
 }
 
 TEST_F(Commands, AStoreThatIsNotThereIsRefused) {
-    for (const char *command : {"dump", "stat"}) {
+    for (const char *command : {"dump", "ls", "stat"}) {
         const outcome missing = run({command});
         EXPECT_EQ(missing.status, 1) << command;
+        EXPECT_EQ(missing.out, "") << command;
         EXPECT_EQ(missing.error, "perf-store: lmdb:" + store() + ": Store client not available\n") << command;
         EXPECT_FALSE(std::filesystem::exists(store())) << command;
     }
@@ -173,7 +239,17 @@ TEST_F(Commands, AStoreOfAnotherSchemeIsRefused) {
         const outcome loaded = load(EMPTY);
         EXPECT_EQ(loaded.status, 1) << url;
         EXPECT_EQ(loaded.error, "perf-store: " + std::string(url) + ": a store is named lmdb:FOLDER\n");
-        EXPECT_EQ(run({"dump"}).status, 1) << url;
+        const std::vector<std::vector<std::string>> readers = {
+            {"dump"}, {"ls"}, {"stat"}, {"dump", "--root", "main"}, {"get", "--root", "main", "--node", "0", "a"}};
+        for (const std::vector<std::string> &reader : readers) {
+            const outcome refused = run(reader);
+            EXPECT_EQ(refused.status, 1) << reader.front() << " " << url;
+            EXPECT_EQ(refused.out, "") << reader.front() << " " << url;
+            EXPECT_EQ(refused.error, "perf-store: " + std::string(url) + ": Store client not available\n")
+                << reader.front();
+        }
+        const outcome removed = run({"rm", "--root", "main", "--node", "0", "a"});
+        EXPECT_EQ(removed.error, "perf-store: " + std::string(url) + ": a store is named lmdb:FOLDER\n");
     }
 }
 

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/temporary_folder.h"
+
 namespace {
 
 using namespace perf_store;
@@ -27,14 +29,9 @@ std::string result_of(document_stream *in, json_document *document) {
 // Files in a folder of their own.
 class DocumentStream : public testing::Test {
 protected:
-    void SetUp() override {
-        char folder[] = "/tmp/document_stream.XXXXXX";
-        ASSERT_NE(::mkdtemp(folder), nullptr);
-        folder_ = folder;
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
+    void SetUp() override { ASSERT_NE(own_.path(), ""); }
 
-    [[nodiscard]] std::string name() const { return folder_ + "/set.ndjson"; }
+    [[nodiscard]] std::string name() const { return own_.path() + "/set.ndjson"; }
     [[nodiscard]] std::string write(const std::string &content) const {
         std::ofstream(name(), std::ios::binary) << content;
         return name();
@@ -68,10 +65,10 @@ protected:
 
 private:
     [[nodiscard]] std::string shortened(const std::string &error) const {
-        return error.starts_with(folder_ + "/") ? error.substr(folder_.size() + 1) : error;
+        return error.starts_with(own_.path() + "/") ? error.substr(own_.path().size() + 1) : error;
     }
 
-    std::string folder_;
+    temporary_folder own_;
 };
 
 using texts = std::vector<std::string>;
