@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include "platform/local/back_ends/writers.h"
-#include "tests/perf-store/command_line/cli_fixture.h"
+#include "tests/perf-store/command_line/perf_store_fixture.h"
 
 namespace {
 

@@ -87,8 +87,8 @@ bool fill_store(const char *url) {
 class Opstore : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        char name[] = "/tmp/opstore-test-XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
+        std::string name = (std::filesystem::temp_directory_path() / "opstore-test-XXXXXX").string();
+        ASSERT_NE(mkdtemp(name.data()), nullptr);
         folder_ = name;
         const std::string url = "lmdb:" + folder_;
         setenv("OPSTORE_URL", url.c_str(), 1);

@@ -1,5 +1,5 @@
 // Data sets that perf-store refuses: what it says of them, and that the store stays as it was.
-#include "tests/perf-store/command_line/cli_fixture.h"
+#include "tests/perf-store/command_line/perf_store_fixture.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ protected:
         EXPECT_EQ(dump(), BEFORE);
     }
 
-    // As above for an object that is the whole set: the message stands behind file and line.
+    // As above for an object that is the whole set: the message follows file and line.
     void expect(const std::string &object, const std::string &message) const {
         expect_refused(object, "set.ndjson:1: " + message);
     }
@@ -368,7 +368,7 @@ TEST_F(BadInput, WhatAMessageRepeatsIsCut) {
            "item.record.Average: -" + cut.substr(1) + " is out of range for D");
     const std::string shortest(100, '7');
     expect(R"({")" + shortest + R"(":{}})", shortest + ": unknown object");
-    // Not within a character: the 34th of three bytes each would end behind the hundredth.
+    // Not within a character: the 34th of three bytes each would end after the hundredth.
     std::string signs;
     std::string whole_signs;
     for (int i = 0; i < 50; ++i) {

@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/temporary_folder.h"
+
 namespace perf_store_test {
 
 // How a command ended.
@@ -36,35 +38,32 @@ inline bool is_one_line(const std::string &text) { return text.size() > 1 && tex
 class PerfStore : public testing::Test {
 protected:
     void SetUp() override {
-        char folder[] = "/tmp/perf_store_test.XXXXXX";
-        ASSERT_NE(::mkdtemp(folder), nullptr);
-        folder_ = folder;
+        ASSERT_NE(folder(), "");
         url_ = "lmdb:" + store();
     }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
 
-    [[nodiscard]] const std::string &folder() const { return folder_; }
-    [[nodiscard]] std::string store() const { return folder_ + "/store"; }
+    [[nodiscard]] const std::string &folder() const { return own_.path(); }
+    [[nodiscard]] std::string store() const { return folder() + "/store"; }
     [[nodiscard]] std::string data_file() const { return store() + "/data.mdb"; }
 
     // Another OPSTORE_URL for the commands that follow.
     void use_url(const std::string &url) { url_ = url; }
-    void use_store(const std::string &name) { url_ = "lmdb:" + folder_ + "/" + name; }
+    void use_store(const std::string &name) { url_ = "lmdb:" + folder() + "/" + name; }
     // Another place for standard output than outcome::out.
     void write_to(const std::string &path) { output_ = path; }
     // Called in the command's process just before the program starts.
     void before_start(void (*prepare)()) { prepare_ = prepare; }
 
     void write(const std::string &name, const std::string &content) const {
-        std::ofstream(folder_ + "/" + name, std::ios::binary) << content;
+        std::ofstream(folder() + "/" + name, std::ios::binary) << content;
     }
 
     // Runs the program in the test's folder. A command that does not end is ended by SIGALRM.
     [[nodiscard]] outcome run(const std::vector<std::string> &arguments, const std::string &input = "") const {
         constexpr unsigned LONGEST_RUN_SECONDS = 120;
         write("stdin", input);
-        const std::string out = output_.empty() ? folder_ + "/stdout" : output_;
-        const std::string error = folder_ + "/stderr";
+        const std::string out = output_.empty() ? folder() + "/stdout" : output_;
+        const std::string error = folder() + "/stderr";
         std::vector<char *> words{const_cast<char *>("perf-store")};
         for (const std::string &each : arguments) {
             words.push_back(const_cast<char *>(each.c_str()));
@@ -73,8 +72,8 @@ protected:
         const int program = ::open(PERF_STORE, O_RDONLY | O_CLOEXEC);
         const pid_t child = ::fork();
         if (child == 0) {
-            const bool ready = ::setenv("OPSTORE_URL", url_.c_str(), 1) == 0 && ::chdir(folder_.c_str()) == 0 &&
-                               redirect(folder_ + "/stdin", O_RDONLY, STDIN_FILENO) &&
+            const bool ready = ::setenv("OPSTORE_URL", url_.c_str(), 1) == 0 && ::chdir(folder().c_str()) == 0 &&
+                               redirect(folder() + "/stdin", O_RDONLY, STDIN_FILENO) &&
                                redirect(out, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO) &&
                                redirect(error, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
             if (prepare_ != nullptr) {
@@ -127,7 +126,7 @@ private:
         return file >= 0 && ::dup2(file, to) == to;
     }
 
-    std::string folder_;
+    temporary_folder own_;
     std::string url_;
     std::string output_;
     void (*prepare_)() = nullptr;
