@@ -6,7 +6,7 @@
 
 #include "pm_show_client/displays/allowed_queriers.h"
 #include "pm_show_client/displays/allowed_responders.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 #include "tests/support/captured.h"
 
 namespace {

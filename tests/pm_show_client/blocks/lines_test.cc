@@ -6,7 +6,8 @@
 #include <ctime>
 #include <gtest/gtest.h>
 
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_clock.h"
+#include "pm_show_client/pm_show_headers.h"
 #include "tests/support/captured.h"
 
 namespace {

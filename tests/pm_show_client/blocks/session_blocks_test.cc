@@ -9,6 +9,7 @@
 #include "pm_show_client/displays/endpoint.h"
 #include "pm_show_client/displays/history_displays.h"
 #include "pm_show_client/displays/intf.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "tests/support/captured.h"
 

@@ -6,6 +6,7 @@
 #include "pm_show_client/displays/chkpt_dr_session.h"
 #include "pm_show_client/displays/chkpt_scb.h"
 #include "pm_show_client/displays/dr_retry_queue.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "schema/pm_records.h"
 #include "tests/support/captured.h"

@@ -5,6 +5,7 @@
 #include "pm_show_client/displays/capability.h"
 #include "pm_show_client/displays/pps_summary.h"
 #include "pm_show_client/displays/resp_intf.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "schema/pm_records.h"
 #include "tests/support/captured.h"

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 #include "schema/pm_records.h"
 #include "tests/support/captured.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "pm_show_client/displays/batch_counters.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 #include "schema/pm_records.h"
 #include "tests/support/captured.h"
 

@@ -11,6 +11,7 @@
 
 #include "pm_show_client/blocks/profile_blocks.h"
 #include "pm_show_client/blocks/profile_lines.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "schema/pm_records.h"
 #include "tests/support/captured.h"

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 #include "tests/support/captured.h"
 
 namespace {

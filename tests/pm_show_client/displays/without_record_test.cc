@@ -12,7 +12,7 @@
 #include "pm_show_client/displays/session.h"
 #include "pm_show_client/displays/srpolicy.h"
 #include "pm_show_client/displays/srpolicy_counters.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 #include "tests/support/captured.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "platform/parcel.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 
 // How an item path comes from the row's texts and the options.
 enum class pm_show_path_form : std::uint8_t {

@@ -5,7 +5,7 @@
 
 #include "platform/opstore.h"
 #include "platform/parcel.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 
 // What to read and who prints it. The texts are the caller's.
 struct pm_show_request {

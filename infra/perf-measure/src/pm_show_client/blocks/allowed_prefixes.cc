@@ -6,6 +6,7 @@
 
 #include "base/pm_assert.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/pm_show_options.h"
 #include "pm_utils/address_text.h"
 
 namespace {

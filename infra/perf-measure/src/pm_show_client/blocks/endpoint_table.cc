@@ -7,6 +7,7 @@
 #include "pm_show_client/blocks/segment_list_filter.h"
 #include "pm_show_client/blocks/session_lines.h"
 #include "pm_show_client/blocks/tables.h"
+#include "pm_show_client/pm_show_options.h"
 #include "pm_utils/not_running_reason.h"
 #include "pm_utils/value_text.h"
 

@@ -12,7 +12,7 @@
 #include <cstdint>
 
 #include "base/pm_output.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_clock.h"
 #include "schema/pm_records.h"
 
 inline constexpr std::size_t PM_LINE_SIZE = 256;

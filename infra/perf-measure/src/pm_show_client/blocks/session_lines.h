@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/pm_show_clock.h"
 
 namespace pm_session_lines {
 

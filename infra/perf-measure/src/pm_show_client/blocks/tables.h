@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "pm_show_client/blocks/lines.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_headers.h"
 
 // Prints a table's column headers with `print_header` and the rule under them, once for each node.
 template <class PrintHeader>

@@ -2,7 +2,7 @@
 #include "pm_show_client/displays/allowed_responders.h"
 
 #include "pm_show_client/blocks/allowed_prefixes.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 
 int pm_show_allowed_responders(const void *decoded_parcel) {
     if (decoded_parcel == nullptr) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_utils/engine_names.h"
 
 namespace {

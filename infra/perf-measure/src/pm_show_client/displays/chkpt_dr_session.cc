@@ -4,7 +4,7 @@
 #include "pm_show_client/blocks/chkpt_blob.h"
 #include "pm_show_client/blocks/lines.h"
 #include "pm_show_client/blocks/node_name.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 #include "schema/pm_records.h"
 
 namespace {

@@ -5,6 +5,7 @@
 
 #include "pm_show_client/blocks/chkpt_blob.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/advert_reason.h"
 #include "pm_utils/control_code.h"

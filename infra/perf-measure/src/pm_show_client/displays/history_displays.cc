@@ -6,7 +6,7 @@
 #include "pm_show_client/blocks/segment_list_filter.h"
 #include "pm_show_client/blocks/segments.h"
 #include "pm_show_client/blocks/session_lines.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_utils/measurement_names.h"
 
 using namespace pm_session_lines;

@@ -7,6 +7,7 @@
 #include "pm_show_client/blocks/loss_session.h"
 #include "pm_show_client/blocks/session_lines.h"
 #include "pm_show_client/blocks/tables.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/address_text.h"
 #include "pm_utils/advert_reason.h"

@@ -5,6 +5,7 @@
 
 #include "base/pm_assert.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/pm_show_display.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include "base/pm_assert.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/measurement_names.h"
 

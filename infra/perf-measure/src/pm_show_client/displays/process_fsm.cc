@@ -7,6 +7,7 @@
 
 #include "platform/kal_time.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_utils/event_time.h"
 #include "pm_utils/process_names.h"
 

@@ -3,6 +3,7 @@
 
 #include "pm_show_client/blocks/profile_blocks.h"
 #include "pm_show_client/blocks/profile_lines.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/measurement_names.h"
 

@@ -4,6 +4,7 @@
 #include "platform/address.h"
 #include "pm_show_client/blocks/lines.h"
 #include "pm_show_client/blocks/resp_counters.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/value_text.h"
 

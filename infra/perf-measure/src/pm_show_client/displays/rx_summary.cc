@@ -3,7 +3,7 @@
 
 #include "pm_show_client/blocks/lines.h"
 #include "pm_show_client/blocks/queue.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 
 namespace {
 

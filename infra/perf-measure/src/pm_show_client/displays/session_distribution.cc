@@ -5,6 +5,8 @@
 
 #include "platform/node.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/pm_show_display.h"
+#include "pm_show_client/pm_show_options.h"
 
 namespace {
 

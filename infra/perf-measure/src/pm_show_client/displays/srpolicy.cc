@@ -7,6 +7,7 @@
 #include "pm_show_client/blocks/session_blocks.h"
 #include "pm_show_client/blocks/session_lines.h"
 #include "pm_show_client/blocks/srpolicy_table.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/measurement_names.h"
 #include "pm_utils/value_text.h"

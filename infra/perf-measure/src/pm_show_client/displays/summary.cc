@@ -4,6 +4,7 @@
 #include "pm_show_client/blocks/counters.h"
 #include "pm_show_client/blocks/lines.h"
 #include "pm_show_client/blocks/queue.h"
+#include "pm_show_client/pm_show_display.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/measurement_names.h"
 
