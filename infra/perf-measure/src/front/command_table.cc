@@ -5,31 +5,39 @@
 #include <cstddef>
 #include <iterator>
 
-#include "pm_show_client/displays/allowed_queriers.h"
-#include "pm_show_client/displays/allowed_responders.h"
-#include "pm_show_client/displays/batch_counters.h"
-#include "pm_show_client/displays/capability.h"
-#include "pm_show_client/displays/chkpt_dr.h"
-#include "pm_show_client/displays/chkpt_dr_session.h"
-#include "pm_show_client/displays/chkpt_scb.h"
-#include "pm_show_client/displays/dr_retry_queue.h"
-#include "pm_show_client/displays/endpoint.h"
-#include "pm_show_client/displays/endpoint_counters.h"
-#include "pm_show_client/displays/history_displays.h"
-#include "pm_show_client/displays/intf.h"
-#include "pm_show_client/displays/npu_database.h"
-#include "pm_show_client/displays/pps_summary.h"
-#include "pm_show_client/displays/process_fsm.h"
-#include "pm_show_client/displays/profile.h"
-#include "pm_show_client/displays/resp_intf.h"
-#include "pm_show_client/displays/resp_summary.h"
-#include "pm_show_client/displays/rsvpte.h"
-#include "pm_show_client/displays/rx_summary.h"
-#include "pm_show_client/displays/session.h"
-#include "pm_show_client/displays/session_distribution.h"
-#include "pm_show_client/displays/srpolicy.h"
-#include "pm_show_client/displays/srpolicy_counters.h"
-#include "pm_show_client/displays/summary.h"
+#include "pm_show_client/displays/pm_show_allowed_queriers.h"
+#include "pm_show_client/displays/pm_show_allowed_responders.h"
+#include "pm_show_client/displays/pm_show_batch_counters.h"
+#include "pm_show_client/displays/pm_show_chkpt_dr.h"
+#include "pm_show_client/displays/pm_show_chkpt_dr_session.h"
+#include "pm_show_client/displays/pm_show_chkpt_scb.h"
+#include "pm_show_client/displays/pm_show_dr.h"
+#include "pm_show_client/displays/pm_show_endpoint.h"
+#include "pm_show_client/displays/pm_show_endpoint_counters.h"
+#include "pm_show_client/displays/pm_show_endpoint_history.h"
+#include "pm_show_client/displays/pm_show_endpoint_live_history.h"
+#include "pm_show_client/displays/pm_show_intf.h"
+#include "pm_show_client/displays/pm_show_intf_counters.h"
+#include "pm_show_client/displays/pm_show_intf_history.h"
+#include "pm_show_client/displays/pm_show_name_profile.h"
+#include "pm_show_client/displays/pm_show_proc_fsm.h"
+#include "pm_show_client/displays/pm_show_profile.h"
+#include "pm_show_client/displays/pm_show_resp_intf.h"
+#include "pm_show_client/displays/pm_show_resp_intf_counters.h"
+#include "pm_show_client/displays/pm_show_resp_summary.h"
+#include "pm_show_client/displays/pm_show_rsvpte.h"
+#include "pm_show_client/displays/pm_show_rsvpte_counters.h"
+#include "pm_show_client/displays/pm_show_rsvpte_history.h"
+#include "pm_show_client/displays/pm_show_rx_summary.h"
+#include "pm_show_client/displays/pm_show_session.h"
+#include "pm_show_client/displays/pm_show_srpolicy.h"
+#include "pm_show_client/displays/pm_show_srpolicy_counters.h"
+#include "pm_show_client/displays/pm_show_srpolicy_history.h"
+#include "pm_show_client/displays/pm_show_summary.h"
+#include "pm_show_client/displays/print_capability.h"
+#include "pm_show_client/displays/print_dr_retry_queue.h"
+#include "pm_show_client/displays/print_lc_npu_db.h"
+#include "pm_show_client/displays/print_pps_summary.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 
@@ -120,13 +128,13 @@ using enum pm_show_nodes;
 constexpr pm_show_command commands[] = {
     // type, root, item path, record, batch, single, nodes, display
     {1, MAIN, with_name("intf/detail/"), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf},
-    {2, MAIN, with_name("intf/detail/"), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf},
+    {2, MAIN, with_name("intf/detail/"), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf_counters},
     {3, nullptr, invalid},
     {4, nullptr, by_subtype},   // probe history
     {5, nullptr, by_subtype},   // aggregated history
     {6, MAIN, with_session("session/"), session_record, 200, WITH_SESSION_ID, ALL, pm_show_session},
     {7, RESP, with_name("intf/"), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf},
-    {8, RESP, with_name("intf/"), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf},
+    {8, RESP, with_name("intf/"), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf_counters},
     {9, MAIN, fixed("summary"), summary_record, 0, ALWAYS, ALL, pm_show_summary},
     {10, RESP, fixed("summary"), resp_summary_record, 0, ALWAYS, ALL, pm_show_resp_summary},
     {11, RX, fixed("summary"), rx_summary_record, 0, ALWAYS, ALL, pm_show_rx_summary},
