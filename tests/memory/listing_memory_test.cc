@@ -6,7 +6,7 @@
 
 #include "front/generic_show.h"
 #include "platform/local/back_ends/writers.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 #include "tests/support/child_process.h"

@@ -6,31 +6,39 @@
 #include "front/advert_legend.h"
 #include "paths/item_paths.h"
 #include "paths/roots.h"
-#include "pm_show_client/displays/allowed_queriers.h"
-#include "pm_show_client/displays/allowed_responders.h"
-#include "pm_show_client/displays/batch_counters.h"
-#include "pm_show_client/displays/capability.h"
-#include "pm_show_client/displays/chkpt_dr.h"
-#include "pm_show_client/displays/chkpt_dr_session.h"
-#include "pm_show_client/displays/chkpt_scb.h"
-#include "pm_show_client/displays/dr_retry_queue.h"
-#include "pm_show_client/displays/endpoint.h"
-#include "pm_show_client/displays/endpoint_counters.h"
-#include "pm_show_client/displays/history_displays.h"
-#include "pm_show_client/displays/intf.h"
-#include "pm_show_client/displays/npu_database.h"
-#include "pm_show_client/displays/pps_summary.h"
-#include "pm_show_client/displays/process_fsm.h"
-#include "pm_show_client/displays/profile.h"
-#include "pm_show_client/displays/resp_intf.h"
-#include "pm_show_client/displays/resp_summary.h"
-#include "pm_show_client/displays/rsvpte.h"
-#include "pm_show_client/displays/rx_summary.h"
-#include "pm_show_client/displays/session.h"
-#include "pm_show_client/displays/session_distribution.h"
-#include "pm_show_client/displays/srpolicy.h"
-#include "pm_show_client/displays/srpolicy_counters.h"
-#include "pm_show_client/displays/summary.h"
+#include "pm_show_client/displays/pm_show_allowed_queriers.h"
+#include "pm_show_client/displays/pm_show_allowed_responders.h"
+#include "pm_show_client/displays/pm_show_batch_counters.h"
+#include "pm_show_client/displays/pm_show_chkpt_dr.h"
+#include "pm_show_client/displays/pm_show_chkpt_dr_session.h"
+#include "pm_show_client/displays/pm_show_chkpt_scb.h"
+#include "pm_show_client/displays/pm_show_dr.h"
+#include "pm_show_client/displays/pm_show_endpoint.h"
+#include "pm_show_client/displays/pm_show_endpoint_counters.h"
+#include "pm_show_client/displays/pm_show_endpoint_history.h"
+#include "pm_show_client/displays/pm_show_endpoint_live_history.h"
+#include "pm_show_client/displays/pm_show_intf.h"
+#include "pm_show_client/displays/pm_show_intf_counters.h"
+#include "pm_show_client/displays/pm_show_intf_history.h"
+#include "pm_show_client/displays/pm_show_name_profile.h"
+#include "pm_show_client/displays/pm_show_proc_fsm.h"
+#include "pm_show_client/displays/pm_show_profile.h"
+#include "pm_show_client/displays/pm_show_resp_intf.h"
+#include "pm_show_client/displays/pm_show_resp_intf_counters.h"
+#include "pm_show_client/displays/pm_show_resp_summary.h"
+#include "pm_show_client/displays/pm_show_rsvpte.h"
+#include "pm_show_client/displays/pm_show_rsvpte_counters.h"
+#include "pm_show_client/displays/pm_show_rsvpte_history.h"
+#include "pm_show_client/displays/pm_show_rx_summary.h"
+#include "pm_show_client/displays/pm_show_session.h"
+#include "pm_show_client/displays/pm_show_srpolicy.h"
+#include "pm_show_client/displays/pm_show_srpolicy_counters.h"
+#include "pm_show_client/displays/pm_show_srpolicy_history.h"
+#include "pm_show_client/displays/pm_show_summary.h"
+#include "pm_show_client/displays/print_capability.h"
+#include "pm_show_client/displays/print_dr_retry_queue.h"
+#include "pm_show_client/displays/print_lc_npu_db.h"
+#include "pm_show_client/displays/print_pps_summary.h"
 #include "schema/pm_descriptors.h"
 
 namespace {
@@ -65,7 +73,7 @@ constexpr pm_show_command COMMANDS[] = {
     {1, only, MAIN, with_name(intf_detail),  // interfaces
      pm_intf_parcel_descriptor, by_name, hosting, pm_show_intf},
     {2, only, MAIN, with_name(intf_detail),  // counters of interfaces
-     pm_intf_parcel_descriptor, by_name, hosting, pm_show_intf},
+     pm_intf_parcel_descriptor, by_name, hosting, pm_show_intf_counters},
     {4, of_intf, MAIN, delay_or_loss(intf_delay_probe_history, intf_loss_probe_history),  // past probes
      pm_intf_history_parcel_descriptor, by_name, hosting, pm_show_intf_history},
     {4, of_srpolicy, MAIN, filtered(srpolicy_probe_history),  // past probes
@@ -87,7 +95,7 @@ constexpr pm_show_command COMMANDS[] = {
     {7, only, RESP, with_name(resp_intf),  // interfaces of the responder
      pm_resp_intf_parcel_descriptor, by_name, all, pm_show_resp_intf},
     {8, only, RESP, with_name(resp_intf),  // counters of the responder's interfaces
-     pm_resp_intf_parcel_descriptor, by_name, all, pm_show_resp_intf},
+     pm_resp_intf_parcel_descriptor, by_name, all, pm_show_resp_intf_counters},
     {9, only, MAIN, fixed(summary),  // summary of the service
      pm_summary_parcel_descriptor, always, all, pm_show_summary},
     {10, only, RESP, fixed(summary),  // summary of the responder

@@ -9,7 +9,7 @@
 #include "front/generic_show.h"
 #include "paths/item_paths.h"
 #include "platform/parcel.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 
 // Which row of a type a command line means. The number of a subtype is what -t gives.
 enum class pm_show_variant : std::uint32_t {

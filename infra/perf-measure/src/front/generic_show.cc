@@ -8,6 +8,8 @@
 #include "front/heap_block.h"
 #include "platform/bounded.h"
 #include "platform/node.h"
+#include "pm_show_client/pm_show_headers.h"
+#include "pm_show_client/pm_show_options.h"
 
 opstore_handle pm_show_opstore_handle = nullptr;
 std::uint8_t pm_show_opstore_present = 0;

@@ -5,7 +5,7 @@
 
 #include "platform/opstore.h"
 #include "platform/parcel.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
 
 // Whether a blank line goes before each item of a listing.
 enum class pm_show_spacing : std::uint8_t {

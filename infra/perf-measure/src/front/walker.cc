@@ -6,6 +6,7 @@
 #include "base/pm_output.h"
 #include "platform/inventory.h"
 #include "platform/node.h"
+#include "pm_show_client/pm_show_headers.h"
 #include "pm_show_client/pm_show_options.h"
 
 namespace {
