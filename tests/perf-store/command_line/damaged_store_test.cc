@@ -5,6 +5,7 @@
 #include <lmdb.h>
 #include <random>
 
+#include "platform/local/codec/checksum.h"
 #include "platform/local/codec/parcel_codec.h"
 #include "platform/local/lmdb_store/table_state.h"
 #include "platform/local/store/local_store_descriptors.h"
@@ -207,9 +208,9 @@ TEST_F(DamagedStore, EveryByteOfItsHeadMayBeWrong) {
     }
 }
 
-// The bits of an item's path, of its seal and of its parcel stand together in the file.
+// The bits of an item's path, of its link, of its seal and of its parcel stand together in the file.
 TEST_F(DamagedStore, AChangedBitOfAnItemIsAlwaysNoticed) {
-    constexpr std::size_t LENGTH = 15 + 8 + 55;  // path, seal, and a parcel: header, versions, name and fields
+    constexpr std::size_t LENGTH = 15 + 8 + 8 + 55;  // path, link, seal, and a parcel: header, versions, name and fields
     use_store("small");
     load_good(ONE_MORE);
     const std::string small = read_file(folder() + "/small/data.mdb");
@@ -268,6 +269,21 @@ TEST_F(DamagedStore, AFileInThePlaceOfTheFolderIsRefused) {
 
 class OtherStore : public DamagedStore {
 protected:
+    // Writes a store of these keys and values, linked as a store's are.
+    void make_linked(const std::vector<std::pair<std::string, std::string>> &content) const {
+        std::vector<std::pair<std::string, std::string>> linked{{"F", lmdb_store::FORMAT}};
+        for (const auto &[key, value] : content) {
+            linked.emplace_back(key, link_after(linked.back().first) + value);
+        }
+        linked.emplace_back("Z", link_after(linked.back().first) + "\1\0\0\0\0\0\0\0"s);  // the first transaction
+        make(linked);
+    }
+
+    static std::string link_after(const std::string &key) {
+        const std::uint64_t sum = checksum(key.data(), key.size());
+        return {reinterpret_cast<const char *>(&sum), sizeof sum};
+    }
+
     // Writes an environment of these keys and values in the store's place.
     void make(const std::vector<std::pair<std::string, std::string>> &content) const {
         std::filesystem::remove_all(store());
@@ -302,8 +318,6 @@ protected:
 
 using key_and_value = std::pair<std::string, std::string>;
 
-const key_and_value FORMAT{"F", lmdb_store::FORMAT};
-
 // A record as the store's writer would put it under the key.
 key_and_value record_under(const std::string &key, const void *record, const parcel_descriptor *type) {
     std::vector<std::uint8_t> parcel;
@@ -321,7 +335,7 @@ TEST_F(OtherStore, WithoutOurFormatIsRefusedAndStaysAsItIs) {
 }
 
 TEST_F(OtherStore, OfAnotherFormatIsRefusedAndStaysAsItIs) {
-    for (const char *format : {"", "perf-show opstore", "perf-show opstore 2", "perf-show opstore 10"}) {
+    for (const char *format : {"", "perf-show opstore", "perf-show opstore 3", "perf-show opstore 10"}) {
         SCOPED_TRACE(format);
         make({{"F", format}});
         expect_stays_refused();
@@ -335,7 +349,7 @@ TEST_F(OtherStore, WithKeysOfAnyLengthNeverEndsACommandBySignal) {
           "U?\0\0\0\0"s, "N"s, "N\0"s, "N\0\0\0\0\0"s, "H"s, "H\0"s, "Px"s, "S"s}) {
         const key_and_value sealed = record_under(key, &running, local_publisher_descriptor());
         for (const std::string &content : {""s, "x"s, sealed.second}) {
-            make({FORMAT, {key, content}});
+            make_linked({{key, content}});
             const std::string what = "key of " + std::to_string(key.size()) + " bytes, " + key.substr(0, 2) +
                                      ", value of " + std::to_string(content.size());
             expect_survives(run({"dump"}), "dump, " + what);
@@ -351,7 +365,7 @@ TEST_F(OtherStore, WithAnyNameOfAPartnerNeverEndsACommandBySignal) {
         local_partner partner{group, 1};
         local_platform platform{};
         platform.Partners = {1, &partner};
-        make({FORMAT, record_under("P", &platform, local_platform_descriptor())});
+        make_linked({record_under("P", &platform, local_platform_descriptor())});
         const outcome dumped = run({"dump"});
         expect_survives(dumped, "dump");
         EXPECT_EQ(dumped.out.find("\"a\"b\""), std::string::npos) << dumped.out << " is no JSON";
@@ -369,7 +383,7 @@ TEST_F(OtherStore, WithATextThatIsNotUtf8GivesNoPartOfItsLine) {
     const key_and_value first = record_under(good, &record, pm_intf_parcel_descriptor());
     record.InterfaceHandle = 7;
     record.InterfaceName = "K\xF6ln";
-    make({FORMAT, first, record_under(bad, &record, pm_intf_parcel_descriptor())});
+    make_linked({first, record_under(bad, &record, pm_intf_parcel_descriptor())});
     const std::string error = "perf-store: main 0 later: a text is not UTF-8\n";
     const std::string sound =
         R"({"item":{"root":"main","node":0,"path":"good","type":"pm_intf_parcel","record":{"InterfaceName":"eth0"}}})"
@@ -385,7 +399,7 @@ TEST_F(OtherStore, WithATextThatIsNotUtf8GivesNoPartOfItsLine) {
     EXPECT_EQ(run({"get", "--root", "main", "--node", "0", "good"}).status, 0);
     local_node node{};
     node.Name = "K\xF6ln";
-    make({FORMAT, record_under("N\0\0\0\0"s, &node, local_node_descriptor())});
+    make_linked({record_under("N\0\0\0\0"s, &node, local_node_descriptor())});
     const outcome nodes = run({"dump"});
     EXPECT_EQ(nodes.status, 1);
     EXPECT_EQ(nodes.error, "perf-store: node: a text is not UTF-8\n");
@@ -394,14 +408,14 @@ TEST_F(OtherStore, WithATextThatIsNotUtf8GivesNoPartOfItsLine) {
 
 TEST_F(OtherStore, OfAnUnknownPublisherStateIsRefused) {
     const local_publisher unknown{4};
-    make({FORMAT, record_under("Um\0\0\0\0"s, &unknown, local_publisher_descriptor())});
+    make_linked({record_under("Um\0\0\0\0"s, &unknown, local_publisher_descriptor())});
     expect_refuses(run({"dump"}), "dump");
 }
 
 TEST_F(OtherStore, WithARecordOfAnotherTypeInItsPlaceIsRefused) {
     const local_publisher running{0};
     for (const std::string &key : {"P"s, "N\0\0\0\0"s, "H\0\0\0\1"s, "Im\0\0\0\0a"s}) {
-        make({FORMAT, record_under(key, &running, local_publisher_descriptor())});
+        make_linked({record_under(key, &running, local_publisher_descriptor())});
         expect_refuses(run({"dump"}), key.substr(0, 1));
     }
 }
@@ -411,7 +425,7 @@ TEST_F(OtherStore, WithAnItemThatIsNoParcelNamesTheItem) {
     for (const std::string &parcel : {""s, "hello"s, "PMP\x01"s, noise(100, 1)}) {
         std::vector<std::uint8_t> value;
         store::seal(key, parcel, &value);
-        make({FORMAT, {key, {value.begin(), value.end()}}});
+        make_linked({{key, {value.begin(), value.end()}}});
         const outcome dumped = run({"dump"});
         expect_refuses(dumped, "dump");
         EXPECT_NE(dumped.error.find("scb/eth0"), std::string::npos) << dumped.error;
@@ -420,7 +434,7 @@ TEST_F(OtherStore, WithAnItemThatIsNoParcelNamesTheItem) {
 
 TEST_F(OtherStore, AnEmptyEnvironmentBecomesAStore) {
     make({});
-    expect_survives(run({"dump"}), "dump");
+    expect_refuses(run({"dump"}), "dump");
     EXPECT_EQ(load_one_more().status, 0);
     EXPECT_EQ(dump(), R"({"dataset":{"version":1}})"
                       "\n"
