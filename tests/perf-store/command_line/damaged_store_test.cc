@@ -210,7 +210,8 @@ TEST_F(DamagedStore, EveryByteOfItsHeadMayBeWrong) {
 
 // The bits of an item's path, of its link, of its seal and of its parcel stand together in the file.
 TEST_F(DamagedStore, AChangedBitOfAnItemIsAlwaysNoticed) {
-    constexpr std::size_t LENGTH = 15 + 8 + 8 + 55;  // path, link, seal, and a parcel: header, versions, name and fields
+    constexpr std::size_t LENGTH =
+        15 + 8 + 8 + 55;  // path, link, seal, and a parcel: header, versions, name and fields
     use_store("small");
     load_good(ONE_MORE);
     const std::string small = read_file(folder() + "/small/data.mdb");

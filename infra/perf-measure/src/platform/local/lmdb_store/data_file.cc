@@ -57,9 +57,7 @@ bool read_meta(int file, std::uint64_t at, meta_page *meta) {
            meta->magic == LMDB_MAGIC && meta->version == LMDB_VERSION;
 }
 
-std::uint64_t sum_of(const meta_page &meta) {
-    return checksum(&meta.magic, sizeof meta - offsetof(meta_page, magic));
-}
+std::uint64_t sum_of(const meta_page &meta) { return checksum(&meta.magic, sizeof meta - offsetof(meta_page, magic)); }
 
 bool read_note(int file, std::uint64_t page_at, head_note *note) {
     return ::pread(file, note, sizeof *note, static_cast<off_t>(page_at + NOTE_AT)) ==

@@ -31,8 +31,8 @@ struct extent {
 // What to say of a store of the old format.
 [[nodiscard]] std::string old_format_text(const std::string &folder);
 
-// The head is kept twice, in the first two pages; a transaction writes the one whose turn it is. LMDB guards neither, so
-// a writer notes in the unused rest of the page that its commit has written what is in it. Readers compare. A writer
+// The head is kept twice, in the first two pages; a transaction writes the one whose turn it is. LMDB guards neither,
+// so a writer notes in the unused rest of the page that its commit has written what is in it. Readers compare. A writer
 // that was killed before it had made its note leaves an older one, which says nothing about the new head.
 // Failure leaves no note.
 void note_head(int file);

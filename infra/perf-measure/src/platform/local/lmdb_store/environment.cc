@@ -45,7 +45,8 @@ pm_error environment::open(const std::string &folder) {
     ownership whose = ownership::foreign;
     pm_error error = read([&](const table_state &state) {
         const errcode code = state.check_format(&whose);
-        return code == ERRCODE_SUCCESS && whose == ownership::ours ? state.check_end(state.transaction()) : OPSTORE_DAMAGED;
+        return code == ERRCODE_SUCCESS && whose == ownership::ours ? state.check_end(state.transaction())
+                                                                   : OPSTORE_DAMAGED;
     });
     is_ours_ = !error;
     return whose == ownership::of_old_format ? pm_error(OPSTORE_DAMAGED, old_format_text(folder_)) : error;

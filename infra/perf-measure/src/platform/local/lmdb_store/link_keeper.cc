@@ -125,9 +125,8 @@ int link_keeper::begin_run(std::string_view key, std::string_view next) {
         }
         runs_.erase(oldest);
     }
-    const auto place = std::ranges::upper_bound(runs_, key, {}, [](const run &each) -> std::string_view {
-        return each.last;
-    });
+    const auto place =
+        std::ranges::upper_bound(runs_, key, {}, [](const run &each) -> std::string_view { return each.last; });
     runs_.insert(place, {std::string(key), std::string(next), ++uses_});
     return 0;
 }

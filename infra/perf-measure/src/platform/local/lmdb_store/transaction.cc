@@ -227,7 +227,8 @@ pm_error transaction::check_format() {
     if (pm_error error = guarded([&] {
             const table_state state(txn_, table_);
             const errcode code = state.check_format(&whose);
-            return result_of(code == ERRCODE_SUCCESS && whose == ownership::ours ? state.check_end(state.transaction() - 1) : code);
+            return result_of(
+                code == ERRCODE_SUCCESS && whose == ownership::ours ? state.check_end(state.transaction() - 1) : code);
         })) {
         return error;
     }
