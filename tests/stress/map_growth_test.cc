@@ -32,7 +32,8 @@ bool make_small_store(const std::string &folder) {
     std::string format = lmdb_store::FORMAT;
     MDB_val name = lmdb_store::to_value(lmdb_store::FORMAT_KEY);
     MDB_val value{format.size(), format.data()};
-    std::uint64_t end_record[] = {lmdb_store::link_to(lmdb_store::FORMAT_KEY), 1};  // of the first transaction
+    std::uint64_t end_record[] = {lmdb_store::link_between(lmdb_store::FORMAT_KEY, lmdb_store::END_KEY),
+                                  1};  // of the first transaction
     MDB_val end = lmdb_store::to_value(lmdb_store::END_KEY);
     MDB_val end_value{sizeof end_record, end_record};
     return mdb_env_create(&env) == 0 && mdb_env_set_mapsize(env, SMALL_MAP) == 0 &&

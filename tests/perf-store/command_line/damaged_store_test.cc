@@ -274,14 +274,15 @@ protected:
     void make_linked(const std::vector<std::pair<std::string, std::string>> &content) const {
         std::vector<std::pair<std::string, std::string>> linked{{"F", lmdb_store::FORMAT}};
         for (const auto &[key, value] : content) {
-            linked.emplace_back(key, link_after(linked.back().first) + value);
+            linked.emplace_back(key, link(linked.back().first, key) + value);
         }
-        linked.emplace_back("Z", link_after(linked.back().first) + "\1\0\0\0\0\0\0\0"s);  // the first transaction
+        linked.emplace_back("Z", link(linked.back().first, "Z") + "\1\0\0\0\0\0\0\0"s);  // the first transaction
         make(linked);
     }
 
-    static std::string link_after(const std::string &key) {
-        const std::uint64_t sum = checksum(key.data(), key.size());
+    static std::string link(const std::string &before, const std::string &key) {
+        const std::uint64_t sum =
+            checksum(before.data(), before.size()) * 0x9e3779b97f4a7c15 + checksum(key.data(), key.size());
         return {reinterpret_cast<const char *>(&sum), sizeof sum};
     }
 

@@ -1,6 +1,7 @@
 // Reads the two meta pages at the start of an LMDB file.
 #include "platform/local/lmdb_store/data_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -137,6 +138,31 @@ pm_error read_extent(const std::string &folder, extent *out) {
         *out = {};
     }
     return sound ? pm_error() : pm_error(OPSTORE_DAMAGED);
+}
+
+bool read_root(int file, table_root *out) {
+    constexpr std::size_t ENTRIES_AT = 120;  // of the table's tree, in the page
+    constexpr std::size_t ROOT_AT = 128;
+    noted_head heads[2] = {};
+    extent ignored;
+    struct stat status {};
+    if (!read_heads(file, heads) || ::fstat(file, &status) != 0) {
+        return false;
+    }
+    out->sound = read_extent_of(file, &ignored);
+    const noted_head *chosen = &current_of(heads);
+    const noted_head *other = chosen == &heads[0] ? &heads[1] : &heads[0];
+    if (!out->sound && !agrees(*chosen, true) && agrees(*other, true)) {
+        chosen = other;
+    }
+    const auto *bytes = reinterpret_cast<const char *>(&chosen->meta);
+    std::memcpy(&out->entries, bytes + ENTRIES_AT, sizeof out->entries);
+    std::memcpy(&out->root, bytes + ROOT_AT, sizeof out->root);
+    out->page_size = chosen->meta.page_size;
+    out->transaction = chosen->meta.transaction;
+    const std::uint64_t length = static_cast<std::uint64_t>(status.st_size) / out->page_size + 1;
+    out->pages = std::min(chosen->meta.last_page, length) + 1;
+    return true;
 }
 
 void note_head(int file) {

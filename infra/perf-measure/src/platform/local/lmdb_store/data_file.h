@@ -28,6 +28,18 @@ struct extent {
 // another code when it cannot be read.
 [[nodiscard]] pm_error read_extent(const std::string &folder, extent *out);
 
+// Where the table of the current state is.
+struct table_root {
+    std::uint64_t root = 0;  // the number of its first page; UINT64_MAX for an empty one
+    std::uint64_t entries = 0;
+    std::uint64_t page_size = 0;
+    std::uint64_t pages = 0;  // of the file, by the head's account and its length
+    std::uint64_t transaction = 0;
+    bool sound = false;  // as its writer noted it
+};
+// Reads the head of an open data file, of which one copy may be damaged. False when it has none.
+[[nodiscard]] bool read_root(int file, table_root *out);
+
 // What to say of a store of the old format.
 [[nodiscard]] std::string old_format_text(const std::string &folder);
 

@@ -33,7 +33,7 @@ int link_keeper::begin_table(std::string_view format) {
     MDB_val key = to_value(FORMAT_KEY);
     MDB_val value = to_value(format);
     const int result = mdb_put(txn_, table_, &key, &value, 0);
-    return result != 0 ? result : write(END_KEY, link_to(FORMAT_KEY), {});
+    return result != 0 ? result : write(END_KEY, link_between(FORMAT_KEY, END_KEY), {});
 }
 
 int link_keeper::write(std::string_view key, link before, std::string_view value) {
@@ -65,7 +65,7 @@ int link_keeper::relink(std::string_view key, std::string_view before) {
         return result == MDB_NOTFOUND ? MDB_CORRUPTED : result;
     }
     scratch_ = without_link(to_view(kept));  // a copy: the page may move when it is written
-    return write(key, link_to(before), scratch_);
+    return write(key, link_between(before, key), scratch_);
 }
 
 // The run that a key continues; null when it continues none.
@@ -84,7 +84,7 @@ int link_keeper::put(std::string_view key, std::string_view value) {
     if (continued == nullptr) {
         return put_in_place(key, value);
     }
-    const int result = write(key, link_to(continued->last), value);
+    const int result = write(key, link_between(continued->last, key), value);
     continued->last = key;  // still before every run that comes after it
     continued->used = ++uses_;
     return result;
@@ -107,11 +107,11 @@ int link_keeper::put_in_place(std::string_view key, std::string_view value) {
             return 0;
         }
         found = found == 0 ? mdb_cursor_get(cursor, &before, &ignored, MDB_PREV) : found;
-        return found == 0 && is_linked(to_view(kept), to_view(before)) ? 0 : MDB_CORRUPTED;
+        return found == 0 && is_linked(to_view(kept), to_view(before), to_view(at)) ? 0 : MDB_CORRUPTED;
     });
     if (result == 0 && !exists) {
         next = to_view(at);
-        linked = link_to(to_view(before));
+        linked = link_between(to_view(before), key);
     }
     result = result != 0 ? result : write(key, linked, value);
     return result != 0 || exists ? result : begin_run(key, next);

@@ -1,5 +1,5 @@
-// Links between neighbours: each record of the table carries the checksum of the key before its own, so that every
-// reading sees whether a record that was written is missing.
+// Links between neighbours: each record of the table carries a checksum of its key and the one before it, so that
+// every reading sees whether a record that was written is missing.
 //
 // A value is kept as its link (8 bytes) and then the value itself. The first key of a store is its format's, which has
 // no link; the last one is END_KEY, whose value is the number of the transaction that made the state. Between them
@@ -22,14 +22,15 @@ inline constexpr std::string_view END_KEY = "Z";                    // after eve
 
 using link = std::uint64_t;
 
-// The link of a record that comes after `key_before`.
-[[nodiscard]] inline link link_to(std::string_view key_before) {
-    return checksum(key_before.data(), key_before.size());
+// The link of a record to the one before it. It tells whether either key has changed.
+[[nodiscard]] inline link link_between(std::string_view key_before, std::string_view key) {
+    constexpr link ODD = 0x9e3779b97f4a7c15;  // so that two keys in the other order have another link
+    return checksum(key_before.data(), key_before.size()) * ODD + checksum(key.data(), key.size());
 }
 
-// Whether a value as it is kept belongs to a record that comes after `key_before`.
-[[nodiscard]] inline bool is_linked(std::string_view kept, std::string_view key_before) {
-    const link wanted = link_to(key_before);
+// Whether a value as it is kept under `key` belongs to a record that comes after `key_before`.
+[[nodiscard]] inline bool is_linked(std::string_view kept, std::string_view key_before, std::string_view key) {
+    const link wanted = link_between(key_before, key);
     return kept.size() >= sizeof wanted && std::memcmp(kept.data(), &wanted, sizeof wanted) == 0;
 }
 

@@ -90,7 +90,8 @@ errcode table_state::open_gap(std::string_view from, gap *out) const {
         return code_of(result);
     }
     out->before = to_view(before);
-    const bool linked = out->before < from && from <= to_view(out->key) && is_linked(to_view(out->kept), out->before);
+    const bool linked = out->before < from && from <= to_view(out->key) &&
+                        is_linked(to_view(out->kept), out->before, to_view(out->key));
     return linked ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
 }
 

@@ -89,7 +89,7 @@ errcode table_state::scan(std::string_view prefix, std::string_view from, Visit 
         const int result = mdb_cursor_get(at.cursor, &at.key, &at.kept, MDB_NEXT);
         if (result != 0) {
             code = result == MDB_NOTFOUND ? OPSTORE_DAMAGED : code_of(result);  // the end is missing
-        } else if (at.before >= to_view(at.key) || !is_linked(to_view(at.kept), at.before)) {
+        } else if (at.before >= to_view(at.key) || !is_linked(to_view(at.kept), at.before, to_view(at.key))) {
             code = OPSTORE_DAMAGED;
         }
     }

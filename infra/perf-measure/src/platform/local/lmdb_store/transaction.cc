@@ -96,10 +96,10 @@ transaction::~transaction() {
     }
 }
 
-pm_error transaction::begin(const std::string &folder) {
+pm_error transaction::begin(const std::string &folder, old_store old) {
     folder_ = folder;
     reserve_standard_descriptors();
-    if (pm_error error = place_.take(folder_)) {
+    if (pm_error error = place_.take(folder_, old == old_store::leave_aside)) {
         return error;
     }
     fault_guard::install();

@@ -19,6 +19,10 @@
 
 namespace lmdb_store {
 
+// What becomes of the store that is in the folder: it is changed, or another one is made that takes its place at the
+// commit.
+enum class old_store { keep, leave_aside };
+
 // A failure names the folder and is ready to be shown; after it nothing of the transaction is committed. Views into
 // the store are valid until the next change.
 class transaction {
@@ -31,7 +35,7 @@ public:
 
     // Opens the store in a folder and begins, after another writer's transaction if one is at work. Folder and files
     // are made when they are missing, readable for the folder's group; they are gone again when nothing is committed.
-    [[nodiscard]] pm_error begin(const std::string &folder);
+    [[nodiscard]] pm_error begin(const std::string &folder, old_store old);
 
     // Removes every record.
     [[nodiscard]] pm_error clear();
