@@ -73,13 +73,25 @@ errcode ifnx_ifname_parse(const char *name, std::uint32_t /*flags*/, ifnx_parsed
     return ERRCODE_SUCCESS;
 }
 
-void ifnx_display_namestring(std::uint32_t handle, char *buffer, std::size_t size, std::uint32_t /*flags*/) {
-    local_interface record{};
+namespace {
+
+errcode read_interface(std::uint32_t handle, local_interface *record) {
     store::reader *reader = nullptr;
     std::string parcel;
-    const bool found = store_client::open(&reader) == ERRCODE_SUCCESS && !reader->interface(handle, &parcel) &&
-                       store_client::decode(parcel, &record, local_interface_descriptor()) == ERRCODE_SUCCESS;
-    safe_strncpy(buffer, found && record.Name != nullptr ? record.Name : UNKNOWN, size);
+    if (const errcode code = store_client::open(&reader); code != ERRCODE_SUCCESS) {
+        return code;
+    }
+    const pm_error error = reader->interface(handle, &parcel);
+    return error ? error.code() : store_client::decode(parcel, record, local_interface_descriptor());
+}
+
+}  // namespace
+
+void ifnx_display_namestring(std::uint32_t handle, char *buffer, std::size_t size, std::uint32_t /*flags*/) {
+    local_interface record{};
+    const errcode code = read_interface(handle, &record);
+    store_client::report_unreadable("an interface's name cannot be read", code);
+    safe_strncpy(buffer, code == ERRCODE_SUCCESS && record.Name != nullptr ? record.Name : UNKNOWN, size);
     parcel_free_indirections(&record, local_interface_descriptor());
 }
 

@@ -66,6 +66,7 @@ errcode platform_record(const local_platform **out) {
     }
     const errcode code = read_platform(&the_record);
     known = code == ERRCODE_SUCCESS || code == ERRCODE_NOT_FOUND;
+    store_client::report_unreadable("the router's record cannot be read", code);
     return known ? ERRCODE_SUCCESS : code;
 }
 
@@ -102,7 +103,8 @@ errcode nodes(const std::vector<node> **out) {
 
 const node *find_node(std::uint32_t id) {
     const std::vector<node> *all = nullptr;
-    if (nodes(&all) != ERRCODE_SUCCESS) {
+    if (const errcode code = nodes(&all); code != ERRCODE_SUCCESS) {
+        store_client::report_unreadable("the inventory cannot be read", code);
         return nullptr;
     }
     const auto found = std::find_if(all->begin(), all->end(), [&](const node &each) { return each.id == id; });

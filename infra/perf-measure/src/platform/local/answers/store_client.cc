@@ -31,6 +31,15 @@ errcode open(store::reader **out) {
     return error.code();
 }
 
+void report_unreadable(const char *what, errcode code) {
+    static bool reported = false;
+    const bool expected = code == ERRCODE_SUCCESS || code == ERRCODE_NOT_FOUND || code == OPSTORE_NO_CLIENT;
+    if (!reported && !expected) {
+        reported = true;
+        pm_print_error<"perf-show: %s: %s (0x%x)\n">(what, errcode_strerror(code), code);
+    }
+}
+
 errcode decode(std::string_view parcel, void *record, const parcel_descriptor *descriptor) {
     return parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), record, descriptor);
 }

@@ -11,6 +11,10 @@ namespace store_client {
 // once, says why.
 [[nodiscard]] errcode open(store::reader **out);
 
+// Says once on standard error that a record beside the items cannot be read, where a show goes on without it: else what
+// it prints would differ without a word. Says nothing of success, of a record that is not there and of no store.
+void report_unreadable(const char *what, errcode code);
+
 // Decodes a parcel into a zeroed record, which is freed with parcel_free_indirections.
 [[nodiscard]] errcode decode(std::string_view parcel, void *record, const parcel_descriptor *descriptor);
 

@@ -106,6 +106,7 @@ void page_walk::walk_branch(std::uint64_t number, const std::string &page, int d
             walk(node.low | std::uint64_t{node.high} << 16 | std::uint64_t{node.flags} << 32, depth + 1);
         } else {
             lose(number, "is damaged");
+            return;
         }
     }
 }
@@ -117,14 +118,14 @@ void page_walk::walk_leaf(std::uint64_t number, const std::string &page) {
         std::string large;
         if (!load_node(page, i, &node, &key_at)) {
             lose(number, "is damaged");
-            continue;
+            return;
         }
         const std::size_t size = node.low | std::size_t{node.high} << 16;
         const std::size_t value_at = key_at + node.key_size;
         const bool elsewhere = (node.flags & VALUE_IS_ELSEWHERE) != 0;
         if ((elsewhere ? sizeof(std::uint64_t) : size) > page.size() - value_at) {
             lose(number, "is damaged");
-            continue;
+            return;
         }
         std::string_view value(page.data() + value_at, elsewhere ? 0 : size);
         if (elsewhere) {
