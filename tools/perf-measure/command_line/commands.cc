@@ -72,7 +72,9 @@ int run_command(const invocation &given) {
     if (!parser.finish()) {
         return report_usage(parser.problem());
     }
-    std::function<int()> body = [&] { return show_as_text(parser.command()); };
+    std::function<int()> body = [&] {
+        return given.json ? show_as_json(parser.command(), given.pretty) : show_as_text(parser.command());
+    };
     if (given.watch_sec) {
         body = [shown = body] {
             take_time();

@@ -9,12 +9,19 @@
 #include "front/generic_show.h"
 #include "front/options.h"
 #include "perf-measure/command_line/invocation.h"
-#include "perf-measure/command_line/nodes.h"
 #include "perf-measure/command_line/store_check.h"
+#include "perf-measure/items/nodes.h"
+#include "perf-measure/json/json_show.h"
 #include "platform/kal_time.h"
 #include "pm_show_client/pm_show_options.h"
 
 namespace perf_measure {
+
+namespace {
+
+std::vector<node_failure> met;  // by the show of this process
+
+}  // namespace
 
 void take_time() {
     std::timespec now{};
@@ -44,13 +51,32 @@ std::string hand_over(const words_command &command) {
     return {};
 }
 
+int report_failures(const std::vector<node_failure> &failures) {
+    for (const node_failure &each : failures) {
+        static_cast<void>(report_failure(describe(each)));
+    }
+    return failures.empty() ? EXIT_SHOWN : EXIT_NOT_READ;
+}
+
 int show_as_text(const words_command &command) {
     if (const std::string problem = hand_over(command); !problem.empty()) {
         return report_failure(problem);
     }
+    pm_show_on_failure = [](std::uint32_t node, errcode code) { met.push_back({node, code}); };
     const int status = pm_show_dispatch();
     pm_output_flush();
-    return status == 0 ? EXIT_SHOWN : EXIT_NOT_READ;
+    const int failed = report_failures(failures_that_count(met));
+    return status == 0 ? failed : EXIT_NOT_READ;
+}
+
+int show_as_json(const words_command &command, bool pretty) {
+    if (const std::string problem = hand_over(command); !problem.empty()) {
+        return report_failure(problem);
+    }
+    std::string problem;
+    const std::vector<node_failure> failures = write_json(pretty, &problem);
+    const int failed = report_failures(failures);
+    return problem.empty() ? failed : report_failure(problem);
 }
 
 }  // namespace perf_measure

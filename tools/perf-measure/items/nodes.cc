@@ -1,5 +1,5 @@
 // The inventory's names.
-#include "perf-measure/command_line/nodes.h"
+#include "perf-measure/items/nodes.h"
 
 #include <string_view>
 
