@@ -4,6 +4,7 @@
 #include <string_view>
 #include <unistd.h>
 
+#include "perf-measure/command_line/plot.h"
 #include "perf-measure/command_line/show.h"
 #include "perf-measure/phrases/help.h"
 #include "perf-measure/phrases/parser.h"
@@ -73,6 +74,9 @@ int run_command(const invocation &given) {
         return report_usage(parser.problem());
     }
     std::function<int()> body = [&] {
+        if (parser.command().what->takes_name) {
+            return plot(parser.command(), given);
+        }
         return given.json ? show_as_json(parser.command(), given.pretty) : show_as_text(parser.command());
     };
     if (given.watch_sec) {

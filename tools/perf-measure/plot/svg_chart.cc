@@ -68,8 +68,8 @@ public:
         *out_ += "<g>\n";
         append(out_, "<text class=\"title\" x=\"%g\" y=\"%g\">", PLOT_LEFT, top_ + 28);
         *out_ += escaped(drawn_.title) + "</text>\n";
-        append(out_, "<text class=\"end\" x=\"%g\" y=\"%g\">", PLOT_RIGHT, top_ + 28);
-        *out_ += "delay in µs, " + escaped(what) + "</text>\n";
+        append(out_, "<text x=\"%g\" y=\"%g\">delay in µs, ", PLOT_LEFT + 300, top_ + LEGEND_BASELINE);
+        *out_ += escaped(what) + "</text>\n";
         if (drawn_.samples.empty()) {
             append(out_, "<text x=\"%g\" y=\"%g\">no samples</text>\n", PLOT_LEFT, top_ + PLOT_TOP + 20);
         } else {
