@@ -9,8 +9,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include "perf-measure/command_line/complete.h"
 #include "perf-measure/command_line/invocation.h"
+#include "perf-measure/completion/stored_names.h"
 #include "perf-measure/interactive/shell.h"
 #include "perf-measure/terminal/child_run.h"
 
@@ -49,14 +49,18 @@ int run_self(const std::vector<std::string> &words) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_BY_SIGNAL + WTERMSIG(status);
 }
 
+// What comes before a name on its way from the child.
+constexpr char WHOLE = 'w';
+constexpr char PART = 'p';
+
 // The store is read in a child: this process stays for hours, and must hold nothing of it.
-std::vector<std::string> list_names(const name_source *items, std::string_view beginning) {
+std::vector<candidate> list_names(const name_source *items, std::string_view beginning) {
     std::string text;
     static_cast<void>(run_in_child(
         [&] {
             std::string lines;
-            for (const std::string &name : stored_names(items, beginning)) {
-                lines += name + '\0';
+            for (const candidate &name : stored_names(items, beginning)) {
+                lines += (name.is_whole ? WHOLE : PART) + name.word + '\0';
             }
             return write_fully(STDOUT_FILENO, lines) ? EXIT_SHOWN : EXIT_NOT_READ;
         },
@@ -65,10 +69,10 @@ std::vector<std::string> list_names(const name_source *items, std::string_view b
             return true;
         },
         true));
-    std::vector<std::string> names;
+    std::vector<candidate> names;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = text.find('\0', at);
-        names.push_back(text.substr(at, end - at));
+        names.push_back({text.substr(at + 1, end - at - 1), "", text[at] == WHOLE});
         at = end + 1;
     }
     return names;

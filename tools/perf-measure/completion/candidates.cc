@@ -50,10 +50,7 @@ std::vector<candidate> candidates(const std::vector<std::string> &words, std::st
     const option *const wanted = parser.wanted_value();
     if (wanted != nullptr && (wanted->value == value_kind::name || wanted->value == value_kind::node)) {
         const bool is_node = wanted->value == value_kind::node;
-        for (std::string &name : names(is_node ? nullptr : &parser.command().what->names, beginning)) {
-            found.push_back({std::move(name), ""});
-        }
-        return found;
+        return names(is_node ? nullptr : &parser.command().what->names, beginning);
     }
     for (const fitting_word &word : parser.fitting()) {
         add(word, beginning, &found);

@@ -12,11 +12,12 @@ namespace perf_measure {
 
 struct candidate {
     std::string word;
-    std::string help;  // "" for a name
+    std::string help;      // "" for a name
+    bool is_whole = true;  // false: the beginning of several names
 };
 
 // Where names come from: those of items, or of nodes when `items` is null, that begin with a text.
-using name_lister = std::function<std::vector<std::string>(const name_source *items, std::string_view beginning)>;
+using name_lister = std::function<std::vector<candidate>(const name_source *items, std::string_view beginning)>;
 
 // The words that may follow `words` and begin with `beginning`. None after words that are no command.
 [[nodiscard]] std::vector<candidate> candidates(const std::vector<std::string> &words, std::string_view beginning,

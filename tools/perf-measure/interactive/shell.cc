@@ -124,7 +124,7 @@ unsigned char shell::complete() {
         insertion = common.substr(so_far.last.size());
         insertion = so_far.quote == '\0' ? typed(insertion) : insertion;
     }
-    if (fitting.size() == 1) {
+    if (fitting.size() == 1 && fitting.front().is_whole) {
         insertion += so_far.quote != '\0' ? std::string(1, so_far.quote) : "";
         insertion += ' ';
     }
