@@ -13,7 +13,7 @@
 #include "perf-measure/items/nodes.h"
 #include "perf-measure/json/json_show.h"
 #include "platform/kal_time.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_clock.h"
 
 namespace perf_measure {
 
@@ -62,7 +62,7 @@ int show_as_text(const words_command &command) {
     if (const std::string problem = hand_over(command); !problem.empty()) {
         return report_failure(problem);
     }
-    pm_show_on_failure = [](std::uint32_t node, errcode code) { met.push_back({node, code}); };
+    pm_show_on_failure = [](std::uint32_t node, errcode code) { met.push_back({node, code, {}}); };
     const int status = pm_show_dispatch();
     pm_output_flush();
     const int failed = report_failures(failures_that_count(met));
@@ -73,10 +73,10 @@ int show_as_json(const words_command &command, bool pretty) {
     if (const std::string problem = hand_over(command); !problem.empty()) {
         return report_failure(problem);
     }
-    std::string problem;
-    const std::vector<node_failure> failures = write_json(pretty, &problem);
+    std::vector<node_failure> failures;
+    const pm_error unwritten = write_json(pretty, &failures);
     const int failed = report_failures(failures);
-    return problem.empty() ? failed : report_failure(problem);
+    return unwritten ? report_failure(unwritten.text()) : failed;
 }
 
 }  // namespace perf_measure

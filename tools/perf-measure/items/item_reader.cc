@@ -173,20 +173,20 @@ private:
 void read_items(const item_visit &visit, std::vector<node_failure> *failures) {
     pm_show_request request{};
     pm_show_path item_path;
-    if (pm_show_build_request(&request, item_path) != pm_show_build::READY) {
-        failures->push_back({NODEID_NONE, ERRCODE_INVALID_ARGUMENT});
+    if (pm_show_build_request(&request, item_path) != pm_show_build::ready) {
+        failures->push_back({NODEID_NONE, ERRCODE_INVALID_ARGUMENT, {}});
         return;
     }
     reader read(request, visit);
     const bool is_known = pm_show_visit_nodes([&](std::uint32_t node) {
         if (read.more()) {
             if (const errcode code = read.read_node(node); code != ERRCODE_SUCCESS) {
-                failures->push_back({node, code});
+                failures->push_back({node, code, {}});
             }
         }
     });
     if (!is_known) {
-        failures->push_back({NODEID_NONE, ERRCODE_NOT_FOUND});
+        failures->push_back({NODEID_NONE, ERRCODE_NOT_FOUND, {}});
     }
 }
 

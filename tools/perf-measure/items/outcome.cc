@@ -27,7 +27,7 @@ std::size_t count_nodes() {
 
 std::string describe(const node_failure &failure) {
     const std::string where = failure.node == NODEID_NONE ? "the inventory of nodes" : name_of_node(failure.node);
-    return where + ": " + errcode_strerror(failure.code);
+    return where + ": " + (failure.text.empty() ? errcode_strerror(failure.code) : failure.text);
 }
 
 std::vector<node_failure> failures_that_count(const std::vector<node_failure> &met) {

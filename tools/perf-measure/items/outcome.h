@@ -12,6 +12,7 @@ namespace perf_measure {
 struct node_failure {
     std::uint32_t node;  // NODEID_NONE: it is not known which nodes there are
     errcode code;
+    std::string text = {};  // what to say in place of the code's text
 };
 
 // "lc0: Publisher stopped"

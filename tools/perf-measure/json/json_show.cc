@@ -1,11 +1,8 @@
 // The objects and their way out.
 #include "perf-measure/json/json_show.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
-#include <stdexcept>
 #include <unistd.h>
 
 #include "perf-measure/items/item_reader.h"
@@ -13,59 +10,28 @@
 #include "perf-measure/json/chkpt_message.h"
 #include "perf-measure/json/json_text.h"
 #include "perf-measure/json/record_cuts.h"
-#include "perf-store/datasets/record_writer.h"
+#include "perf-store/datasets/output_file.h"
+#include "perf-store/datasets/record_json.h"
 #include "platform/inventory.h"
 
 namespace perf_measure {
 
 namespace {
 
-constexpr std::size_t FULL = 256 * 1024;  // bytes that are written at once
-constexpr int PIPE_SIZE = 1024 * 1024;    // what a system allows to every user
-constexpr errcode NOT_UTF8 = ERRCODE_INVALID_ARGUMENT;
+constexpr int PIPE_SIZE = 1024 * 1024;  // bytes; what a system allows to every user
 
-// Standard output.
-class writer {
-public:
-    explicit writer(bool pretty) : pretty_(pretty) {
-        static_cast<void>(::fcntl(STDOUT_FILENO, F_SETPIPE_SZ, PIPE_SIZE));  // a pipe's reader works beside us
+// Ends the object that began at `begin` of the buffer.
+[[nodiscard]] pm_error end_object(bool pretty, std::size_t begin, perf_store::output_file *out) {
+    std::string &buffer = out->buffer();
+    if (pretty) {
+        const std::string text = indented_json(std::string_view(buffer).substr(begin));
+        buffer.resize(begin);
+        buffer += text;
+    } else {
+        buffer += '\n';
     }
-
-    // The object that is being written.
-    [[nodiscard]] std::string &buffer() { return buffer_; }
-
-    // Ends the object that began at `begin`. False when standard output takes no more.
-    [[nodiscard]] bool end_object(std::size_t begin) {
-        if (pretty_) {
-            const std::string text = indented_json(std::string_view(buffer_).substr(begin));
-            buffer_.resize(begin);
-            buffer_ += text;
-        } else {
-            buffer_ += '\n';
-        }
-        return buffer_.size() < FULL || flush();
-    }
-
-    bool flush() {
-        std::string_view left = buffer_;
-        while (!left.empty() && error_ == 0) {
-            const ssize_t written = ::write(STDOUT_FILENO, left.data(), left.size());
-            if (written < 0 && errno != EINTR) {
-                error_ = errno;
-            }
-            left.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
-        }
-        buffer_.clear();
-        return error_ == 0;
-    }
-
-    [[nodiscard]] int error() const { return error_; }
-
-private:
-    bool pretty_;
-    int error_ = 0;
-    std::string buffer_;
-};
+    return out->flush_when_full();
+}
 
 // "node" and "node_name", the same for all items of a node.
 class node_members {
@@ -84,7 +50,8 @@ private:
     std::string text_;
 };
 
-void append_item(const item &read, const std::string &node, std::string *out) {
+// Appends the members of an item before its record.
+void append_place(const item &read, const std::string &node, std::string *out) {
     *out += node;
     *out += ",\"root\":\"";
     *out += read.root;
@@ -92,10 +59,24 @@ void append_item(const item &read, const std::string &node, std::string *out) {
     append_json_any_text(read.path, out);
     *out += ",\"type\":\"";
     *out += read.type->name;
-    *out += "\",\"record\":";
-    perf_store::append_record(read.record, perf_store::shape_of(read.type).record(), perf_store::json_fields::set, out);
-    append_chkpt_message(read, out);
+    *out += '"';
+}
+
+// An item that JSON cannot hold has an error in place of its record, which is the result.
+[[nodiscard]] pm_error append_item(const item &read, const std::string &node, std::string *out) {
+    append_place(read, node, out);
+    const std::size_t before = out->size();
+    *out += ",\"record\":";
+    pm_error error = perf_store::append_record(read.record, read.type, perf_store::json_fields::set, out);
+    if (error) {
+        out->resize(before);
+        *out += ",\"error\":";
+        append_json_any_text(error.text(), out);
+    } else {
+        append_chkpt_message(read, out);
+    }
     *out += '}';
+    return error;
 }
 
 void append_failure(const node_failure &failure, node_members *nodes, std::string *out) {
@@ -109,11 +90,12 @@ void append_failure(const node_failure &failure, node_members *nodes, std::strin
 
 }  // namespace
 
-std::vector<node_failure> write_json(bool pretty, std::string *problem) {
-    writer out(pretty);
+pm_error write_json(bool pretty, std::vector<node_failure> *failures) {
+    static_cast<void>(::fcntl(STDOUT_FILENO, F_SETPIPE_SZ, PIPE_SIZE));  // a pipe's reader works at the same time
+    perf_store::output_file out;
     node_members nodes;
-    std::vector<node_failure> failures;
     std::vector<node_failure> unwritable;
+    pm_error written;
     read_items(
         [&](const item &read) {
             if (is_left_out(read)) {
@@ -121,28 +103,21 @@ std::vector<node_failure> write_json(bool pretty, std::string *problem) {
             }
             const record_cuts cuts(read);
             const std::size_t begin = out.buffer().size();
-            try {
-                append_item(read, nodes.of(read.node), &out.buffer());
-            } catch (const std::runtime_error &) {  // a text that is not UTF-8, which JSON cannot hold
-                out.buffer().resize(begin);
-                unwritable.push_back({read.node, NOT_UTF8});
-                return true;
+            if (const pm_error error = append_item(read, nodes.of(read.node), &out.buffer())) {
+                unwritable.push_back({read.node, error.code(), std::string(read.path) + ": " + error.text()});
             }
-            return out.end_object(begin);
+            written = end_object(pretty, begin, &out);
+            return !written;
         },
-        &failures);
-    failures = failures_that_count(failures);
-    failures.insert(failures.end(), unwritable.begin(), unwritable.end());
-    for (const node_failure &each : failures) {
+        failures);
+    *failures = failures_that_count(*failures);
+    for (auto each = failures->begin(); each != failures->end() && !written; ++each) {
         const std::size_t begin = out.buffer().size();
-        append_failure(each, &nodes, &out.buffer());
-        static_cast<void>(out.end_object(begin));
+        append_failure(*each, &nodes, &out.buffer());
+        written = end_object(pretty, begin, &out);
     }
-    out.flush();
-    *problem = out.error() != 0 && out.error() != EPIPE
-                   ? std::string("cannot write to standard output: ") + std::strerror(out.error())
-                   : "";
-    return failures;
+    failures->insert(failures->end(), unwritable.begin(), unwritable.end());
+    return written ? written : out.flush();
 }
 
 }  // namespace perf_measure

@@ -1,9 +1,9 @@
 // A show as JSON: one object for each item, each on a line.
 #pragma once
 
-#include <string>
 #include <vector>
 
+#include "base/pm_error.h"
 #include "perf-measure/items/outcome.h"
 
 namespace perf_measure {
@@ -19,8 +19,8 @@ namespace perf_measure {
 // `record` is as in a data set: a member that is zero, false, absent or empty is left out. A checkpoint item also
 // has `message`, its decoded blob. With `pretty` each object is on several lines.
 //
-// The result is what could not be read; `*problem` says why standard output takes no more, and is empty when it
-// does, or when its reader went away.
-[[nodiscard]] std::vector<node_failure> write_json(bool pretty, std::string *problem);
+// The failures are those that count. The error is why standard output takes no more; a reader that goes away ends
+// the program quietly.
+[[nodiscard]] pm_error write_json(bool pretty, std::vector<node_failure> *failures);
 
 }  // namespace perf_measure
