@@ -7,6 +7,7 @@
 
 #include "perf-measure/command_line/version.h"
 #include "perf-measure/phrases/help.h"
+#include "perf-measure/phrases/numbers.h"
 #include "perf-measure/terminal/child_run.h"
 #include "perf-measure/terminal/watch.h"
 
@@ -100,6 +101,7 @@ std::optional<int> read_arguments(std::vector<std::string> arguments, invocation
     settle_watch(&arguments);
 
     CLI::App app(DESCRIPTION, "perf-measure");
+    const std::string as_words = words_of(arguments);  // for those who have the numbers
     app.formatter(std::make_shared<help_formatter>());
     double watch_sec = 0;
     add_options(&app, out, &watch_sec);
@@ -113,7 +115,9 @@ std::optional<int> read_arguments(std::vector<std::string> arguments, invocation
     }
     out->words = app.remaining();
     if (const auto unknown = std::ranges::find_if(out->words, is_option); unknown != out->words.end()) {
-        return report_usage("unknown option " + in_quotes(*unknown) + "; a name that begins with - follows --");
+        return report_usage("unknown option " + in_quotes(*unknown) +
+                            (as_words.empty() ? "; a name that begins with - follows --"
+                                              : "; in words these are: perf-measure " + as_words));
     }
     out->words.insert(out->words.end(), verbatim.begin(), verbatim.end());
     if (app.count("--watch") != 0) {

@@ -10,22 +10,41 @@
 #include "perf-measure/command_line/invocation.h"
 #include "perf-measure/command_line/session.h"
 #include "perf-measure/command_line/show.h"
+#include "perf-measure/phrases/help.h"
+#include "perf-measure/phrases/numbers.h"
+#include "perf-measure/terminal/child_run.h"
+
+using namespace perf_measure;
 
 namespace {
 
-// What the completion of a shell calls: the words of a command line, the last one being completed.
-constexpr std::string_view COMPLETE = "__complete";
+// What no person calls begins so.
+constexpr std::string_view OTHER_USES = "__";
+
+int print(const std::string &text) { return write_fully(STDOUT_FILENO, text) ? EXIT_SHOWN : EXIT_NOT_READ; }
+
+// __complete, for the completion of shells: the words of a command line, the last one being completed. __words and
+// __manual, for documents: the words for options of perf-show, and the commands as a part of the manual page.
+int serve_others(std::string_view use, const std::vector<std::string> &words) {
+    if (use == "__complete") {
+        return print_candidates(words);
+    }
+    if (use == "__words") {
+        const std::string said = words_of(words);
+        return said.empty() ? report_usage("no phrase has these options") : print(said + '\n');
+    }
+    return use == "__manual" ? print(manual_commands()) : report_usage("unknown use");
+}
 
 }  // namespace
 
 int main(int argc, char **argv) {
-    using namespace perf_measure;
     take_time();                    // first of all
     std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away shows as a failed write
     std::signal(SIGXFSZ, SIG_IGN);  // so does a file at its limit
 
-    if (argc > 1 && std::string_view(argv[1]) == COMPLETE) {
-        return print_candidates({argv + 2, argv + argc});
+    if (argc > 1 && std::string_view(argv[1]).starts_with(OTHER_USES)) {
+        return serve_others(argv[1], {argv + 2, argv + argc});
     }
     invocation given;
     if (const std::optional<int> status = read_arguments({argv + 1, argv + argc}, &given)) {

@@ -56,19 +56,6 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
-// "-h 0 (delay), -h 2 (liveness)" of a choice; else perf-show's letters and the value.
-std::string letters_of(const option &each) {
-    if (each.value != value_kind::choice) {
-        std::string text = each.letters;
-        return each.value_name == nullptr ? text : text + ' ' + each.value_name;
-    }
-    std::string text;
-    for (const choice &value : each.choices) {
-        text += (text.empty() ? "" : ", ") + std::string(value.letters) + " (" + value.word + ')';
-    }
-    return text;
-}
-
 std::string option_paragraph(const option &each) {
     std::string text = ".TP\n.B " + escaped(each.word);
     if (each.value == value_kind::choice) {
@@ -146,21 +133,6 @@ std::string manual_commands() {
     });
     for (const option *const each : said) {
         text += option_paragraph(*each);
-    }
-    return text;
-}
-
-std::string phrase_lines() {
-    std::string text;
-    for (const phrase &each : phrases()) {
-        text += each.words + std::string("\t") + each.letters + '\t' + each.help + '\t';
-        std::string options;
-        for_each_option(each, [&](const option &takes) {
-            const std::string letters = letters_of(takes);
-            options += (options.empty() ? "" : "; ") + ('`' + synopsis(takes) + '`') +
-                       (letters.empty() ? "" : " (`" + letters + "`)");
-        });
-        text += options + '\n';
     }
     return text;
 }

@@ -21,8 +21,4 @@ namespace perf_measure {
 // The commands and their options in the notation of manual pages.
 [[nodiscard]] std::string manual_commands();
 
-// A line for each phrase, for the page of commands: words, perf-show's options, help and the options with their
-// letters, separated by tabs.
-[[nodiscard]] std::string phrase_lines();
-
 }  // namespace perf_measure
