@@ -79,11 +79,39 @@ std::vector<option_id> word_parser::options_left() const {
     }
     for (std::size_t i = 0; i < static_cast<std::size_t>(option_id::count); ++i) {
         const auto id = static_cast<option_id>(i);
-        if ((command_.what->options & bit(id)) != 0 && (command_.given & bit(id)) == 0) {
+        if ((command_.what->options & bit(id)) != 0 && !excluding(id)) {
             left.push_back(id);
         }
     }
     return left;
+}
+
+// The option already given that leaves no room for this one: itself, or another of its group.
+std::optional<option_id> word_parser::excluding(option_id id) const {
+    const std::uint8_t group = option_of(id).group;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(option_id::count); ++i) {
+        const auto other = static_cast<option_id>(i);
+        const bool is_given = (command_.given & bit(other)) != 0;
+        if (is_given && (other == id || (group != 0 && option_of(other).group == group))) {
+            return other;
+        }
+    }
+    return {};
+}
+
+// Why an option of the phrase does not fit any more; "" when the word names none.
+std::string word_parser::exclusion_of(std::string_view word) const {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(option_id::count); ++i) {
+        const auto id = static_cast<option_id>(i);
+        const bool is_meant = command_.what != nullptr && (command_.what->options & bit(id)) != 0 &&
+                              begins_with(option_of(id).word, word);
+        if (const std::optional<option_id> other = excluding(id); is_meant && other) {
+            return *other == id
+                       ? in_quotes(word) + " was said already"
+                       : in_quotes(option_of(id).word) + " does not go with " + in_quotes(option_of(*other).word);
+        }
+    }
+    return {};
 }
 
 std::vector<fitting_word> word_parser::fitting() const {
@@ -121,7 +149,8 @@ bool word_parser::take_phrase_word(std::string_view word) {
     const std::vector<fitting_word> words = fitting();
     const std::vector<std::size_t> found = word.empty() ? std::vector<std::size_t>() : match_word(words, word);
     if (found.empty()) {
-        return refuse_unknown(words, word);
+        const std::string excluded = word.empty() ? "" : exclusion_of(word);
+        return excluded.empty() ? refuse_unknown(words, word) : refuse(excluded);
     }
     if (found.size() > 1) {
         std::vector<std::string_view> meant;
@@ -151,12 +180,6 @@ bool word_parser::has_given(std::string_view word) const {
 
 bool word_parser::take_option(option_id id) {
     const option &said = option_of(id);
-    for (std::size_t i = 0; said.group != 0 && i < static_cast<std::size_t>(option_id::count); ++i) {
-        const auto other = static_cast<option_id>(i);
-        if ((command_.given & bit(other)) != 0 && option_of(other).group == said.group) {
-            return refuse(in_quotes(said.word) + " does not go with " + in_quotes(option_of(other).word));
-        }
-    }
     options_begun_ = true;
     command_.given |= bit(id);
     add_taken(said.word);

@@ -61,6 +61,8 @@ private:
     [[nodiscard]] bool take_choice(const option &wanted, std::string_view word);
     [[nodiscard]] bool take_phrase_word(std::string_view word);
     [[nodiscard]] bool take_option(option_id id);
+    [[nodiscard]] std::optional<option_id> excluding(option_id id) const;
+    [[nodiscard]] std::string exclusion_of(std::string_view word) const;
     [[nodiscard]] bool has_given(std::string_view word) const;
     [[nodiscard]] bool refuse_unknown(const std::vector<fitting_word> &words, std::string_view word);
     [[nodiscard]] std::vector<fitting_word> phrase_words() const;
