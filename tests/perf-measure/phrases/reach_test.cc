@@ -46,9 +46,7 @@ TEST(Reach, EveryCommandTypeAndSubtypeHasWords) {
         case pm_show_variant::all_profiles: break;
         case pm_show_variant::named_profile: numbers.emplace_back("-P"); break;
         case pm_show_variant::global_profile: numbers.emplace_back("-S"); break;
-        default:
-            numbers.emplace_back("-t");
-            numbers.push_back(std::to_string(static_cast<std::uint32_t>(row.variant)));
+        default: numbers.emplace_back("-t"); numbers.push_back(std::to_string(static_cast<std::uint32_t>(row.variant)));
         }
         ++commands;
         EXPECT_NE(words_of(numbers), "") << row.type << ' ' << static_cast<std::uint32_t>(row.variant);

@@ -136,6 +136,7 @@ void cut(const pm_profile_parcel &profiles, record_cuts *cuts) {
     const auto is_for = [&o](pm_transport_type_e transport) {
         return !o.profile_type_set || o.profile_type == static_cast<std::uint32_t>(transport);
     };
+    keep_if(any && !o.profile_type_set, profiles.LossProfile, cuts);
     const pm_delay_profile_parcel &delays = profiles.DelayProfile;
     keep_if((any || delay) && is_for(PM_TRANSPORT_INTERFACE), delays.InterfaceDelayProfile, cuts);
     keep_if((any || delay) && is_for(PM_TRANSPORT_RSVP_TE), delays.RSVP_TEDelayProfile, cuts);

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <poll.h>
 #include <string_view>
@@ -192,6 +193,8 @@ int watch_on_screen(const std::function<int()> &body, double interval_sec, const
     for (;;) {
         const clock::time_point begun = clock::now();
         std::string text;
+        // What fits its output to the terminal cannot ask the pipe that it writes to.
+        ::setenv("COLUMNS", std::to_string(size_of_terminal(STDOUT_FILENO).columns).c_str(), 1);
         const int status = run_once(body, &text);
         if (const int signal = signals.ending(); signal != 0) {
             return EXIT_BY_SIGNAL + signal;
