@@ -1,4 +1,4 @@
-// See registration.h.
+// Registers all descriptors of the catalogue with the codec.
 #include "schema/registration.h"
 
 errcode pm_register_parcels(std::span<const parcel_descriptor *const> descriptors) {
