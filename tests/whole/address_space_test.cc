@@ -49,15 +49,15 @@ TEST_F(AddressSpace, TooSmallForTheFileIsAClearError) {
     write_file(folder_.path() + "/set", set);
     ASSERT_EQ(run("perf-store load " + folder_.path() + "/set").err, "");
     for (const char *command : {" dump", " stat", " ls"}) {
-        const command_result limited = run(LESS_THAN_THE_FILE + "perf-store" + command);
+        const command_result limited = run(LESS_THAN_THE_FILE + std::string("perf-store") + command);
         EXPECT_EQ(limited.signal, 0) << command;
         EXPECT_EQ(limited.status, 1) << command;
         EXPECT_EQ(limited.err, "perf-store: lmdb:" + folder_.path() + ": Not enough memory\n") << command;
     }
-    const command_result show = run(LESS_THAN_THE_FILE + "perf-show -c 9 -N 0x100");
+    const command_result show = run(LESS_THAN_THE_FILE + std::string("perf-show -c 9 -N 0x100"));
     EXPECT_EQ(show.signal, 0);
     EXPECT_NE(show.err.find("Not enough memory"), std::string::npos) << show.err;
-    const command_result load = run(LESS_THAN_THE_FILE + "perf-store load \"$EXAMPLE\"");
+    const command_result load = run(LESS_THAN_THE_FILE + std::string("perf-store load \"$EXAMPLE\""));
     EXPECT_EQ(load.signal, 0);
     EXPECT_EQ(load.status, 1);
     EXPECT_NE(load.err, "");
