@@ -142,6 +142,23 @@ TEST_F(Commands, WrongUsageIsStatusTwo) {
     }
 }
 
+TEST_F(Commands, AWordThatIsNoCommandIsNamedWithTheNearestOne) {
+    const outcome wrong = run({"laod", "set.ndjson"});
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.out, "");
+    EXPECT_EQ(wrong.error, "perf-store: unknown command laod; did you mean load? (perf-store --help tells more)\n");
+    EXPECT_EQ(run({"frobnicate"}).error, "perf-store: unknown command frobnicate (perf-store --help tells more)\n");
+}
+
+TEST_F(Commands, WhatTheParserRefusesIsToldInTheProgramsName) {
+    for (const std::vector<std::string> &call :
+         std::vector<std::vector<std::string>>{{}, {"--no-such"}, {"load"}, {"ls", "--root", "tx"}}) {
+        const outcome wrong = run(call);
+        EXPECT_EQ(wrong.status, 2);
+        EXPECT_TRUE(wrong.error.starts_with("perf-store: ")) << wrong.error;
+    }
+}
+
 // Types and schemas ------------------------------------------------------------------------------
 
 TEST_F(Commands, TypesListsEveryTypeWithVersionAndSize) {

@@ -77,8 +77,8 @@ TEST(RecordJson, AFieldGivenTwiceIsRefused) {
 }
 
 TEST(RecordJson, NamesAreTakenToTheLetter) {
-    EXPECT_EQ(refusal(VALUES, R"({"average":1})"), "average: unknown field");
-    EXPECT_EQ(refusal(VALUES, R"({"Average ":1})"), "Average : unknown field");
+    EXPECT_EQ(refusal(VALUES, R"({"average":1})"), "average: unknown field; did you mean Average?");
+    EXPECT_EQ(refusal(VALUES, R"({"Average ":1})"), "Average : unknown field; did you mean Average?");
     const std::string empty = refusal(VALUES, R"({"":1})");
     EXPECT_TRUE(empty.ends_with("unknown field")) << empty;
     EXPECT_EQ(empty.find('['), std::string::npos) << empty << " looks like an element of an array";

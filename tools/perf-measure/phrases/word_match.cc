@@ -2,10 +2,9 @@
 #include "perf-measure/phrases/word_match.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <numeric>
 
+#include "base/pm_word_distance.h"
 #include "perf-measure/phrases/phrase_table.h"
 
 namespace perf_measure {
@@ -16,35 +15,8 @@ constexpr std::size_t LONGEST_COMPARED = 40;  // bytes of words for which distan
 constexpr std::size_t SHORTEST_PART = 3;      // of a word that is taken for a part of another
 constexpr std::size_t LONGEST_QUOTE = 60;
 
-char lower(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter; }
-
-bool same_letter(char left, char right) { return lower(left) == lower(right); }
-
 bool contains(std::string_view word, std::string_view part) {
-    return !std::ranges::search(word, part, same_letter).empty();
-}
-
-using distance_row = std::array<std::size_t, LONGEST_COMPARED + 1>;
-
-// Letters to insert, remove, replace or swap with their neighbour between two short words.
-std::size_t distance(std::string_view from, std::string_view to) {
-    distance_row before{};
-    distance_row above{};
-    std::iota(above.begin(), above.end(), std::size_t{0});
-    for (std::size_t i = 1; i <= from.size(); ++i) {
-        distance_row row{};
-        row[0] = i;
-        for (std::size_t j = 1; j <= to.size(); ++j) {
-            const std::size_t replaced = above[j - 1] + (same_letter(from[i - 1], to[j - 1]) ? 0 : 1);
-            row[j] = std::min({above[j] + 1, row[j - 1] + 1, replaced});
-            if (i > 1 && j > 1 && same_letter(from[i - 1], to[j - 2]) && same_letter(from[i - 2], to[j - 1])) {
-                row[j] = std::min(row[j], before[j - 2] + 1);
-            }
-        }
-        before = above;
-        above = row;
-    }
-    return above[to.size()];
+    return !std::ranges::search(word, part, pm_same_letter).empty();
 }
 
 bool is_synonym(std::string_view typed, std::string_view word) {
@@ -63,12 +35,12 @@ std::size_t remoteness(std::string_view typed, std::string_view word) {
     }
     const std::size_t allowed = typed.size() < SHORTEST_PART ? 0 : 1 + typed.size() / 5;
     if (typed.size() <= LONGEST_COMPARED && word.size() <= LONGEST_COMPARED) {
-        const std::size_t whole = distance(typed, word);
+        const std::size_t whole = pm_word_distance(typed, word);
         if (whole <= allowed) {
             return whole;
         }
         // A mistyped abbreviation.
-        const std::size_t begun = distance(typed, word.substr(0, typed.size()));
+        const std::size_t begun = pm_word_distance(typed, word.substr(0, typed.size()));
         if (typed.size() > SHORTEST_PART && begun <= 1) {
             return allowed + begun;
         }
@@ -79,7 +51,8 @@ std::size_t remoteness(std::string_view typed, std::string_view word) {
 }  // namespace
 
 bool begins_with(std::string_view word, std::string_view beginning) {
-    return word.size() >= beginning.size() && std::equal(beginning.begin(), beginning.end(), word.begin(), same_letter);
+    return word.size() >= beginning.size() &&
+           std::equal(beginning.begin(), beginning.end(), word.begin(), pm_same_letter);
 }
 
 std::vector<std::size_t> match_word(const std::vector<fitting_word> &words, std::string_view typed) {
