@@ -57,6 +57,9 @@ public:
     void sent(const moment &now, std::uint64_t stamp_bits) override;
     void send_failed(std::uint32_t sequence, send_failure reason) override;
     [[nodiscard]] std::uint32_t next_sequence() const override { return window_.next_sequence(); }
+    [[nodiscard]] bool owns(std::uint32_t sequence, std::uint64_t stamp_bits) override {
+        return window_.owns(sequence, stamp_bits);
+    }
     void on_transmit_stamp(std::uint32_t sequence, wall_nsec time) override;
     reply_kind on_reply(const reply &answer) override;
 

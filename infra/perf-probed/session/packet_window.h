@@ -51,6 +51,11 @@ public:
     // Null when it is not remembered.
     [[nodiscard]] sent_packet *find(std::uint32_t sequence);
 
+    [[nodiscard]] bool owns(std::uint32_t sequence, std::uint64_t stamp_bits) {
+        const sent_packet *const packet = find(sequence);
+        return packet != nullptr && packet->stamp_bits == stamp_bits;
+    }
+
     // Classifies an answer and marks its packet as answered. `*packet` is null for unknown ones. `*reordered` says
     // whether a timely answer's packet was sent before one that was answered already.
     [[nodiscard]] reply_kind accept(std::uint32_t sequence, std::uint64_t stamp_bits, sent_packet **packet,

@@ -40,6 +40,7 @@ public:
         count_failure(reason);
     }
     [[nodiscard]] std::uint32_t next_sequence() const override { return sequence_; }
+    [[nodiscard]] bool owns(std::uint32_t, std::uint64_t) override { return false; }
     void on_transmit_stamp(std::uint32_t, wall_nsec) override {}
     reply_kind on_reply(const reply &) override { return reply_kind::unknown; }
 

@@ -93,6 +93,8 @@ public:
     // It did not: the packet that was reported with `sent` is taken back.
     virtual void send_failed(std::uint32_t sequence, send_failure reason) = 0;
     [[nodiscard]] virtual std::uint32_t next_sequence() const = 0;
+    // Whether a packet with this number and these time stamp bits was sent lately.
+    [[nodiscard]] virtual bool owns(std::uint32_t sequence, std::uint64_t stamp_bits) = 0;
     // The kernel says when a packet left.
     virtual void on_transmit_stamp(std::uint32_t sequence, wall_nsec time) = 0;
     // Returns how the answer was classified.
