@@ -86,7 +86,7 @@ TEST(Descriptors, AUnionHasItsDiscriminatorInTheFullSchemaOnly) {
     EXPECT_NE(compact.find("$60=?(,0:$57.,1:v,2:$58.,3:$59.);"), std::string::npos);
 }
 
-TEST(Descriptors, AUnionLaysItsArmsBehindTheDiscriminator) {
+TEST(Descriptors, AUnionLaysItsArmsAfterTheDiscriminator) {
     const parcel_descriptor *segment = pm_segment_parcel_descriptor();
     for (std::uint64_t i = 1; i <= segment->layout[0].number; ++i) {
         if (segment->layout[i].number == 55) {  // an address: IPv4, IPv6, none

@@ -92,7 +92,7 @@ TEST_P(EveryRecordType, NamesItsFieldsAsTheSchemaSpellsThem) {
     const std::string json = written(zero.data(), type);
     const record_type schema(type);
     std::size_t at = 0;
-    for (const parcel_notation::field &field : schema.schema().definitions[0].fields) {
+    for (const parcel_notation::field &field : schema.record().fields) {
         const std::string member = (at == 0 ? "{\"" : ",\"") + std::string(field.name) + "\":";
         const std::size_t found = json.find(member, at);
         ASSERT_NE(found, std::string::npos) << member << " in " << json;

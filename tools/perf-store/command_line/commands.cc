@@ -2,12 +2,13 @@
 #include "perf-store/command_line/commands.h"
 
 #include <cstdio>
-#include <map>
+#include <memory>
 
 #include "perf-store/datasets/dataset_loader.h"
 #include "perf-store/datasets/store_reader.h"
 #include "perf-store/datasets/value_text.h"
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/back_ends/writers.h"
+#include "platform/local/store/store_url.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
@@ -40,24 +41,24 @@ int report_done(const std::string &what) {
 }
 
 int run_load(const std::vector<std::string> &files, bool replace) {
-    store::writer store;
-    store::problem problem = store.begin(store::configured_url());
-    if (problem.empty() && replace) {
-        problem = store.clear();
+    std::unique_ptr<store::writer> writer;
+    pm_error error = store::open_writer(store::configured_url(), store::missing_store::make, &writer);
+    if (!error && replace) {
+        error = writer->clear();
     }
-    if (!problem.empty()) {
-        return report(problem);
+    if (error) {
+        return report(store::describe(error));
     }
-    dataset_loader loader(&store);
+    dataset_loader loader(writer.get());
     for (const std::string &file : files) {
         if (const std::string refused = loader.load(file); !refused.empty()) {
             static_cast<void>(std::fprintf(stderr, "%s\n", refused.c_str()));
             return EXIT_REFUSED;
         }
     }
-    problem = store.commit();
-    if (!problem.empty()) {
-        return report(problem);
+    error = writer->commit();
+    if (error) {
+        return report(store::describe(error));
     }
     return report_done("loaded " + std::to_string(loader.items()) + " items");
 }
@@ -71,23 +72,27 @@ int run_dump(const dump_filter &filter) {
 int run_stat() {
     usage total;
     print("%-6s %10s %12s %14s\n", "root", "node", "items", "bytes");
-    for (const store::root_name &root : store::ROOTS) {
-        std::map<std::uint32_t, usage> nodes;
-        const std::string problem = for_each_key(store::key(store::key_space::item) + static_cast<char>(root.id),
-                                                 [&](std::string_view key, std::string_view value) {
-                                                     usage &branch = nodes[parse_item_key(key).node];
-                                                     ++branch.items;
-                                                     branch.bytes += value.size();
-                                                     return std::string();
-                                                 });
+    store::reader *from = nullptr;
+    std::vector<store::branch> branches;
+    if (const std::string problem = open_store(&from); !problem.empty()) {
+        return report(problem);
+    }
+    if (const pm_error error = from->branches(&branches)) {
+        return report(store::describe(error));
+    }
+    for (const store::branch &each : branches) {
+        usage branch;
+        const std::string problem = for_each_item(from, each, "", [&](const item_key &, std::string_view parcel) {
+            ++branch.items;
+            branch.bytes += parcel.size();
+            return std::string();
+        });
         if (!problem.empty()) {
             return report(problem);
         }
-        for (const auto &[node, branch] : nodes) {
-            print("%-6s %#10x %12llu %14llu\n", root.word, node, branch.items, branch.bytes);
-            total.items += branch.items;
-            total.bytes += branch.bytes;
-        }
+        print("%-6s %#10x %12llu %14llu\n", root_name_of(each.data_root).word, each.node, branch.items, branch.bytes);
+        total.items += branch.items;
+        total.bytes += branch.bytes;
     }
     print("%-6s %10s %12llu %14llu\n", "all", "", total.items, total.bytes);
     return EXIT_DONE;
@@ -110,7 +115,8 @@ int run_schema(const std::string &name) {
           type->version_minor, type->library, static_cast<unsigned long long>(type->layout[0].size));
     print("%8s %8s  %-24s %s\n", "offset", "size", "type", "field");
     for (const field_shape &field : shape_of(type).record().fields) {
-        print("%8u %8u  %-24s %s\n", field.offset, field.type->size, field.type->notation.c_str(), field.name.c_str());
+        print("%8u %8u  %-24s %s\n", field.offset, field.type->size, std::string(field.type->notation).c_str(),
+              std::string(field.name).c_str());
     }
     print("\nschema  %s\ncompact %s\n", type->schema, type->compact_schema);
     return EXIT_DONE;

@@ -5,16 +5,16 @@
 #include "perf-store/command_line/output_file.h"
 #include "perf-store/datasets/store_reader.h"
 #include "perf-store/datasets/value_text.h"
+#include "platform/local/back_ends/writers.h"
 #include "platform/local/codec/parcel_codec.h"
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/store/store_url.h"
 
 namespace perf_store {
 
 namespace {
 
-bool is_selected(const dump_filter &filter, const item_key &item) {
-    return (!filter.root || *filter.root == item.root.id) && (!filter.node || *filter.node == item.node) &&
-           item.path.starts_with(filter.path_prefix);
+bool is_selected(const dump_filter &filter, const store::branch &branch) {
+    return (!filter.root || *filter.root == branch.data_root) && (!filter.node || *filter.node == branch.node);
 }
 
 // "main 0x100 pm_intf_parcel intf/detail/eth0/1/0/4": the path last, since it may hold blanks.
@@ -34,16 +34,20 @@ void append_line(const item_key &item, std::string_view parcel, std::string *out
 }  // namespace
 
 int run_ls(const dump_filter &filter) {
+    store::reader *from = nullptr;
+    std::vector<store::branch> branches;
+    if (const std::string problem = open_store(&from); !problem.empty()) {
+        return report(problem);
+    }
+    if (const pm_error error = from->branches(&branches)) {
+        return report(store::describe(error));
+    }
     output_file out;
     std::string problem;
-    for (const store::root_name &root : store::ROOTS) {
-        const std::string prefix = store::key(store::key_space::item) + static_cast<char>(root.id);
-        if (problem.empty()) {
-            problem = for_each_key(prefix, [&](std::string_view key, std::string_view parcel) {
-                const item_key item = parse_item_key(key);
-                if (is_selected(filter, item)) {
-                    append_line(item, parcel, &out.buffer());
-                }
+    for (const store::branch &each : branches) {
+        if (problem.empty() && is_selected(filter, each)) {
+            problem = for_each_item(from, each, filter.path_prefix, [&](const item_key &item, std::string_view parcel) {
+                append_line(item, parcel, &out.buffer());
                 return out.flush_when_full();
             });
         }
@@ -54,49 +58,50 @@ int run_ls(const dump_filter &filter) {
 }
 
 int run_get(const store::root_name &root, std::uint32_t node, const std::string &path) {
-    const std::string wanted = store::branch_key(store::key_space::item, root.id, node) + path;
-    const item_key item{root, node, path};
-    output_file out;
-    bool found = false;
-    std::string problem = for_each_key(wanted, [&](std::string_view key, std::string_view parcel) {
-        found = key == wanted;
-        const std::string wrong = found ? append_item(item, parcel, json_fields::all, &out.buffer()) : "";
-        return wrong.empty() ? std::string(STOP) : wrong;
-    });
-    if (problem == STOP || problem.empty()) {
-        problem = found ? out.flush() : describe_item(item) + ": " + errcode_strerror(ERRCODE_NOT_FOUND);
+    store::reader *from = nullptr;
+    if (const std::string problem = open_store(&from); !problem.empty()) {
+        return report(problem);
     }
+    const item_key item{root, node, path};
+    store::batch first;
+    if (const pm_error error = from->list({root.id, node}, {path, "", 1, {}}, nullptr, &first)) {
+        return report(store::describe(error));
+    }
+    if (first.items().empty() || first.items().front().path != path) {
+        return report(describe_item(item) + ": " + errcode_strerror(ERRCODE_NOT_FOUND));
+    }
+    output_file out;
+    std::string problem = append_item(item, first.items().front().parcel, json_fields::all, &out.buffer());
+    problem = problem.empty() ? out.flush() : problem;
     return problem.empty() ? EXIT_DONE : report(problem);
 }
 
 int run_rm(const store::root_name &root, std::uint32_t node, const std::vector<std::string> &paths, bool recursive) {
-    const char *folder = store::folder_of(store::configured_url());
-    if (folder != nullptr && store::check_file(folder) == OPSTORE_NO_CLIENT) {  // only load makes a store
-        return report(describe_store(OPSTORE_NO_CLIENT));
-    }
-    store::writer store;
-    store::problem problem = store.begin(store::configured_url());
+    const store::branch branch{root.id, node};
+    std::unique_ptr<store::writer> writer;
+    pm_error error = store::open_writer(store::configured_url(), store::missing_store::refuse, &writer);
     for (const std::string &path : paths) {  // what one path removes another may name too
         bool found = false;
-        if (problem.empty()) {
-            problem = store.has_item(root.id, node, path, recursive, &found);
+        if (!error) {
+            error = writer->has_item(branch, path, recursive, &found);
         }
-        if (problem.empty() && !found) {
-            problem = describe_item({root, node, path}) + ": " + errcode_strerror(ERRCODE_NOT_FOUND);
+        if (!error && !found) {
+            error = pm_error(ERRCODE_NOT_FOUND,
+                             describe_item({root, node, path}) + ": " + errcode_strerror(ERRCODE_NOT_FOUND));
         }
     }
     std::uint64_t removed = 0;
     for (const std::string &path : paths) {
-        if (problem.empty()) {
-            problem = store.remove_item(root.id, node, path, &removed);
+        if (!error) {
+            error = writer->remove_item(branch, path, &removed);
         }
-        if (problem.empty() && recursive) {
-            problem = store.remove_below(root.id, node, path, &removed);
+        if (!error && recursive) {
+            error = writer->remove_below(branch, path, &removed);
         }
     }
-    problem = problem.empty() ? store.commit() : problem;
-    if (!problem.empty()) {
-        return report(problem);
+    error = error ? error : writer->commit();
+    if (error) {
+        return report(store::describe(error));
     }
     return report_done("removed " + std::to_string(removed) + " items");
 }

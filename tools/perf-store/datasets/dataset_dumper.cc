@@ -14,6 +14,7 @@
 #include "platform/local/codec/parcel_codec.h"
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
+#include "platform/local/store/store_url.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
@@ -64,7 +65,8 @@ std::string with_record(const std::string &what, std::string_view parcel, const 
 
 class dumper {
 public:
-    dumper(const dump_filter &filter, output_file *out) : filter_(filter), out_(*out), line_(out->buffer()) {}
+    dumper(const dump_filter &filter, store::reader *from, output_file *out)
+        : filter_(filter), from_(*from), out_(*out), line_(out->buffer()) {}
 
     std::string run() {
         line_ += "{\"dataset\":{\"version\":";
@@ -72,58 +74,20 @@ public:
         line_ += "}}\n";
         std::string problem;
         if (filter_.everything()) {
-            problem =
-                each(store::key_space::platform, [this](auto key, auto value) { return dump_platform(key, value); });
-            and_then(&problem, store::key_space::node, [this](auto key, auto value) { return dump_node(key, value); });
-            and_then(&problem, store::key_space::interface,
-                     [this](auto key, auto value) { return dump_interface(key, value); });
+            problem = dump_platform();
+            problem = problem.empty() ? dump_nodes() : problem;
+            problem = problem.empty() ? dump_interfaces() : problem;
         }
-        dump_branches(&problem, store::key_space::publisher,
-                      [this](auto key, auto value) { return dump_publisher(key, value); });
-        dump_branches(&problem, store::key_space::item, [this](auto key, auto value) { return dump_item(key, value); });
-        return problem;
+        problem = problem.empty() ? dump_publishers() : problem;
+        return problem.empty() ? dump_items() : problem;
     }
 
-    // Keys seen, of whatever kind.
-    [[nodiscard]] std::size_t keys() const { return keys_; }
+    // Records seen, of whatever kind.
+    [[nodiscard]] std::uint64_t records() const { return records_; }
 
 private:
-    template <class Dump>
-    std::string for_each(std::string_view prefix, Dump dump) {
-        return for_each_key(prefix, [&](std::string_view key, std::string_view parcel) {
-            ++keys_;
-            return dump(key, parcel);
-        });
-    }
-
-    template <class Dump>
-    std::string each(store::key_space space, Dump dump) {
-        return for_each(store::key(space), dump);
-    }
-
-    template <class Dump>
-    void and_then(std::string *problem, store::key_space space, Dump dump) {
-        if (problem->empty()) {
-            *problem = each(space, dump);
-        }
-    }
-
-    // The keys of all selected branches, by root and node.
-    template <class Dump>
-    void dump_branches(std::string *problem, store::key_space space, Dump dump) {
-        for (const store::root_name &root : store::ROOTS) {
-            if (!problem->empty() || (filter_.root && *filter_.root != root.id)) {
-                continue;
-            }
-            std::string prefix = store::key(space) + static_cast<char>(root.id);
-            if (filter_.node) {
-                prefix = store::branch_key(space, root.id, *filter_.node);
-                if (space == store::key_space::item) {
-                    prefix += filter_.path_prefix;
-                }
-            }
-            *problem = for_each(prefix, dump);
-        }
+    [[nodiscard]] bool selects(const store::branch &branch) const {
+        return (!filter_.root || *filter_.root == branch.data_root) && (!filter_.node || *filter_.node == branch.node);
     }
 
     void begin_object(const char *name) {
@@ -153,8 +117,14 @@ private:
         return out_.flush_when_full();
     }
 
-    std::string dump_platform(std::string_view /*key*/, std::string_view value) {
-        return with_record("platform", value, local_platform_descriptor(), &line_, [&](const decoded &decoded) {
+    std::string dump_platform() {
+        std::string parcel;
+        const pm_error error = from_.platform(&parcel);
+        if (error) {
+            return error.code() == ERRCODE_NOT_FOUND ? "" : store::describe(error);
+        }
+        ++records_;
+        return with_record("platform", parcel, local_platform_descriptor(), &line_, [&](const decoded &decoded) {
             const auto &record = decoded.as<local_platform>();
             begin_object("platform");
             if (record.MyNode != nullptr) {
@@ -182,8 +152,21 @@ private:
         });
     }
 
-    std::string dump_node(std::string_view /*key*/, std::string_view value) {
-        return with_record("node", value, local_node_descriptor(), &line_, [&](const decoded &decoded) {
+    std::string dump_nodes() {
+        std::vector<std::string> parcels;
+        if (const pm_error error = from_.nodes(&parcels)) {
+            return store::describe(error);
+        }
+        std::string problem;
+        for (std::size_t i = 0; problem.empty() && i < parcels.size(); ++i) {
+            problem = dump_node(parcels[i]);
+        }
+        return problem;
+    }
+
+    std::string dump_node(std::string_view parcel) {
+        ++records_;
+        return with_record("node", parcel, local_node_descriptor(), &line_, [&](const decoded &decoded) {
             const auto &record = decoded.as<local_node>();
             begin_object("node");
             add_number("id", record.Id);
@@ -202,51 +185,96 @@ private:
         });
     }
 
-    std::string dump_interface(std::string_view key, std::string_view value) {
-        return with_record("interface", value, local_interface_descriptor(), &line_, [&](const decoded &decoded) {
-            const char *name = decoded.as<local_interface>().Name;
-            begin_object("interface");
-            add_number("handle", parse_number(key.substr(1)));
-            add_text("name", name != nullptr ? name : "");
-            return end_object();
-        });
+    std::string dump_interfaces() {
+        std::vector<store::interface_entry> entries;
+        std::uint64_t from = 0;
+        std::string problem;
+        do {
+            if (const pm_error error = from_.interfaces(from, &entries)) {
+                return store::describe(error);
+            }
+            for (std::size_t i = 0; problem.empty() && i < entries.size(); ++i) {
+                problem = dump_interface(entries[i]);
+                from = std::uint64_t{entries[i].handle} + 1;
+            }
+        } while (problem.empty() && !entries.empty());
+        return problem;
     }
 
-    std::string dump_publisher(std::string_view key, std::string_view value) {
-        const item_key branch = parse_item_key(key);
-        return with_record("publisher", value, local_publisher_descriptor(), &line_, [&](const decoded &decoded) {
-            const auto state = static_cast<store::publisher_state>(decoded.as<local_publisher>().State);
-            const char *word = nullptr;
-            for (const state_name &each : PUBLISHER_STATES) {
-                word = each.state == state ? each.word : word;
-            }
-            if (word == nullptr) {
-                throw std::runtime_error("unknown state");
-            }
-            begin_object("publisher");
-            add_text("root", branch.root.word);
-            add_number("node", branch.node);
-            add_text("state", word);
-            return end_object();
-        });
+    std::string dump_interface(const store::interface_entry &entry) {
+        ++records_;
+        return with_record("interface", entry.parcel, local_interface_descriptor(), &line_,
+                           [&](const decoded &decoded) {
+                               const char *name = decoded.as<local_interface>().Name;
+                               begin_object("interface");
+                               add_number("handle", entry.handle);
+                               add_text("name", name != nullptr ? name : "");
+                               return end_object();
+                           });
     }
 
-    std::string dump_item(std::string_view key, std::string_view value) {
-        const item_key item = parse_item_key(key);
-        if (!item.path.starts_with(filter_.path_prefix)) {
-            return "";
+    std::string dump_publishers() {
+        std::vector<store::publisher_entry> entries;
+        if (const pm_error error = from_.publishers(&entries)) {
+            return store::describe(error);
         }
+        std::string problem;
+        for (std::size_t i = 0; problem.empty() && i < entries.size(); ++i) {
+            problem = selects(entries[i].served) ? dump_publisher(entries[i]) : "";
+        }
+        return problem;
+    }
+
+    std::string dump_publisher(const store::publisher_entry &entry) {
+        ++records_;
+        return with_record(
+            "publisher", entry.parcel, local_publisher_descriptor(), &line_, [&](const decoded &decoded) {
+                const auto state = static_cast<store::publisher_state>(decoded.as<local_publisher>().State);
+                const char *word = nullptr;
+                for (const state_name &each : PUBLISHER_STATES) {
+                    word = each.state == state ? each.word : word;
+                }
+                if (word == nullptr) {
+                    throw std::runtime_error("unknown state");
+                }
+                begin_object("publisher");
+                add_text("root", root_name_of(entry.served.data_root).word);
+                add_number("node", entry.served.node);
+                add_text("state", word);
+                return end_object();
+            });
+    }
+
+    std::string dump_items() {
+        std::vector<store::branch> branches;
+        if (const pm_error error = from_.branches(&branches)) {
+            return store::describe(error);
+        }
+        std::string problem;
+        for (std::size_t i = 0; problem.empty() && i < branches.size(); ++i) {
+            if (selects(branches[i])) {
+                problem = for_each_item(
+                    &from_, branches[i], filter_.path_prefix,
+                    [this](const item_key &item, std::string_view parcel) { return dump_item(item, parcel); });
+            }
+        }
+        return problem;
+    }
+
+    std::string dump_item(const item_key &item, std::string_view parcel) {
+        ++records_;
         progress_.advance(++items_, 0);
-        std::string problem = append_item(item, value, json_fields::set, &line_);
+        std::string problem = append_item(item, parcel, json_fields::set, &line_);
         return problem.empty() ? out_.flush_when_full() : problem;
     }
 
     const dump_filter &filter_;
+    store::reader &from_;
     output_file &out_;
     std::string &line_;
     bool first_ = true;
     std::uint64_t items_ = 0;
-    std::size_t keys_ = 0;
+    std::uint64_t records_ = 0;
     progress progress_{"dumping", 0};
 };
 
@@ -254,43 +282,21 @@ private:
 
 namespace {
 
-// How many keys the store holds, and in which state.
-struct store_extent {
-    std::size_t entries = 0;
-    std::size_t transaction = 0;
-};
-
-store_extent extent_of(store::environment *store) {
-    store_extent extent;
-    static_cast<void>(store->read([&](const store::view &state) {  // a failure shows in the dump itself
-        extent = {state.entries(), state.transaction()};
-        return ERRCODE_SUCCESS;
-    }));
-    return extent;
-}
-
-std::size_t keys_in(store::key_space space, std::string *problem) {
-    std::size_t keys = 0;
-    if (problem->empty()) {
-        *problem = for_each_key(store::key(space), [&](std::string_view, std::string_view) {
-            ++keys;
-            return std::string();
-        });
-    }
-    return keys;
+store::census count_of(store::reader *from) {
+    store::census result;
+    static_cast<void>(from->count(&result));  // a failure shows in the dump itself
+    return result;
 }
 
 // Dumps everything and compares how much that was with what the store says it holds, unless it changed
 // meanwhile: a damaged tree can lose items without a sign.
-std::string dump_counted(store::environment *store, const dump_filter &filter, output_file *out) {
-    const store_extent before = extent_of(store);
-    dumper whole(filter, out);
-    std::string problem = whole.run();
-    const std::size_t keys =
-        whole.keys() + keys_in(store::key_space::format, &problem) + keys_in(store::key_space::schema, &problem);
-    const store_extent after = extent_of(store);
-    const bool lost = before.transaction == after.transaction && keys != after.entries;
-    return problem.empty() && lost ? describe_store(OPSTORE_DAMAGED) : problem;
+std::string dump_counted(store::reader *from, const dump_filter &filter, output_file *out) {
+    const store::census before = count_of(from);
+    dumper whole(filter, from, out);
+    const std::string problem = whole.run();
+    const store::census after = count_of(from);
+    const bool lost = before.state == after.state && whole.records() != after.records;
+    return problem.empty() && lost ? store::describe(pm_error(OPSTORE_DAMAGED)) : problem;
 }
 
 }  // namespace
@@ -324,11 +330,11 @@ std::string append_item(const item_key &item, std::string_view parcel, json_fiel
 }
 
 std::string dump_store(const dump_filter &filter, output_file *out) {
-    store::environment *store = nullptr;
-    if (const errcode failure = store::environment::shared(&store); failure != ERRCODE_SUCCESS) {
-        return describe_store(failure);
+    store::reader *from = nullptr;
+    if (std::string problem = open_store(&from); !problem.empty()) {
+        return problem;
     }
-    std::string problem = filter.everything() ? dump_counted(store, filter, out) : dumper(filter, out).run();
+    std::string problem = filter.everything() ? dump_counted(from, filter, out) : dumper(filter, from, out).run();
     const std::string flushed = out->flush();
     return problem.empty() ? flushed : problem;
 }

@@ -9,7 +9,6 @@
 #include "perf-store/command_line/output_file.h"
 #include "perf-store/datasets/record_writer.h"
 #include "perf-store/datasets/store_reader.h"
-#include "platform/local/lmdb_store/store.h"
 
 namespace perf_store {
 

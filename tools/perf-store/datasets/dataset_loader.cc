@@ -120,9 +120,9 @@ std::string dataset_loader::load(const std::string &file) {
     }
 }
 
-void dataset_loader::stored(const store::problem &problem) {
-    if (!problem.empty()) {
-        throw store_error(problem);
+void dataset_loader::stored(const pm_error &error) {
+    if (error) {
+        throw store_error(error.text());
     }
 }
 
@@ -209,7 +209,7 @@ void dataset_loader::load_platform(const json_node &node) {
                  [&](const json_node &value) { record.RpPlusDatapath = reader_.read_boolean(value) ? 1 : 0; });
     all.optional("active_rp", [&](const json_node &value) { record.ActiveRp = keep_u32(value); });
     all.optional("process_group_partners", [&](const json_node &value) { load_partners(value, &record); });
-    stored(store_->put_platform(&record));
+    stored(writer_->put_platform(&record));
 }
 
 void dataset_loader::load_partners(const json_node &node, void *local_platform_record) {
@@ -245,7 +245,7 @@ void dataset_loader::load_node(const json_node &node) {
         }
         record.Location = &location;
     });
-    stored(store_->put_node(record.Id, &record));
+    stored(writer_->put_node(record.Id, &record));
 }
 
 void dataset_loader::load_interface(const json_node &node) {
@@ -254,7 +254,7 @@ void dataset_loader::load_interface(const json_node &node) {
     const members all(this, node, {"handle", "name"});
     all.required("handle", [&](const json_node &value) { handle = read_u32(value); });
     all.required("name", [&](const json_node &value) { record.Name = keep_text(value); });
-    stored(store_->put_interface(handle, &record));
+    stored(writer_->put_interface(handle, &record));
 }
 
 void dataset_loader::load_item(const json_node &node) {
@@ -275,11 +275,11 @@ void dataset_loader::load_item(const json_node &node) {
     all.required("record", [&](const json_node &value) {
         reader_.require(value, json_kind::object);
         const void *record = reader_.read(value, shape_of(type).record());
-        store::problem problem = store_->put_item(root, node_id, path, record, type);
-        if (problem == store::TOO_DEEP) {
-            reader_.fail(value, problem);
+        const pm_error error = writer_->put_item({root, node_id}, path, record, type);
+        if (error.code() == ERRCODE_RANGE) {
+            reader_.fail(value, store::TOO_DEEP);
         }
-        stored(problem);
+        stored(error);
     });
     ++items_;
 }
@@ -297,7 +297,7 @@ void dataset_loader::load_publisher(const json_node &node) {
             reader_.fail(value, "unknown state " + excerpt(value.text));
         }
     });
-    stored(store_->put_publisher(root, node_id, state->state));
+    stored(writer_->put_publisher({root, node_id}, state->state));
 }
 
 }  // namespace perf_store

@@ -7,14 +7,14 @@
 #include "perf-store/datasets/json_document.h"
 #include "perf-store/datasets/member_path.h"
 #include "perf-store/datasets/record_reader.h"
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/store/writer.h"
 
 namespace perf_store {
 
 // Puts the objects of data sets into a store's open transaction.
 class dataset_loader {
 public:
-    explicit dataset_loader(store::writer *store) : store_(store), reader_(&document_, &path_, &memory_) {}
+    explicit dataset_loader(store::writer *into) : writer_(into), reader_(&document_, &path_, &memory_) {}
 
     // Loads a file ("-" is standard input). An empty text, or the whole message of what is wrong with
     // the file or the store.
@@ -39,9 +39,9 @@ private:
     [[nodiscard]] const char *keep_text(const json_node &node);
     [[nodiscard]] store::root read_root(const json_node &node);
     [[nodiscard]] std::string_view read_path(const json_node &node);
-    void stored(const store::problem &problem);
+    void stored(const pm_error &error);
 
-    store::writer *store_;
+    store::writer *writer_;
     json_document document_;
     member_path path_;
     record_memory memory_;

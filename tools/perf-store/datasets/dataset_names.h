@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/local/lmdb_store/store.h"
+#include "platform/local/store/branch.h"
 
 namespace perf_store {
 

@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "perf-store/datasets/value_text.h"
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/store/writer.h"
 
 namespace perf_store {
 
@@ -70,12 +70,12 @@ void record_reader::require(const json_node &node, json_kind wanted) {
     }
 }
 
-void record_reader::out_of_range(const json_node &node, const char *type) const {
-    fail(node, excerpt(node.text) + " is out of range for " + type);
+void record_reader::out_of_range(const json_node &node, std::string_view type) const {
+    fail(node, excerpt(node.text) + " is out of range for " + std::string(type));
 }
 
 // The integer of a number or of text in C notation, as 64 bits.
-std::uint64_t record_reader::integer(const json_node &node, const char *type, bool *negative) {
+std::uint64_t record_reader::integer(const json_node &node, std::string_view type, bool *negative) {
     if (node.kind != json_kind::number && node.kind != json_kind::text) {
         fail(node, std::string("expected a number, found ") + json_kind_name(node.kind));
     }
@@ -88,7 +88,7 @@ std::uint64_t record_reader::integer(const json_node &node, const char *type, bo
     fail(node, (node.text.empty() ? "empty text" : excerpt(node.text)) + " is not an integer");
 }
 
-std::uint64_t record_reader::read_unsigned(const json_node &node, std::uint64_t largest, const char *type) {
+std::uint64_t record_reader::read_unsigned(const json_node &node, std::uint64_t largest, std::string_view type) {
     bool negative = false;
     const std::uint64_t value = integer(node, type, &negative);
     if (negative || value > largest) {
@@ -99,12 +99,12 @@ std::uint64_t record_reader::read_unsigned(const json_node &node, std::uint64_t 
 
 void record_reader::read_enumeration(const json_node &node, const value_shape &shape, std::uint8_t *to) {
     bool negative = false;
-    const std::uint64_t value = integer(node, shape.notation.c_str(), &negative);
+    const std::uint64_t value = integer(node, shape.notation, &negative);
     const auto number = static_cast<std::int64_t>(value);
     const bool fits = negative ? number >= std::numeric_limits<std::int32_t>::min()
                                : value <= static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
     if (!fits) {
-        out_of_range(node, shape.notation.c_str());
+        out_of_range(node, shape.notation);
     }
     put(to, static_cast<std::int32_t>(number));
 }
@@ -130,7 +130,7 @@ const char *record_reader::keep_text(const json_node &node) {
 }
 
 void record_reader::read_record(const json_node &node, const record_shape &shape, std::uint8_t *to) {
-    if (shape.is_union) {
+    if (is_union(shape)) {
         read_union(node, shape, to);
         return;
     }
@@ -145,11 +145,11 @@ void record_reader::read_record(const json_node &node, const record_shape &shape
         const json_node &value = member[1];
         path_->enter(member->text);
         if (expected >= shape.fields.size() || shape.fields[expected].name != member->text) {
-            const auto found = shape.by_name.find(member->text);
-            if (found == shape.by_name.end()) {
+            const field_shape *found = shape.find(member->text, expected);
+            if (found == nullptr) {
                 fail(*member, "unknown field");
             }
-            expected = found->second;
+            expected = static_cast<std::size_t>(found - shape.fields.data());
         }
         if (seen[expected]) {
             fail(*member, "given twice");
@@ -165,7 +165,7 @@ void record_reader::read_record(const json_node &node, const record_shape &shape
 
 // An object with the discriminator and the arm that it selects.
 void record_reader::read_union(const json_node &node, const record_shape &shape, std::uint8_t *to) {
-    if (shape.is_address && node.kind != json_kind::object) {
+    if (is_address(shape) && node.kind != json_kind::object) {
         read_address(node, shape, to);
         return;
     }
@@ -178,7 +178,7 @@ void record_reader::read_union(const json_node &node, const record_shape &shape,
         const bool selects = member->text == shape.discriminator;
         const json_node *&place = selects ? discriminator : content;
         path_->enter(member->text);
-        if (!selects && (member->text.empty() || !shape.by_name.contains(member->text))) {
+        if (!selects && (member->text.empty() || shape.find(member->text) == nullptr)) {
             fail(*member, "unknown field");
         }
         if (place != nullptr) {
@@ -192,7 +192,7 @@ void record_reader::read_union(const json_node &node, const record_shape &shape,
     if (discriminator == nullptr) {
         if (content != nullptr) {
             path_->enter(content_name->text);
-            fail(*content_name, "needs " + shape.discriminator + " beside it");
+            fail(*content_name, "needs " + std::string(shape.discriminator) + " beside it");
         }
         return;
     }
@@ -211,8 +211,8 @@ void record_reader::read_union(const json_node &node, const record_shape &shape,
     const field_shape *arm = shape.arm_of(static_cast<std::uint32_t>(value));
     path_->enter(content_name->text);
     if (arm == nullptr || arm->name != content_name->text) {
-        fail(*content_name,
-             "is not the arm that " + shape.discriminator + " " + std::string(discriminator->text) + " selects");
+        fail(*content_name, "is not the arm that " + std::string(shape.discriminator) + " " +
+                                std::string(discriminator->text) + " selects");
     }
     read_value(*content, *arm->type, to + arm->offset);
     path_->leave();
@@ -239,9 +239,7 @@ void record_reader::read_value(const json_node &node, const value_shape &shape, 
     case kind::u64:
     case kind::u16:
     case kind::u8:
-    case kind::opaque:
-        put_unsigned(to, read_unsigned(node, largest_of(shape.size), shape.notation.c_str()), shape.size);
-        break;
+    case kind::opaque: put_unsigned(to, read_unsigned(node, largest_of(shape.size), shape.notation), shape.size); break;
     case kind::enumeration: read_enumeration(node, shape, to); break;
     case kind::boolean: put<std::uint32_t>(to, read_boolean(node) ? 1 : 0); break;
     case kind::text:
@@ -251,7 +249,8 @@ void record_reader::read_value(const json_node &node, const value_shape &shape, 
         break;
     case kind::ipv4:
     case kind::bytes: read_octets(node, shape, to); break;
-    case kind::reference: read_record(node, *shape.record, to); break;
+    case kind::record:
+    case kind::tagged_union: read_record(node, shape, to); break;
     case kind::optional:
         if (node.kind != json_kind::null) {
             std::uint8_t *value = memory_->allocate(shape.element->size);
@@ -263,7 +262,7 @@ void record_reader::read_value(const json_node &node, const value_shape &shape, 
     case kind::fixed_array:
         require(node, json_kind::array);
         if (node.count > shape.count) {
-            fail(node, std::to_string(node.count) + " elements are too many for " + shape.notation);
+            fail(node, std::to_string(node.count) + " elements are too many for " + std::string(shape.notation));
         }
         read_elements(node, *shape.element, to);
         break;

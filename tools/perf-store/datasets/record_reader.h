@@ -40,7 +40,7 @@ public:
     [[nodiscard]] void *read(const json_node &node, const record_shape &shape);
 
     // Single values, for the objects of a data set beside the records. `type` is for messages.
-    [[nodiscard]] std::uint64_t read_unsigned(const json_node &node, std::uint64_t largest, const char *type);
+    [[nodiscard]] std::uint64_t read_unsigned(const json_node &node, std::uint64_t largest, std::string_view type);
     [[nodiscard]] bool read_boolean(const json_node &node);
     [[nodiscard]] std::string_view read_text(const json_node &node);
     void require(const json_node &node, json_kind kind);
@@ -57,8 +57,8 @@ private:
     void read_enumeration(const json_node &node, const value_shape &shape, std::uint8_t *to);
     void read_octets(const json_node &node, const value_shape &shape, std::uint8_t *to);
     [[nodiscard]] const char *keep_text(const json_node &node);
-    [[nodiscard]] std::uint64_t integer(const json_node &node, const char *type, bool *negative);
-    [[noreturn]] void out_of_range(const json_node &node, const char *type) const;
+    [[nodiscard]] std::uint64_t integer(const json_node &node, std::string_view type, bool *negative);
+    [[noreturn]] void out_of_range(const json_node &node, std::string_view type) const;
 
     const json_document *document_;
     member_path *path_;

@@ -32,8 +32,8 @@ void append_shape(const std::uint8_t *from, const record_shape &shape, json_fiel
 
 bool is_zero(const std::uint8_t *from, const value_shape &shape);
 
-bool is_zero(const std::uint8_t *from, const record_shape &shape) {
-    if (shape.is_union) {
+bool is_zero_record(const std::uint8_t *from, const record_shape &shape) {
+    if (is_union(shape)) {
         const field_shape *arm = load<std::uint32_t>(from) == 0 ? shape.arm_of(0) : nullptr;
         return load<std::uint32_t>(from) == 0 &&
                (arm == nullptr || arm->type == nullptr || is_zero(from + arm->offset, *arm->type));
@@ -45,7 +45,8 @@ bool is_zero(const std::uint8_t *from, const record_shape &shape) {
 // Whether a value is zero, false, absent or empty. Field by field: the bytes between fields may be anything.
 bool is_zero(const std::uint8_t *from, const value_shape &shape) {
     switch (shape.what) {
-    case kind::reference: return is_zero(from, *shape.record);
+    case kind::record:
+    case kind::tagged_union: return is_zero_record(from, shape);
     case kind::array: return load<generic_array>(from).count == 0;
     case kind::fixed_array:
         for (std::uint32_t i = 0; i < shape.count; ++i) {
@@ -69,7 +70,7 @@ void append_unsigned(std::uint64_t value, std::string *out) {
     }
 }
 
-void append_name(const std::string &name, bool first, std::string *out) {
+void append_name(std::string_view name, bool first, std::string *out) {
     out->append(first ? "\"" : ",\"");
     out->append(name);
     out->append("\":");
@@ -115,9 +116,9 @@ void append_optional(const std::uint8_t *from, const value_shape &shape, json_fi
     }
     const std::size_t begin = out->size();
     append_value(value, *shape.element, fields, out);
-    if (out->compare(begin, std::string::npos, "null") == 0 && shape.element->record != nullptr) {
+    if (out->compare(begin, std::string::npos, "null") == 0 && shape.element->what == kind::tagged_union) {
         out->resize(begin);
-        out->append("{\"" + shape.element->record->discriminator + "\":2}");
+        out->append("{\"" + std::string(shape.element->discriminator) + "\":2}");
     }
 }
 
@@ -145,7 +146,8 @@ void append_value(const std::uint8_t *from, const value_shape &shape, json_field
     case kind::text: append_text(load<const char *>(from), out); break;
     case kind::ipv4:
     case kind::bytes: append_octets(from, shape, out); break;
-    case kind::reference: append_shape(from, *shape.record, fields, out); break;
+    case kind::record:
+    case kind::tagged_union: append_shape(from, shape, fields, out); break;
     case kind::optional: append_optional(from, shape, fields, out); break;
     case kind::array: append_array(from, shape, fields, out); break;
     case kind::fixed_array: append_elements(from, *shape.element, shape.count, fields, out); break;
@@ -168,7 +170,7 @@ bool append_address(const std::uint8_t *from, const record_shape &shape, json_fi
 }
 
 void append_union(const std::uint8_t *from, const record_shape &shape, json_fields fields, std::string *out) {
-    if (shape.is_address && append_address(from, shape, fields, out)) {
+    if (is_address(shape) && append_address(from, shape, fields, out)) {
         return;
     }
     const auto value = load<std::uint32_t>(from);
@@ -184,7 +186,7 @@ void append_union(const std::uint8_t *from, const record_shape &shape, json_fiel
 }
 
 void append_shape(const std::uint8_t *from, const record_shape &shape, json_fields fields, std::string *out) {
-    if (shape.is_union) {
+    if (is_union(shape)) {
         append_union(from, shape, fields, out);
         return;
     }

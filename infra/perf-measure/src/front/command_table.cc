@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <iterator>
 
+#include "paths/item_paths.h"
+#include "paths/roots.h"
 #include "pm_show_client/displays/allowed_queriers.h"
 #include "pm_show_client/displays/allowed_responders.h"
 #include "pm_show_client/displays/batch_counters.h"
@@ -36,10 +38,10 @@
 namespace {
 
 // Data roots.
-constexpr char MAIN[] = "/oper/perf_meas/main/";
-constexpr char RESP[] = "/oper/perf_meas/resp/";
-constexpr char RX[] = "/oper/perf_meas/rx/";
-constexpr char CHKPT[] = "/oper/perf_meas/chkpt/";
+constexpr const char *MAIN = path_of(path_grammar::root::main);
+constexpr const char *RESP = path_of(path_grammar::root::responder);
+constexpr const char *RX = path_of(path_grammar::root::receive);
+constexpr const char *CHKPT = path_of(path_grammar::root::checkpoint);
 
 // Subtypes.
 constexpr std::uint32_t INTF = 3;
@@ -48,21 +50,14 @@ constexpr std::uint32_t RSVPTE = 21;
 constexpr std::uint32_t ENDPOINT = 29;
 
 // Item paths.
-constexpr pm_show_path_rule fixed(const char *path) { return {pm_show_path_form::FIXED, path}; }
-constexpr pm_show_path_rule with_name(const char *prefix) { return {pm_show_path_form::NAME, prefix}; }
-constexpr pm_show_path_rule with_session(const char *prefix) { return {pm_show_path_form::SESSION, prefix}; }
-constexpr pm_show_path_rule delay_or_loss(const char *delay_prefix, const char *loss_prefix) {
-    return {pm_show_path_form::NAME_BY_KIND, delay_prefix, loss_prefix};
+using enum path_grammar::place;
+constexpr pm_show_path_rule fixed(path_grammar::place at) { return {pm_show_path_form::FIXED, at}; }
+constexpr pm_show_path_rule with_name(path_grammar::place at) { return {pm_show_path_form::NAME, at}; }
+constexpr pm_show_path_rule with_session(path_grammar::place at) { return {pm_show_path_form::SESSION, at}; }
+constexpr pm_show_path_rule delay_or_loss(path_grammar::place delay, path_grammar::place loss) {
+    return {pm_show_path_form::NAME_BY_KIND, delay, loss};
 }
-constexpr pm_show_path_rule srpolicy(const char *plain_prefix, const char *filter_prefix) {
-    return {pm_show_path_form::SRPOLICY, plain_prefix, filter_prefix};
-}
-constexpr pm_show_path_rule endpoint(const char *plain_prefix, const char *filter_prefix) {
-    return {pm_show_path_form::ENDPOINT, plain_prefix, filter_prefix};
-}
-constexpr pm_show_path_rule rsvpte(const char *plain_prefix, const char *filter_prefix) {
-    return {pm_show_path_form::RSVPTE, plain_prefix, filter_prefix};
-}
+constexpr pm_show_path_rule filtered(path_grammar::place at) { return {pm_show_path_form::FILTERED, at}; }
 constexpr pm_show_path_rule invalid{};
 constexpr pm_show_path_rule named_profile{pm_show_path_form::NAMED_PROFILE};
 constexpr pm_show_path_rule by_subtype{pm_show_path_form::BY_SUBTYPE};
@@ -119,43 +114,43 @@ using enum pm_show_nodes;
 // clang-format off
 constexpr pm_show_command commands[] = {
     // type, root, item path, record, batch, single, nodes, display
-    {1, MAIN, with_name("intf/detail/"), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf},
-    {2, MAIN, with_name("intf/detail/"), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf},
+    {1, MAIN, with_name(intf_detail), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf},
+    {2, MAIN, with_name(intf_detail), intf_record, 200, WITH_NAME, INTERFACE, pm_show_intf},
     {3, nullptr, invalid},
     {4, nullptr, by_subtype},   // probe history
     {5, nullptr, by_subtype},   // aggregated history
-    {6, MAIN, with_session("session/"), session_record, 200, WITH_SESSION_ID, ALL, pm_show_session},
-    {7, RESP, with_name("intf/"), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf},
-    {8, RESP, with_name("intf/"), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf},
-    {9, MAIN, fixed("summary"), summary_record, 0, ALWAYS, ALL, pm_show_summary},
-    {10, RESP, fixed("summary"), resp_summary_record, 0, ALWAYS, ALL, pm_show_resp_summary},
-    {11, RX, fixed("summary"), rx_summary_record, 0, ALWAYS, ALL, pm_show_rx_summary},
-    {12, CHKPT, fixed("scb"), chkpt_scb_record, 200, NEVER, ALL, pm_show_chkpt_scb},
-    {13, MAIN, fixed("proc_fsm"), proc_fsm_record, 0, ALWAYS, ALL, pm_show_proc_fsm},
-    {14, MAIN, fixed("counters/batch"), stats_batch_record, 0, ALWAYS, ALL, pm_show_batch_counters},
-    {15, MAIN, rsvpte("rsvpte/detail/", "rsvpte/detail-filter/"), rsvpte_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte},
-    {16, MAIN, with_name("rsvpte/counters/"), rsvpte_counters_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte_counters},
-    {17, MAIN, srpolicy("srpolicy/detail/", "srpolicy/detail-filter/"), srpolicy_record, 200, WITH_NAME, INTERFACE, pm_show_srpolicy},
-    {18, MAIN, srpolicy("srpolicy/counters/", "srpolicy/counters-filter/"), srpolicy_counters_record, 200, WITH_NAME, INTERFACE, pm_show_srpolicy_counters},
+    {6, MAIN, with_session(session), session_record, 200, WITH_SESSION_ID, ALL, pm_show_session},
+    {7, RESP, with_name(resp_intf), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf},
+    {8, RESP, with_name(resp_intf), resp_intf_record, 200, WITH_NAME, ALL, pm_show_resp_intf},
+    {9, MAIN, fixed(summary), summary_record, 0, ALWAYS, ALL, pm_show_summary},
+    {10, RESP, fixed(summary), resp_summary_record, 0, ALWAYS, ALL, pm_show_resp_summary},
+    {11, RX, fixed(summary), rx_summary_record, 0, ALWAYS, ALL, pm_show_rx_summary},
+    {12, CHKPT, fixed(chkpt_scb), chkpt_scb_record, 200, NEVER, ALL, pm_show_chkpt_scb},
+    {13, MAIN, fixed(proc_fsm), proc_fsm_record, 0, ALWAYS, ALL, pm_show_proc_fsm},
+    {14, MAIN, fixed(batch_counters), stats_batch_record, 0, ALWAYS, ALL, pm_show_batch_counters},
+    {15, MAIN, filtered(rsvpte_detail), rsvpte_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte},
+    {16, MAIN, with_name(rsvpte_counters), rsvpte_counters_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte_counters},
+    {17, MAIN, filtered(srpolicy_detail), srpolicy_record, 200, WITH_NAME, INTERFACE, pm_show_srpolicy},
+    {18, MAIN, filtered(srpolicy_counters), srpolicy_counters_record, 200, WITH_NAME, INTERFACE, pm_show_srpolicy_counters},
     {19, nullptr, invalid},
     {20, nullptr, by_subtype},  // advertisement history
     {21, nullptr, invalid},
     {22, nullptr, by_subtype},  // loss packet history
     {23, nullptr, by_profile},
-    {24, MAIN, fixed("dr/"), dr_record, 200, NEVER, LOCAL, pm_show_dr},
-    {25, CHKPT, fixed("dr"), chkpt_dr_record, 200, NEVER, LOCAL, pm_show_chkpt_dr},
-    {26, MAIN, endpoint("endpoint/detail/", "endpoint/detail-filter/"), endpoint_record, 200, WITH_NAME, LOCAL, pm_show_endpoint},
+    {24, MAIN, fixed(dr), dr_record, 200, NEVER, LOCAL, pm_show_dr},
+    {25, CHKPT, fixed(chkpt_dr), chkpt_dr_record, 200, NEVER, LOCAL, pm_show_chkpt_dr},
+    {26, MAIN, filtered(endpoint_detail), endpoint_record, 200, WITH_NAME, LOCAL, pm_show_endpoint},
     {27, nullptr, by_subtype},  // live history
-    {28, MAIN, endpoint("endpoint/counters/", "endpoint/counters-filter/"), endpoint_counters_record, 200, WITH_NAME, LOCAL, pm_show_endpoint_counters},
+    {28, MAIN, filtered(endpoint_counters), endpoint_counters_record, 200, WITH_NAME, LOCAL, pm_show_endpoint_counters},
     {29, nullptr, invalid},
-    {30, MAIN, fixed("pps_summary"), pps_summary_record, 0, ALWAYS, ALL, print_pps_summary},
-    {31, MAIN, fixed("capability"), capability_record, 0, ALWAYS, ALL, print_capability},
-    {32, MAIN, fixed("npu_db"), npu_db_record, 0, ALWAYS, LOCAL, print_lc_npu_db},
-    {33, CHKPT, fixed("dr-db-session"), chkpt_dr_session_record, 200, NEVER, LOCAL, pm_show_chkpt_dr_session},
-    {34, MAIN, fixed("dr_retry_queue"), dr_retry_queue_record, 0, ALWAYS, LOCAL, print_dr_retry_queue},
-    {35, MAIN, with_session("probe-session/"), session_record, 200, WITH_SESSION_ID, ALL, pm_show_session},
-    {36, MAIN, fixed("allowed-querier/summary"), querier_prefixes_record, 0, ALWAYS, ALL, pm_show_allowed_queriers},
-    {37, MAIN, fixed("allowed-responder/summary"), responder_prefixes_record, 0, ALWAYS, ALL, pm_show_allowed_responders},
+    {30, MAIN, fixed(pps_summary), pps_summary_record, 0, ALWAYS, ALL, print_pps_summary},
+    {31, MAIN, fixed(capability), capability_record, 0, ALWAYS, ALL, print_capability},
+    {32, MAIN, fixed(npu_db), npu_db_record, 0, ALWAYS, LOCAL, print_lc_npu_db},
+    {33, CHKPT, fixed(chkpt_dr_session), chkpt_dr_session_record, 200, NEVER, LOCAL, pm_show_chkpt_dr_session},
+    {34, MAIN, fixed(dr_retry_queue), dr_retry_queue_record, 0, ALWAYS, LOCAL, print_dr_retry_queue},
+    {35, MAIN, with_session(probe_session), session_record, 200, WITH_SESSION_ID, ALL, pm_show_session},
+    {36, MAIN, fixed(allowed_querier), querier_prefixes_record, 0, ALWAYS, ALL, pm_show_allowed_queriers},
+    {37, MAIN, fixed(allowed_responder), responder_prefixes_record, 0, ALWAYS, ALL, pm_show_allowed_responders},
 };
 // clang-format on
 
@@ -168,27 +163,27 @@ struct subtype_row {
 // Of these families only the RSVP-TE one is local, although endpoint detail and counters are.
 // clang-format off
 constexpr subtype_row subtypes[] = {
-    {INTF, {4, MAIN, delay_or_loss("intf/delay/probe-history/", "intf/loss/probe-history/"), intf_history_record, 200, WITH_NAME, INTERFACE, pm_show_intf_history}},
-    {SRPOLICY, {4, MAIN, srpolicy("srpolicy/delay/probe-history/", "srpolicy/delay/probe-history-filter/"), srpolicy_history_record, 200, WITH_NAME, ALL, pm_show_srpolicy_history}},
-    {RSVPTE, {4, MAIN, rsvpte("rsvpte/delay/probe-history/", "rsvpte/delay/probe-history-filter/"), rsvpte_history_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte_history}},
-    {ENDPOINT, {4, MAIN, endpoint("endpoint/delay/probe-history/", "endpoint/delay/probe-history-filter/"), endpoint_history_record, 200, WITH_NAME, ALL, pm_show_endpoint_history}},
-    {INTF, {5, MAIN, delay_or_loss("intf/delay/aggr-history/", "intf/loss/aggr-history/"), intf_history_record, 200, WITH_NAME, INTERFACE, pm_show_intf_history}},
-    {SRPOLICY, {5, MAIN, srpolicy("srpolicy/delay/aggr-history/", "srpolicy/delay/aggr-history-filter/"), srpolicy_history_record, 200, WITH_NAME, ALL, pm_show_srpolicy_history}},
-    {RSVPTE, {5, MAIN, rsvpte("rsvpte/delay/aggr-history/", "rsvpte/delay/aggr-history-filter/"), rsvpte_history_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte_history}},
-    {ENDPOINT, {5, MAIN, endpoint("endpoint/delay/aggr-history/", "endpoint/delay/aggr-history-filter/"), endpoint_history_record, 200, WITH_NAME, ALL, pm_show_endpoint_history}},
-    {INTF, {20, MAIN, delay_or_loss("intf/delay/adv-history/", "intf/loss/adv-history/"), intf_history_record, 200, WITH_NAME, INTERFACE, pm_show_intf_history}},
-    {SRPOLICY, {20, MAIN, srpolicy("srpolicy/delay/adv-history/", "srpolicy/delay/adv-history-filter/"), srpolicy_history_record, 200, WITH_NAME, ALL, pm_show_srpolicy_history}},
-    {RSVPTE, {20, MAIN, rsvpte("rsvpte/delay/adv-history/", "rsvpte/delay/adv-history-filter/"), rsvpte_history_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte_history}},
-    {ENDPOINT, {20, MAIN, endpoint("endpoint/delay/adv-history/", "endpoint/delay/adv-history-filter/"), endpoint_history_record, 200, WITH_NAME, ALL, pm_show_endpoint_history}},
-    {INTF, {22, MAIN, with_name("intf/loss/pkt-history/"), intf_history_record, 200, WITH_NAME, INTERFACE, pm_show_intf_history}},
-    {SRPOLICY, {PM_SHOW_LIVE_HISTORY, MAIN, srpolicy("srpolicy/liveness/live-history/", "srpolicy/liveness/live-history-filter/"), srpolicy_history_record, 200, WITH_NAME, ALL, pm_show_srpolicy_history}},
-    {ENDPOINT, {PM_SHOW_LIVE_HISTORY, MAIN, endpoint("endpoint/delay/live-history/", "endpoint/delay/live-history-filter/"), endpoint_history_record, 200, WITH_NAME, ALL, pm_show_endpoint_live_history}},
+    {INTF, {4, MAIN, delay_or_loss(intf_delay_probe_history, intf_loss_probe_history), intf_history_record, 200, WITH_NAME, INTERFACE, pm_show_intf_history}},
+    {SRPOLICY, {4, MAIN, filtered(srpolicy_probe_history), srpolicy_history_record, 200, WITH_NAME, ALL, pm_show_srpolicy_history}},
+    {RSVPTE, {4, MAIN, filtered(rsvpte_probe_history), rsvpte_history_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte_history}},
+    {ENDPOINT, {4, MAIN, filtered(endpoint_probe_history), endpoint_history_record, 200, WITH_NAME, ALL, pm_show_endpoint_history}},
+    {INTF, {5, MAIN, delay_or_loss(intf_delay_aggr_history, intf_loss_aggr_history), intf_history_record, 200, WITH_NAME, INTERFACE, pm_show_intf_history}},
+    {SRPOLICY, {5, MAIN, filtered(srpolicy_aggr_history), srpolicy_history_record, 200, WITH_NAME, ALL, pm_show_srpolicy_history}},
+    {RSVPTE, {5, MAIN, filtered(rsvpte_aggr_history), rsvpte_history_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte_history}},
+    {ENDPOINT, {5, MAIN, filtered(endpoint_aggr_history), endpoint_history_record, 200, WITH_NAME, ALL, pm_show_endpoint_history}},
+    {INTF, {20, MAIN, delay_or_loss(intf_delay_adv_history, intf_loss_adv_history), intf_history_record, 200, WITH_NAME, INTERFACE, pm_show_intf_history}},
+    {SRPOLICY, {20, MAIN, filtered(srpolicy_adv_history), srpolicy_history_record, 200, WITH_NAME, ALL, pm_show_srpolicy_history}},
+    {RSVPTE, {20, MAIN, filtered(rsvpte_adv_history), rsvpte_history_record, 200, WITH_NAME, LOCAL, pm_show_rsvpte_history}},
+    {ENDPOINT, {20, MAIN, filtered(endpoint_adv_history), endpoint_history_record, 200, WITH_NAME, ALL, pm_show_endpoint_history}},
+    {INTF, {22, MAIN, with_name(intf_loss_pkt_history), intf_history_record, 200, WITH_NAME, INTERFACE, pm_show_intf_history}},
+    {SRPOLICY, {PM_SHOW_LIVE_HISTORY, MAIN, filtered(srpolicy_live_history), srpolicy_history_record, 200, WITH_NAME, ALL, pm_show_srpolicy_history}},
+    {ENDPOINT, {PM_SHOW_LIVE_HISTORY, MAIN, filtered(endpoint_live_history), endpoint_history_record, 200, WITH_NAME, ALL, pm_show_endpoint_live_history}},
 };
 
 // The rows of the profile command, in the order in which the options decide.
 constexpr pm_show_command named_profiles{23, MAIN, named_profile, name_profile_record, 200, BY_PATH, ALL, pm_show_name_profile};
-constexpr pm_show_command global_profile{23, MAIN, fixed("profile"), profile_record, 0, ALWAYS, ALL, pm_show_profile};
-constexpr pm_show_command all_profiles{23, MAIN, fixed("all-profile/"), name_profile_record, 200, NEVER, ALL, pm_show_name_profile};
+constexpr pm_show_command global_profile{23, MAIN, fixed(profile), profile_record, 0, ALWAYS, ALL, pm_show_profile};
+constexpr pm_show_command all_profiles{23, MAIN, fixed(all_profile), name_profile_record, 200, NEVER, ALL, pm_show_name_profile};
 // clang-format on
 
 constexpr bool rows_are_numbered() {

@@ -5,19 +5,18 @@
 
 #include <cstdint>
 
+#include "paths/item_paths.h"
 #include "platform/parcel.h"
 #include "pm_show_client/pm_show_options.h"
 
 // How an item path comes from the row's texts and the options.
 enum class pm_show_path_form : std::uint8_t {
     INVALID,        // the row is no show command
-    FIXED,          // the prefix as it stands
-    NAME,           // the prefix and the name
-    NAME_BY_KIND,   // the prefix, or the other one with -L, and the name
-    SESSION,        // the prefix and the session id, if any
-    SRPOLICY,       // the prefix and the name, or with a filter the other one, the key and the name
-    ENDPOINT,       // likewise
-    RSVPTE,         // likewise
+    FIXED,          // the place's path
+    NAME,           // and the name
+    NAME_BY_KIND,   // the same, of the place for loss with -L
+    SESSION,        // and the session id, if any
+    FILTERED,       // and the name; with a filter the filtered path
     NAMED_PROFILE,  // pm_show_compose_named_profile()
     BY_SUBTYPE,     // another row says: that of the command's subtype
     BY_PROFILE,     // another row says: that of the profile options
@@ -25,8 +24,8 @@ enum class pm_show_path_form : std::uint8_t {
 
 struct pm_show_path_rule {
     pm_show_path_form form = pm_show_path_form::INVALID;
-    const char *prefix = nullptr;
-    const char *other_prefix = nullptr;
+    path_grammar::place where = {};
+    path_grammar::place where_for_loss = {};
 };
 
 // Whether the path names a single item.

@@ -55,15 +55,13 @@ void choose_nodes(pm_show_nodes nodes) {
 // decides that. Fails, reported, when a name cannot be encoded.
 errcode compose(const pm_show_path_rule &rule, pm_show_path &path, bool *single_path) {
     switch (rule.form) {
-    case pm_show_path_form::FIXED: pm_snprintf(path, sizeof path, "%s", rule.prefix); break;
-    case pm_show_path_form::NAME: pm_show_compose_plain(path, rule.prefix); break;
+    case pm_show_path_form::FIXED: pm_snprintf(path, sizeof path, "%s", path_of(rule.where).data()); break;
+    case pm_show_path_form::NAME: pm_show_compose_plain(path, rule.where); break;
     case pm_show_path_form::NAME_BY_KIND:
-        pm_show_compose_plain(path, pm_show_options.loss_kind ? rule.other_prefix : rule.prefix);
+        pm_show_compose_plain(path, pm_show_options.loss_kind ? rule.where_for_loss : rule.where);
         break;
-    case pm_show_path_form::SESSION: pm_show_compose_session(path, rule.prefix); break;
-    case pm_show_path_form::SRPOLICY: pm_show_compose_srpolicy(path, rule.prefix, rule.other_prefix); break;
-    case pm_show_path_form::ENDPOINT: pm_show_compose_endpoint(path, rule.prefix, rule.other_prefix); break;
-    case pm_show_path_form::RSVPTE: pm_show_compose_rsvpte(path, rule.prefix, rule.other_prefix); break;
+    case pm_show_path_form::SESSION: pm_show_compose_session(path, rule.where); break;
+    case pm_show_path_form::FILTERED: pm_show_compose_filtered(path, rule.where); break;
     case pm_show_path_form::NAMED_PROFILE: return pm_show_compose_named_profile(path, single_path);
     case pm_show_path_form::INVALID:
     case pm_show_path_form::BY_SUBTYPE:

@@ -1,0 +1,48 @@
+// Items read from a branch, in memory of their own: nothing of the store is held while they are used.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace store {
+
+inline constexpr std::size_t BATCH_BYTES = 256 * 1024;  // a batch ends early rather than grow beyond this
+
+// One item of a batch. Both views are valid until the batch is cleared or destroyed.
+struct item {
+    std::string_view path;    // below the branch; a zero byte follows it
+    std::string_view parcel;  // empty when the value under the path is not this item's: it is damaged
+};
+
+// Items in ascending order of their paths. Filled by a reader; its memory is used again for the next items.
+class batch {
+public:
+    batch() = default;
+    batch(const batch &) = delete;
+    batch &operator=(const batch &) = delete;
+
+    [[nodiscard]] const std::vector<item> &items() const { return items_; }
+    // Whether items follow the last one.
+    [[nodiscard]] bool more() const { return more_; }
+
+    // For readers ------------------------------------------------------------------------------
+
+    // Empties the batch, and makes room for a number of items so that adding them allocates no list.
+    void clear(std::uint32_t max_items);
+    // Copies an item to the end. False, and sets more(), when the batch has as many items as clear() was told
+    // or would grow beyond BATCH_BYTES; a first item always fits.
+    [[nodiscard]] bool add(std::string_view path, std::string_view parcel);
+
+private:
+    std::vector<item> items_;
+    std::unique_ptr<char[]> bytes_;
+    std::size_t capacity_ = 0;
+    std::size_t used_ = 0;
+    std::uint32_t max_items_ = 0;
+    bool more_ = false;
+};
+
+}  // namespace store
