@@ -221,6 +221,7 @@ void prober::resolve_one(session_entry *entry, const moment &now) {
     if (from.reason == PM_NOT_RUNNING_NONE && !socket_for(plan, &entry->socket)) {
         from.reason = PM_NOT_RUNNING_SRC_PORT_FAILED;
     }
+    entry->source_port = from.reason == PM_NOT_RUNNING_NONE ? sockets_[entry->socket].socket.port() : std::uint16_t{0};
     const host_neighbour *const neighbour =
         plan.of_interface() ? host_.find_neighbour(from.interface, plan.address()) : nullptr;
     const bool failed = neighbour != nullptr && neighbour->failed;

@@ -29,9 +29,11 @@ struct session_entry {
     session_plan plan;
     std::unique_ptr<session> run;
     std::optional<hmac_key> key;
-    std::uint32_t socket = 0;  // index of the sender's socket
+    std::uint32_t socket = 0;       // index of the sender's socket
+    std::uint16_t source_port = 0;  // of that socket; 0: it is not open
     resolved from;             // where it runs from, or why it does not run
     bool next_hop_failed = false;
+    std::uint8_t request_ttl = 0;  // with which the last answered packet arrived; 0: none was answered
     std::uint64_t revision = 0;           // grows with everything that happens to it
     std::optional<mono_nsec> removed_at;  // it was removed from the configuration and is shown a little longer
 

@@ -178,7 +178,9 @@ void prober::take_reply(session_entry *entry, const received_packet &packet, con
                        decode_stamp(format, fields.receive_stamp, packet.time),
                        decode_stamp(format, fields.stamp, packet.time)};
     const change_watch before(*entry);
-    entry->run->on_reply(answer);
+    if (entry->run->on_reply(answer) == reply_kind::timely) {
+        entry->request_ttl = fields.ttl;
+    }
     touched(entry, before);
     schedule(entry);
 }

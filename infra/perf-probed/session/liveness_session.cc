@@ -77,6 +77,7 @@ void liveness_session::miss(const moment &now) {
 void liveness_session::change(bool up, const moment &now) {
     is_up_ = up;
     last_change_msec_ = now.wall_msec();
+    ++change_count_;
     changes_.add({last_change_msec_, up});
 }
 

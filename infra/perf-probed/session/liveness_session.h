@@ -40,6 +40,7 @@ public:
     [[nodiscard]] bool is_up() const { return is_up_; }
     [[nodiscard]] std::uint32_t missed_in_a_row() const { return missed_; }
     [[nodiscard]] std::uint64_t last_change_msec() const { return last_change_msec_; }  // 0: it never was up
+    [[nodiscard]] std::uint64_t change_count() const { return change_count_; }  // ever
     [[nodiscard]] const history<liveness_change> &changes() const { return changes_; }
 
 private:
@@ -54,6 +55,7 @@ private:
     packet_window window_;
     history<liveness_change> changes_;
     std::uint64_t last_change_msec_ = 0;
+    std::uint64_t change_count_ = 0;
     std::uint32_t missed_ = 0;
     bool is_up_ = false;
 };
