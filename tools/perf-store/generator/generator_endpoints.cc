@@ -110,7 +110,7 @@ parcel_array<pm_endpoint_liveness> liveness_part(const endpoint_state &endpoint,
 
 void write_item(generation *set, const endpoint_state &endpoint, const char *path, const parcel_descriptor *type,
                 const void *record) {
-    set->writer.item(set->route_processor().id, gen_text(path, endpoint.name), type, record);
+    set->lines.item(set->route_processor().id, gen_text(path, endpoint.name), type, record);
 }
 
 void write_detail(generation *set, const endpoint_state &endpoint) {
@@ -190,7 +190,7 @@ void write_session(generation *set, const endpoint_state &endpoint) {
 }  // namespace
 
 void gen_endpoints(generation *set) {
-    for (std::uint32_t index = 0; index < set->options.endpoints; ++index) {
+    for (std::uint32_t index = 0; index < set->options.endpoints && set->lines.good(); ++index) {
         set->memory.reset();
         const endpoint_state endpoint = make_endpoint(set, index);
         write_detail(set, endpoint);

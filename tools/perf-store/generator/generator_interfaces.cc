@@ -101,7 +101,7 @@ void write_detail(generation *set, const interface_state &interface) {
     record->PMCapsAdd = 1;
     record->IMAttributeRegistration = 1;
     record->KPKTAttach = 1;
-    set->writer.item(interface.card->id, "intf/detail/" + interface.name, pm_intf_parcel_descriptor(), record);
+    set->lines.item(interface.card->id, "intf/detail/" + interface.name, pm_intf_parcel_descriptor(), record);
 }
 
 void write_history(generation *set, const interface_state &interface, const char *path,
@@ -110,7 +110,7 @@ void write_history(generation *set, const interface_state &interface, const char
     record->InterfaceName = set->memory.text(interface.name);
     record->InterfaceHandle = gen_interface_handle(interface.index);
     record->HistoryInfo = history;
-    set->writer.item(interface.card->id, path + interface.name, pm_intf_history_parcel_descriptor(), record);
+    set->lines.item(interface.card->id, path + interface.name, pm_intf_history_parcel_descriptor(), record);
 }
 
 void write_histories(generation *set, const interface_state &interface) {
@@ -170,7 +170,7 @@ interface_state make_interface(generation *set, std::uint32_t index) {
 }  // namespace
 
 void gen_interfaces(generation *set) {
-    for (std::uint32_t index = 0; index < set->options.interfaces; ++index) {
+    for (std::uint32_t index = 0; index < set->options.interfaces && set->lines.good(); ++index) {
         set->memory.reset();
         const interface_state interface = make_interface(set, index);
         write_detail(set, interface);

@@ -1,4 +1,4 @@
-// The counters record of an SR policy. See generator_policies.h.
+// The counters record of an SR policy.
 #include "perf-store/generator/generator_parts.h"
 #include "perf-store/generator/generator_policies.h"
 #include "schema/pm_descriptors.h"
@@ -56,8 +56,8 @@ void gen_policy_counters(generation *set, const policy_state &policy) {
     for (std::uint32_t i = 0; i < record->CandidateCounters.count; ++i) {
         fill_candidate(policy, policy.candidates[i], &record->CandidateCounters.elements[i], &set->memory);
     }
-    set->writer.item(set->route_processor().id, gen_text("srpolicy/counters/", policy.name),
-                     pm_srpolicy_counters_parcel_descriptor(), record);
+    set->lines.item(set->route_processor().id, gen_text("srpolicy/counters/", policy.name),
+                    pm_srpolicy_counters_parcel_descriptor(), record);
 }
 
 }  // namespace perf_store

@@ -1,4 +1,4 @@
-// The histories of an SR policy: of delays, or of liveness. See generator_policies.h.
+// The histories of an SR policy: of delays, or of liveness.
 #include "perf-store/generator/generator_parts.h"
 #include "perf-store/generator/generator_policies.h"
 #include "schema/pm_descriptors.h"
@@ -44,8 +44,8 @@ void write_history(generation *set, const policy_state &policy, const char *path
     for (std::uint32_t i = 0; i < record->CandidatePathsHistory.count; ++i) {
         fill_candidate(type, policy, policy.candidates[i], &record->CandidatePathsHistory.elements[i], &set->memory);
     }
-    set->writer.item(set->route_processor().id, gen_text(path, policy.name), pm_srpolicy_history_parcel_descriptor(),
-                     record);
+    set->lines.item(set->route_processor().id, gen_text(path, policy.name), pm_srpolicy_history_parcel_descriptor(),
+                    record);
 }
 
 }  // namespace

@@ -159,7 +159,7 @@ void write_default(generation *set, const gen_node &node) {
     record->LivenessProfile.EndpointLivenessProfile = liveness(PM_TRANSPORT_ENDPOINT);
     record->ProbeProfile.EndpointProbeProfile.TXInterval = memory->keep(GEN_TX_INTERVAL_USEC);
     record->ProbeProfile.EndpointProbeProfile.TXIntervalEndpointEffective = memory->keep(GEN_TX_INTERVAL_USEC);
-    set->writer.item(node.id, "profile", pm_profile_parcel_descriptor(), record);
+    set->lines.item(node.id, "profile", pm_profile_parcel_descriptor(), record);
 }
 
 void write_named(generation *set, const gen_node &node, const named_profile &profile) {
@@ -177,7 +177,7 @@ void write_named(generation *set, const gen_node &node, const named_profile &pro
     const std::string path =
         gen_text("name-profile/0x", gen_hexadecimal(static_cast<std::uint32_t>(profile.kind)), "/0x",
                  gen_hexadecimal(static_cast<std::uint32_t>(profile.transport)), "/", profile.name);
-    set->writer.item(node.id, path, pm_name_profile_parcel_descriptor(), record);
+    set->lines.item(node.id, path, pm_name_profile_parcel_descriptor(), record);
 }
 
 }  // namespace

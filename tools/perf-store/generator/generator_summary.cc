@@ -99,7 +99,7 @@ void write_summary(generation *set, const gen_node &node) {
     if (&node == set->nodes.data()) {
         fill_processor(*set, record, &set->memory);
     }
-    set->writer.item(node.id, "summary", pm_summary_parcel_descriptor(), record);
+    set->lines.item(node.id, "summary", pm_summary_parcel_descriptor(), record);
 }
 
 }  // namespace

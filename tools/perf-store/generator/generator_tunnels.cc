@@ -37,7 +37,7 @@ pm_rsvpte_lsp_delay_parcel lsp_session(const tunnel_state &tunnel, item_memory *
 
 void write_item(generation *set, const tunnel_state &tunnel, const char *path, const parcel_descriptor *type,
                 const void *record) {
-    set->writer.item(set->route_processor().id, gen_text(path, tunnel.name), type, record);
+    set->lines.item(set->route_processor().id, gen_text(path, tunnel.name), type, record);
 }
 
 void write_detail(generation *set, const tunnel_state &tunnel) {
@@ -94,7 +94,7 @@ tunnel_state make_tunnel(generation *set, std::uint32_t index) {
 }  // namespace
 
 void gen_tunnels(generation *set) {
-    for (std::uint32_t index = 0; index < set->options.tunnels; ++index) {
+    for (std::uint32_t index = 0; index < set->options.tunnels && set->lines.good(); ++index) {
         set->memory.reset();
         const tunnel_state tunnel = make_tunnel(set, index);
         write_detail(set, tunnel);

@@ -4,7 +4,7 @@
 #include <arpa/inet.h>
 #include <deque>
 
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/back_ends/writers.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 
@@ -44,18 +44,18 @@ pm_record_address no_address() {
 
 class filler {
 public:
-    explicit filler(const char *url) : good_(store_.begin(url).empty()) {}
+    explicit filler(const char *url) : good_(!store::open_writer(url, store::missing_store::make, &writer_)) {}
 
     void put(std::uint32_t node, const std::string &path, const void *record, const parcel_descriptor *type) {
-        good_ = good_ && store_.put_item(root::main, node, path, record, type).empty();
+        good_ = good_ && !writer_->put_item({root::main, node}, path, record, type);
     }
     void publisher(std::uint32_t node, store::publisher_state state) {
-        good_ = good_ && store_.put_publisher(root::main, node, state).empty();
+        good_ = good_ && !writer_->put_publisher({root::main, node}, state);
     }
-    bool commit() { return good_ && store_.commit().empty(); }
+    bool commit() { return good_ && !writer_->commit(); }
 
 private:
-    store::writer store_;
+    std::unique_ptr<store::writer> writer_;
     bool good_;
 };
 

@@ -272,7 +272,7 @@ private:
         return at != nullptr ? skip_values(programs_[step.program], at, count) : nullptr;
     }
 
-    position skip_values(const program &program, position at, std::uint32_t count) {
+    position skip_values(const plan_program &program, position at, std::uint32_t count) {
         if (program.flat != 0) {
             const std::uint64_t size = std::uint64_t{count} * program.flat;
             return size <= left(at) ? at + size : nullptr;
