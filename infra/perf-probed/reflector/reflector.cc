@@ -29,10 +29,10 @@ reflector::reflector() { interfaces_.reserve(MOST_INTERFACES); }
 bool reflector::serve(udp_socket &socket, const reply_settings &settings, const clock_source_interface &clocks) {
     for (int batch = 0; batch < MOST_BATCHES; ++batch) {
         const moment now = clocks.now();
-        const std::size_t count = received_.receive(socket, now.wall);
+        const std::size_t count = batch_.receive(socket, now.wall);
         queue_high_ = std::max(queue_high_, static_cast<std::uint32_t>(count));
         for (std::size_t index = 0; index < count; ++index) {
-            answer(received_[index], socket, settings, now.mono);
+            answer(batch_[index], socket, settings, now.mono);
         }
         send_replies(socket, settings, clocks);
         if (count < BATCH_PACKETS) {
@@ -58,6 +58,7 @@ void reflector::answer(const received_packet &request, const udp_socket &socket,
     reflector_interface &at = counted_at(request.interface);
     at.last_packet = now;
     ++at.counters.received;
+    ++received_by_family_[request.from.address.family == ip_family::ipv6];
     at.counters.without_kernel_stamp += request.origin == stamp_origin::clock ? 1 : 0;
     const refusal refused = check_source(request, socket);
     const std::span<std::uint8_t> room = replies_.room();

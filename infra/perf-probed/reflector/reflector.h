@@ -55,6 +55,7 @@ public:
     // In the order of their first packets.
     [[nodiscard]] const std::vector<reflector_interface> &interfaces() const { return interfaces_; }
     [[nodiscard]] reflector_counters totals() const;
+    [[nodiscard]] std::uint64_t received(ip_family family) const { return received_by_family_[family == ip_family::ipv6]; }
     [[nodiscard]] std::uint32_t rate() const { return rate_; }
     [[nodiscard]] std::uint32_t rate_high() const { return rate_high_; }
     [[nodiscard]] std::uint32_t queue_high() const { return queue_high_; }  // packets found waiting at once
@@ -69,12 +70,13 @@ private:
     void send_replies(udp_socket &socket, const reply_settings &settings, const clock_source_interface &clocks);
 
     std::vector<ip_prefix> allowed_;
-    receive_batch received_;
+    receive_batch batch_;
     send_batch replies_;
     std::array<std::span<std::uint8_t>, BATCH_PACKETS> reply_data_;
     std::array<std::uint32_t, BATCH_PACKETS> reply_interfaces_{};
     std::vector<reflector_interface> interfaces_;  // room for all is made at the start
     reflector_counters forgotten_;                 // of interfaces that went
+    std::uint64_t received_by_family_[2] = {};
     std::uint32_t rate_ = 0;
     std::uint32_t rate_high_ = 0;
     std::uint32_t queue_high_ = 0;

@@ -172,9 +172,9 @@ void fill_link(const host_interface &link, pm_intf_parcel *to) {
     to->IPv4ProtocolState = static_cast<bool>(ipv4);
     to->IPv6ProtocolState = ipv6 || link_local;
     to->SourceAddress = record_ipv4(ipv4);
-    std::ranges::copy((ipv6.is_link_local() ? ip_address{} : ipv6).octets, to->SourceV6Address.octets);
-    std::ranges::copy(link_local.octets, to->LinkLocalIV6Address.octets);
-    std::ranges::copy(link.mac, to->SourceMacAddress.octets);
+    to->SourceV6Address = record_ipv6(ipv6.is_link_local() ? ip_address{} : ipv6);
+    to->LinkLocalIV6Address = record_ipv6(link_local);
+    to->SourceMacAddress = record_mac(link.mac);
 }
 
 void add_interface_detail(const entity &of, const host_state &host, const moment &now, snapshot *out) {
@@ -185,7 +185,7 @@ void add_interface_detail(const entity &of, const host_state &host, const moment
     if (link != nullptr) {
         fill_link(*link, record);
         if (const auto *const neighbour = host.find_neighbour(link->index, entry.plan.address())) {
-            std::ranges::copy(neighbour->mac, record->NextHopMacAddress.octets);
+            record->NextHopMacAddress = record_mac(neighbour->mac);
         }
     }
     record->NextHop = record_address(entry.plan.address());

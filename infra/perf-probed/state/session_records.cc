@@ -63,7 +63,7 @@ pm_record_address record_address(const ip_address &address) {
         break;
     case ip_family::ipv6:
         record.IPAddressType = PM_RECORD_ADDRESS_IPV6;
-        std::ranges::copy(address.octets, record.IPv6.octets);
+        std::memcpy(record.IPv6.octets, address.octets.data(), address.octets.size());
         break;
     case ip_family::none: record.IPAddressType = PM_RECORD_ADDRESS_NONE; break;
     }
@@ -76,6 +76,20 @@ std::uint32_t record_ipv4(const ip_address &address) {
         std::memcpy(&network_order, address.octets.data(), sizeof network_order);
     }
     return network_order;
+}
+
+parcel_ipv6 record_ipv6(const ip_address &address) {
+    parcel_ipv6 record{};
+    if (address.family == ip_family::ipv6) {
+        std::memcpy(record.octets, address.octets.data(), sizeof record.octets);
+    }
+    return record;
+}
+
+parcel_mac record_mac(const mac_address &address) {
+    parcel_mac record{};
+    std::memcpy(record.octets, address.data(), sizeof record.octets);
+    return record;
 }
 
 pm_values_parcel record_values(const delay_values &values) {

@@ -27,6 +27,8 @@ inline constexpr char NO_SEGMENT_LIST[] = "None";
 
 [[nodiscard]] pm_record_address record_address(const ip_address &address);  // none: the kind "none"
 [[nodiscard]] std::uint32_t record_ipv4(const ip_address &address);         // 0 for any other
+[[nodiscard]] parcel_ipv6 record_ipv6(const ip_address &address);           // :: for any other
+[[nodiscard]] parcel_mac record_mac(const mac_address &address);
 [[nodiscard]] pm_values_parcel record_values(const delay_values &values);
 // Milliseconds from now until then; 0 when it is past or never comes.
 [[nodiscard]] std::uint32_t msec_until(mono_nsec when, const moment &now);

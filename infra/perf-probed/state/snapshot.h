@@ -67,6 +67,7 @@ struct snapshot {
     std::vector<named_interface> interfaces;
     std::string node_name;
     std::uint32_t node = 0;
+    bool is_everything = false;  // what the store holds of this node goes first
 
     template <class Record>
     Record *add(store::root root, std::string path, const parcel_descriptor *descriptor) {
