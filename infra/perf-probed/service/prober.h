@@ -32,6 +32,7 @@ struct session_entry {
     std::uint32_t socket = 0;       // index of the sender's socket
     std::uint16_t source_port = 0;  // of that socket; 0: it is not open
     resolved from;             // where it runs from, or why it does not run
+    ip_address used_source;       // of the last answered packet; none: none was answered
     bool next_hop_failed = false;
     std::uint8_t request_ttl = 0;  // with which the last answered packet arrived; 0: none was answered
     std::uint64_t revision = 0;           // grows with everything that happens to it

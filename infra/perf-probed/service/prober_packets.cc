@@ -180,6 +180,7 @@ void prober::take_reply(session_entry *entry, const received_packet &packet, con
     const change_watch before(*entry);
     if (entry->run->on_reply(answer) == reply_kind::timely) {
         entry->request_ttl = fields.ttl;
+        entry->used_source = packet.to;
     }
     touched(entry, before);
     schedule(entry);

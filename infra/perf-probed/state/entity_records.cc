@@ -34,9 +34,9 @@ const char *vrf_of(const session_entry &entry, record_arena *arena) {
     return arena->text(vrf.empty() ? "default" : vrf);
 }
 
-// The source that is in use: the configured one, or nothing while the system chooses.
+// The configured source, or the one that the system chose for packets that were answered.
 pm_record_address source_of(const session_entry &entry) {
-    return record_address(entry.from.source ? entry.from.source : entry.plan.endpoint->source);
+    return record_address(entry.plan.endpoint->source ? entry.plan.endpoint->source : entry.used_source);
 }
 
 void fill_delay(const session_entry &entry, const moment &now, record_arena *arena, pm_endpoint_detail *to) {
