@@ -213,7 +213,7 @@ const probe_profile *config::find_probe(const std::string &name) const {
 }
 
 config_report parse_config(const std::string &name, const std::string &text, config *out) {
-    config_messages messages{name, {}};
+    config_messages messages(name);
     *out = {};
     try {
         const YAML::Node root = YAML::Load(text);

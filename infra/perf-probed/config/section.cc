@@ -1,6 +1,7 @@
 // Typed values of one mapping.
 #include "perf-probed/config/section.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace probed {
@@ -22,7 +23,9 @@ std::string place(const std::string &file, const YAML::Mark &at, const std::stri
 }  // namespace
 
 void config_messages::error(const YAML::Mark &at, const std::string &key, const std::string &what) {
-    report.errors.push_back(place(file, at, key) + what);
+    const auto after = std::ranges::upper_bound(error_lines_, at.line);
+    report.errors.insert(report.errors.begin() + (after - error_lines_.begin()), place(file, at, key) + what);
+    error_lines_.insert(after, at.line);
 }
 
 void config_messages::warning(const YAML::Mark &at, const std::string &key, const std::string &what) {

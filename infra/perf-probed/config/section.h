@@ -14,13 +14,18 @@
 
 namespace probed {
 
-// Where errors go.
+// Where errors go; they are kept in the order of their lines.
 struct config_messages {
+    explicit config_messages(std::string name) : file(std::move(name)) {}
+
     std::string file;
     config_report report;
 
     void error(const YAML::Mark &at, const std::string &key, const std::string &what);
     void warning(const YAML::Mark &at, const std::string &key, const std::string &what);
+
+private:
+    std::vector<int> error_lines_;
 };
 
 template <class T>
