@@ -79,7 +79,7 @@ pm_error daemon::start() {
     enter(process_state::init, EVENT_INIT);
     sigset_t mask;
     sigemptyset(&mask);
-    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGUSR1}) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGUSR1, SIGUSR2}) {
         sigaddset(&mask, number);
     }
     sigprocmask(SIG_BLOCK, &mask, nullptr);
@@ -141,6 +141,7 @@ void daemon::take_signals() {
         switch (signal.ssi_signo) {
         case SIGHUP: reload(); break;
         case SIGUSR1: sender_.clear_advertisements(); break;
+        case SIGUSR2: sender_.log_statistics(); break;
         default: ending_ = true;
         }
     }

@@ -29,7 +29,7 @@ public:
     daemon &operator=(const daemon &) = delete;
 
     // Opens sockets, tells the service manager, and runs until SIGTERM or SIGINT. SIGHUP reads the configuration again,
-    // SIGUSR1 withdraws all advertisements. The error is why it cannot start.
+    // SIGUSR1 withdraws all advertisements, SIGUSR2 logs what became of the packets. The error is why it cannot start.
     [[nodiscard]] pm_error run();
 
 private:

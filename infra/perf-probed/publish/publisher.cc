@@ -15,6 +15,8 @@ using store::branch;
 
 constexpr std::uint32_t NODE_IS_UP = 6;
 
+constexpr char WRITTEN_ONCE[] = "profile";  // an item that only complete snapshots have
+
 // The roots that this program serves; it has no checkpoints.
 constexpr store::root SERVED[] = {store::root::main, store::root::responder, store::root::receive};
 
@@ -60,6 +62,17 @@ pm_error put_items(store::writer *writer, const snapshot &what) {
         }
     }
     return {};
+}
+
+// A snapshot of changes needs the rest to be there: somebody may have emptied the store or put another in its place.
+pm_error check_rest(store::writer *writer, const snapshot &what) {
+    bool found = what.is_everything;
+    if (!found) {
+        if (pm_error error = writer->has_item({store::root::main, what.node}, WRITTEN_ONCE, false, &found)) {
+            return error;
+        }
+    }
+    return found ? pm_error() : pm_error("what was published is not there any more");
 }
 
 // Sets the state of all branches, in a transaction.
@@ -160,6 +173,9 @@ void publisher::work() {
 pm_error publisher::write(const snapshot &what) {
     std::unique_ptr<store::writer> writer;
     if (pm_error error = store::open_writer(url_.c_str(), store::missing_store::make, &writer)) {
+        return error;
+    }
+    if (pm_error error = check_rest(writer.get(), what)) {
         return error;
     }
     if (!what.node_name.empty()) {

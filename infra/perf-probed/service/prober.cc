@@ -283,6 +283,26 @@ void prober::clear_advertisements() {
     }
 }
 
+void prober::log_statistics() const {
+    for (const auto &entry : entries_) {
+        if (entry == nullptr || !log) {
+            continue;
+        }
+        const session_counters &counters = entry->run->counters();
+        std::uint64_t failed = 0;
+        for (const std::uint64_t errors : counters.send_errors) {
+            failed += errors;
+        }
+        log("session " + std::to_string(entry->id()) + " of " +
+            (entry->plan.of_interface() ? "interface " : "endpoint ") + entry->plan.name() + ": " +
+            std::to_string(counters.sent) + " sent, " + std::to_string(failed) + " not sent, " +
+            std::to_string(counters.received) + " answered, " + std::to_string(counters.lost) + " lost, " +
+            std::to_string(counters.late) + " late, " + std::to_string(counters.duplicate) + " duplicate, " +
+            std::to_string(counters.reordered) + " reordered, " + std::to_string(counters.unknown) + " unknown, " +
+            std::to_string(counters.kernel_stamped) + " with the kernel's time stamps");
+    }
+}
+
 void prober::schedule(session_entry *entry) {
     const mono_nsec deadline = entry->run->deadline();
     if (deadline == NEVER) {

@@ -97,6 +97,9 @@ public:
     // Withdraws every advertisement, as an operator asked for.
     void clear_advertisements();
 
+    // Writes one line for each session into the log: its packets by what became of them.
+    void log_statistics() const;
+
     // The earliest timer; none: nothing is due ever.
     [[nodiscard]] std::optional<mono_nsec> next() const { return timers_.next(); }
     // Sends what is due, a limited number of packets.
