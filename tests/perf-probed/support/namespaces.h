@@ -13,13 +13,13 @@ public:
         : name_("ppt" + std::to_string(getpid()) + "-" + std::to_string(number)), number_(std::to_string(number)) {
         run("ip netns add " + name("a"));
         run("ip netns add " + name("b"));
-        run("ip link add a netns " + name("a") + " type veth peer name b netns " + name("b"));
+        run("ip link add name a netns " + name("a") + " type veth peer name b netns " + name("b"));
         for (const char *const end : {"a", "b"}) {
             const std::string in = "ip -n " + name(end) + " ";
-            run(in + "link set lo up");
+            run(in + "link set dev lo up");
             run(in + "addr add 198.18." + number_ + "." + host(end) + "/24 dev " + end);
             run(in + "addr add 2001:db8:" + number_ + "::" + host(end) + "/64 dev " + end + " nodad");
-            run(in + "link set " + end + " up");
+            run(in + std::string("link set dev ") + end + " up");
         }
     }
     ~joined_namespaces() {

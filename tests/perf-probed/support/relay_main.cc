@@ -4,8 +4,8 @@
 //   relay LISTEN-ADDRESS PORT REFLECTOR-ADDRESS PORT HOLD-USEC LOSE-EVERY DUPLICATE-EVERY LATER-EVERY LATER-USEC
 //
 // Of each N packets the last is lost, answered twice, or held for LATER-USEC more; 0: none is. At SIGTERM it prints how many
-// it forwarded, lost, answered twice and held longer, and the nanoseconds that it added on average: between the kernel's
-// stamp of what it received and the moment when it passed it on, both ways.
+// it forwarded, lost, answered twice and held longer, and the nanoseconds that it added on average to the first hundred
+// packets: between the kernel's stamp of what it received and the moment when it passed it on, both ways.
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -38,6 +38,8 @@ struct totals {
     std::uint64_t forwarded = 0, lost = 0, duplicated = 0, delayed = 0;
     std::int64_t added = 0, answered = 0;
 };
+
+constexpr std::uint32_t MEASURED = 100;
 
 bool is_one(std::uint32_t number, std::uint32_t every) { return every != 0 && number % every == every - 1; }
 
@@ -87,7 +89,9 @@ private:
     void pass_on(wall_nsec now) {
         while (!held_.empty() && held_.begin()->first <= now) {
             const held_packet &packet = held_.begin()->second;
-            totals_.added += clocks_.now().wall - packet.received;
+            if (get_u32(packet.data.data()) < MEASURED) {
+                totals_.added += clocks_.now().wall - packet.received;
+            }
             send(*reflector_side_, reflector_, packet.data);
             held_.erase(held_.begin());
         }
@@ -97,8 +101,10 @@ private:
         for (std::size_t index = 0; index < count; ++index) {
             const received_packet &packet = batch_[index];
             const bool twice = is_one(get_u32(packet.data.data()), wanted_.duplicate);
-            totals_.added += clocks_.now().wall - packet.time;
-            ++totals_.answered;
+            if (get_u32(packet.data.data()) < MEASURED) {
+                totals_.added += clocks_.now().wall - packet.time;
+                ++totals_.answered;
+            }
             totals_.duplicated += twice ? 1 : 0;
             send(*client_side_, client_, packet.data);
             if (twice) {

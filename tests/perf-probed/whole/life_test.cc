@@ -24,7 +24,7 @@ TEST(life, is_published_within_seconds_and_stopped_at_the_end) {
     EXPECT_NE(after.out.find("PM process is not running"), std::string::npos) << after.out;
     EXPECT_EQ(after.out.find("Endpoint name"), std::string::npos);
     EXPECT_NE(run_command(PERF_STORE " dump", service.store())
-                  .out.find(R"({"publisher": {"root": "main", "node": 1, "state": "stopped"}})"),
+                  .out.find(R"({"publisher":{"root":"main","node":1,"state":"stopped"}})"),
               std::string::npos);
 }
 
