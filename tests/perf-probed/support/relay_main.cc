@@ -4,8 +4,8 @@
 //   relay LISTEN-ADDRESS PORT REFLECTOR-ADDRESS PORT HOLD-USEC LOSE-EVERY DUPLICATE-EVERY LATER-EVERY LATER-USEC
 //
 // Of each N packets the last is lost, answered twice, or held for LATER-USEC more; 0: none is. At SIGTERM it prints how many
-// it forwarded, lost, answered twice and held longer, and the nanoseconds that it added on average to the first hundred
-// packets: between the kernel's stamp of what it received and the moment when it passed it on, both ways.
+// it forwarded, lost, answered twice and held longer, and the nanoseconds that it added on average to those of the first
+// hundred packets that were answered: between the kernel's stamp of what it received and the moment when it passed it on, both ways.
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -34,20 +34,15 @@ struct settings {
     std::uint32_t lose, duplicate, delay;
 };
 
-struct totals {
-    std::uint64_t forwarded = 0, lost = 0, duplicated = 0, delayed = 0;
-    std::int64_t added = 0, answered = 0;
-};
-
 constexpr std::uint32_t MEASURED = 100;
 
-bool is_one(std::uint32_t number, std::uint32_t every) { return every != 0 && number % every == every - 1; }
+struct totals {
+    std::uint64_t forwarded = 0, lost = 0, duplicated = 0, delayed = 0;
+    std::int64_t added[MEASURED] = {};
+    bool answered[MEASURED] = {};
+};
 
-void send(udp_socket &socket, const udp_endpoint &to, std::span<const std::uint8_t> data) {
-    send_batch batch;
-    batch.add({data, to, {}, 0, 0, 0});
-    batch.flush(socket, [](std::size_t, int) {});
-}
+bool is_one(std::uint32_t number, std::uint32_t every) { return every != 0 && number % every == every - 1; }
 
 class relay {
 public:
@@ -69,6 +64,10 @@ public:
     [[nodiscard]] const totals &result() const { return totals_; }
 
 private:
+    void send(udp_socket *socket, const udp_endpoint &to, std::span<const std::uint8_t> data) {
+        outgoing_.add({data, to, {}, 0, 0, 0});
+        outgoing_.flush(*socket, [](std::size_t, int) {});
+    }
     void take_requests() {
         const std::size_t count = batch_.receive(*client_side_, clocks_.now().wall);
         for (std::size_t index = 0; index < count; ++index) {
@@ -89,10 +88,10 @@ private:
     void pass_on(wall_nsec now) {
         while (!held_.empty() && held_.begin()->first <= now) {
             const held_packet &packet = held_.begin()->second;
-            if (get_u32(packet.data.data()) < MEASURED) {
-                totals_.added += clocks_.now().wall - packet.received;
+            if (const std::uint32_t number = get_u32(packet.data.data()); number < MEASURED) {
+                totals_.added[number] += clocks_.now().wall - packet.received;
             }
-            send(*reflector_side_, reflector_, packet.data);
+            send(reflector_side_, reflector_, packet.data);
             held_.erase(held_.begin());
         }
     }
@@ -101,14 +100,14 @@ private:
         for (std::size_t index = 0; index < count; ++index) {
             const received_packet &packet = batch_[index];
             const bool twice = is_one(get_u32(packet.data.data()), wanted_.duplicate);
-            if (get_u32(packet.data.data()) < MEASURED) {
-                totals_.added += clocks_.now().wall - packet.time;
-                ++totals_.answered;
+            if (const std::uint32_t number = get_u32(packet.data.data()); number < MEASURED) {
+                totals_.added[number] += clocks_.now().wall - packet.time;
+                totals_.answered[number] = true;
             }
             totals_.duplicated += twice ? 1 : 0;
-            send(*client_side_, client_, packet.data);
+            send(client_side_, client_, packet.data);
             if (twice) {
-                send(*client_side_, client_, packet.data);
+                send(client_side_, client_, packet.data);
             }
         }
     }
@@ -120,6 +119,7 @@ private:
     settings wanted_;
     system_clocks clocks_;
     receive_batch batch_;
+    send_batch outgoing_;
     std::multimap<wall_nsec, held_packet> held_;
     totals totals_;
 };
@@ -150,9 +150,15 @@ int main(int, char **argv) {
     std::fflush(stdout);
     between.run();
     const totals &done = between.result();
+    long long added = 0;
+    long long answered = 0;
+    for (std::uint32_t packet = 0; packet < MEASURED; ++packet) {
+        added += done.answered[packet] ? done.added[packet] : 0;
+        answered += done.answered[packet] ? 1 : 0;
+    }
     std::printf("%llu %llu %llu %llu %lld\n", static_cast<unsigned long long>(done.forwarded),
                 static_cast<unsigned long long>(done.lost), static_cast<unsigned long long>(done.duplicated),
                 static_cast<unsigned long long>(done.delayed),
-                static_cast<long long>(done.answered > 0 ? done.added / done.answered : 0));
+                answered > 0 ? added / answered : 0);
     return 0;
 }
