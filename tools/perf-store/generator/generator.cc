@@ -4,12 +4,15 @@
 #include <algorithm>
 #include <charconv>
 
+#include "paths/item_paths.h"
 #include "perf-store/datasets/dataset_names.h"
 #include "perf-store/generator/generate.h"
 #include "platform/inventory.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -116,7 +119,8 @@ void generation::run(gen_node *node, random_source *random, session_state *sessi
 }
 
 void generation::write_session(const gen_node &node, const session_state &session, const pm_session_parcel &record) {
-    lines.item(node.id, gen_text("session/", gen_hexadecimal(session.id)), pm_session_parcel_descriptor(), &record);
+    lines.item(node.id, gen_text(path_of(place::session), gen_hexadecimal(session.id)), pm_session_parcel_descriptor(),
+               &record);
 }
 
 std::uint32_t gen_interface_handle(std::uint32_t interface) { return 0x08000010 + interface * HANDLE_STEP; }

@@ -1,9 +1,12 @@
 // The histories of an SR policy: of delays, or of liveness.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator_parts.h"
 #include "perf-store/generator/generator_policies.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -34,7 +37,7 @@ void fill_candidate(pm_history_type_e type, const policy_state &policy, const po
     }
 }
 
-void write_history(generation *set, const policy_state &policy, const char *path, pm_history_type_e type) {
+void write_history(generation *set, const policy_state &policy, std::string_view path, pm_history_type_e type) {
     auto *record = set->memory.make<pm_srpolicy_history_parcel>();
     record->Color = policy.color;
     record->EndPointAddress = policy.endpoint;
@@ -52,12 +55,12 @@ void write_history(generation *set, const policy_state &policy, const char *path
 
 void gen_policy_histories(generation *set, const policy_state &policy) {
     if (policy.is_liveness) {
-        write_history(set, policy, "srpolicy/liveness/live-history/", PM_HISTORY_LIVENESS);
+        write_history(set, policy, path_of(place::srpolicy_live_history), PM_HISTORY_LIVENESS);
         return;
     }
-    write_history(set, policy, "srpolicy/delay/probe-history/", PM_HISTORY_DM_PROBE);
-    write_history(set, policy, "srpolicy/delay/aggr-history/", PM_HISTORY_DM_AGGREGATION);
-    write_history(set, policy, "srpolicy/delay/adv-history/", PM_HISTORY_DM_ADVERTISEMENT);
+    write_history(set, policy, path_of(place::srpolicy_probe_history), PM_HISTORY_DM_PROBE);
+    write_history(set, policy, path_of(place::srpolicy_aggr_history), PM_HISTORY_DM_AGGREGATION);
+    write_history(set, policy, path_of(place::srpolicy_adv_history), PM_HISTORY_DM_ADVERTISEMENT);
 }
 
 }  // namespace perf_store

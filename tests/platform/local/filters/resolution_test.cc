@@ -95,7 +95,7 @@ std::uint32_t requested(const router &what, const std::vector<std::string> &word
               [] {
                   pm_show_request request{};
                   pm_show_path path;
-                  return pm_show_build_request(&request, path) == pm_show_build::READY ? ERRCODE_SUCCESS : ~0U;
+                  return pm_show_build_request(&request, path) == pm_show_build::ready ? ERRCODE_SUCCESS : ~0U;
               })
         .node;
 }
