@@ -29,8 +29,14 @@ void read_as_reply(packet_mode mode, std::span<const std::uint8_t> packet) {
     session.set_reason(PM_NOT_RUNNING_NONE, then);
     require(session.on_timer(then));
     session.sent(then, fields.sender.stamp);
-    const reply answer{0, fields.sender.stamp, {1'010'000'000, now + 10'000'000}, then.offset(), true,
-                       fields.receive_stamp != 0, fields.stamp != 0, decode_stamp(format, fields.receive_stamp, now),
+    const reply answer{0,
+                       fields.sender.stamp,
+                       {1'010'000'000, now + 10'000'000},
+                       then.offset(),
+                       true,
+                       fields.receive_stamp != 0,
+                       fields.stamp != 0,
+                       decode_stamp(format, fields.receive_stamp, now),
                        decode_stamp(format, fields.stamp, now)};
     require(session.on_reply(answer) == reply_kind::timely);
     require(session.on_reply(answer) == reply_kind::duplicate);

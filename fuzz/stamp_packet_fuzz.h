@@ -1,5 +1,5 @@
-// One input of the test packets' fuzz target. The first octet chooses: bit 0 authenticated mode, bit 1 short requests are
-// answered, bit 2 an HMAC is put right first, bit 3 PTP time; the rest is a packet.
+// One input of the test packets' fuzz target. The first octet chooses: bit 0 authenticated mode, bit 1 short requests
+// are answered, bit 2 an HMAC is put right first, bit 3 PTP time; the rest is a packet.
 #pragma once
 
 #include <cstddef>

@@ -25,9 +25,10 @@ bool read_settings(const std::string &path, probed::config *settings) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    CLI::App app("Measures delay, loss and liveness with STAMP packets, answers those of others, and publishes its "
-                 "state into the store that perf-show reads.",
-                 "perf-probed");
+    CLI::App app(
+        "Measures delay, loss and liveness with STAMP packets, answers those of others, and publishes its "
+        "state into the store that perf-show reads.",
+        "perf-probed");
     std::string path = DEFAULT_CONFIG;
     std::string checked;
     app.add_option("-c,--config", path, "The configuration's file")->option_text("FILE");

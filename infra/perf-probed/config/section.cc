@@ -35,7 +35,8 @@ void config_messages::warning(const YAML::Mark &at, const std::string &key, cons
 bool parse_number(std::string_view text, std::uint64_t *out) {
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
     const std::string_view digits = hexadecimal ? text.substr(2) : text;
-    const auto [end, failure] = std::from_chars(digits.data(), digits.data() + digits.size(), *out, hexadecimal ? 16 : 10);
+    const auto [end, failure] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), *out, hexadecimal ? 16 : 10);
     return failure == std::errc() && end == digits.data() + digits.size();
 }
 

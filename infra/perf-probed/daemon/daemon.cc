@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -33,9 +34,14 @@ constexpr std::size_t MOST_EVENTS = 50;
 
 constexpr mono_nsec PUBLISH_INTERVAL = NSEC_PER_SEC;
 constexpr std::int64_t PUBLISHING_PART = 12;  // of the time, at most one part in so many is spent on publishing
-constexpr mono_nsec LONGEST_INTERVAL = publisher::LEASE_MSEC * NSEC_PER_MSEC / 2;
-constexpr mono_nsec RETRY_INTERVAL = 5 * NSEC_PER_SEC;     // of a store that failed, and of sockets
+constexpr mono_nsec RETRY_INTERVAL = 5 * NSEC_PER_SEC;      // of a store that failed, and of sockets
 constexpr mono_nsec HOST_READ_INTERVAL = NSEC_PER_SEC / 2;  // interfaces that change all the time
+
+std::int64_t thread_time() {
+    std::timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return time.tv_sec * NSEC_PER_SEC + time.tv_nsec;
+}
 
 std::string host_name() {
     char name[256] = "";
@@ -118,12 +124,14 @@ void daemon::loop() {
         if (now.mono >= next_second_) {
             every_second(now);
         }
-        if (now.mono >= next_publication_) {
+        if (building_ != nullptr) {
+            continue_snapshot(now);
+        } else if (now.mono >= next_publication_) {
             publish(now);
         }
         sender_.run_due();
         mono_nsec until = std::min(next_second_, std::max(next_publication_, now.mono + NSEC_PER_MSEC));
-        until = std::min(until, sender_.next().value_or(until));
+        until = building_ != nullptr ? now.mono : std::min(until, sender_.next().value_or(until));
         loop_.wait(until, clocks_.now().mono);
     }
 }
@@ -196,8 +204,8 @@ pm_error daemon::apply_listeners(const reflector_config &settings) {
         each->wanted = settings.enabled && std::ranges::find(settings.listen, each->settings) != settings.listen.end();
     }
     for (const listen_config &each : settings.listen) {
-        const bool is_open = std::ranges::any_of(
-            listeners_, [&](const auto &open) { return open->wanted && open->settings == each; });
+        const bool is_open =
+            std::ranges::any_of(listeners_, [&](const auto &open) { return open->wanted && open->settings == each; });
         if (!settings.enabled || is_open) {
             continue;
         }
@@ -226,8 +234,8 @@ pm_error daemon::apply_listeners(const reflector_config &settings) {
     std::erase_if(listeners_, [](const auto &each) { return !each->wanted; });
     open_listeners_.clear();
     for (const auto &each : listeners_) {
-        open_listeners_.push_back({each->socket.port(), each->socket.family(), each->settings == listen_config{},
-                                   clocks_.now().wall_msec()});
+        open_listeners_.push_back(
+            {each->socket.port(), each->socket.family(), each->settings == listen_config{}, clocks_.now().wall_msec()});
     }
     return {};
 }
@@ -305,41 +313,66 @@ void daemon::connect(std::size_t collaborator, bool connected, std::uint16_t num
     }
 }
 
+void daemon::note_report(const publishing_report &report) {
+    if (sessions_are_out_) {
+        sessions_are_out_ = false;
+        sessions_cost_ += report.last_cost_nsec;
+        next_sessions_ = last_publication_ + std::max(PUBLISH_INTERVAL, sessions_cost_ * PUBLISHING_PART);
+    }
+    if (report.transactions + report.failures == 0) {
+        return;
+    }
+    connect(store_index, report.error.empty(), COLLABORATOR_NUMBERS[store_index]);
+    if (report.error != last_store_error_) {
+        last_store_error_ = report.error;
+        log(report.error.empty() ? LOG_NOTICE : LOG_ERROR,
+            report.error.empty() ? "the store is written again" : "the store cannot be written: " + report.error);
+    }
+}
+
 void daemon::publish(const moment &now) {
     if (!publisher_->idle()) {
         next_publication_ = now.mono + NSEC_PER_SEC / 20;
         return;
     }
-    const publishing_report report = publisher_->report();
-    if (report.transactions + report.failures > 0) {
-        connect(store_index, report.error.empty(), COLLABORATOR_NUMBERS[store_index]);
-        if (report.error != last_store_error_) {
-            last_store_error_ = report.error;
-            log(report.error.empty() ? LOG_NOTICE : LOG_ERROR,
-                report.error.empty() ? "the store is written again" : "the store cannot be written: " + report.error);
-        }
-    }
-    const bool everything = publisher_->needs_everything();
-    if (everything && report.failures > 0 && now.mono - last_lease_ < NSEC_PER_SEC) {
-        next_publication_ = last_lease_ + NSEC_PER_SEC;
+    note_report(publisher_->report());
+    if (last_publication_ != 0 && now.mono - last_publication_ < PUBLISH_INTERVAL) {
+        next_publication_ = last_publication_ + PUBLISH_INTERVAL;
         return;
     }
-    const mono_nsec interval =
-        std::clamp<mono_nsec>(report.last_cost_nsec * PUBLISHING_PART, PUBLISH_INTERVAL, LONGEST_INTERVAL);
-    next_publication_ = now.mono + interval;
-    last_lease_ = now.mono;
-    auto out = std::make_unique<snapshot>();
-    out->node = settings_.node.id;
-    const node_view view{settings_, sender_, responder_, open_listeners_, process_};
+    next_publication_ = now.mono + PUBLISH_INTERVAL;
+    last_publication_ = now.mono;
+    const bool everything = publisher_->needs_everything();
+    building_ = std::make_unique<snapshot>();
+    building_->node = settings_.node.id;
     if (everything) {
         tracker_.forget();
-        out->is_everything = true;
-        out->node_name = settings_.node.name.empty() ? host_name() : settings_.node.name;
+        building_->is_everything = true;
+        building_->node_name = settings_.node.name.empty() ? host_name() : settings_.node.name;
     }
-    tracker_.collect(sender_, now, out.get());
-    fill_node_items(view, now, everything || settings_changed_, out.get());
+    sessions_are_due_ = everything || now.mono >= next_sessions_;
+    sessions_are_out_ = sessions_are_due_;
+    sessions_cost_ = sessions_are_due_ ? 0 : sessions_cost_;
+    continue_snapshot(now);
+}
+
+// Adds some of the sessions that are due; the last ones, and what is not about sessions, go into the store.
+void daemon::continue_snapshot(const moment &now) {
+    if (sessions_are_due_) {
+        const std::int64_t before = thread_time();
+        sessions_are_due_ = !tracker_.collect(sender_, now, building_.get());
+        sessions_cost_ += thread_time() - before;
+    }
+    if (!sessions_are_due_) {
+        hand_in(now);
+    }
+}
+
+void daemon::hand_in(const moment &now) {
+    const node_view view{settings_, sender_, responder_, open_listeners_, process_};
+    fill_node_items(view, now, building_->is_everything || settings_changed_, building_.get());
     settings_changed_ = false;
-    publisher_->publish(std::move(out));
+    publisher_->publish(std::move(building_));
 }
 
 void daemon::fill_node_items(const node_view &view, const moment &now, bool everything, snapshot *out) {

@@ -53,6 +53,9 @@ private:
     void host_changed();
     void every_second(const moment &now);
     void publish(const moment &now);
+    void continue_snapshot(const moment &now);
+    void hand_in(const moment &now);
+    void note_report(const publishing_report &report);
     void fill_node_items(const node_view &view, const moment &now, bool everything, snapshot *out);
     void enter(process_state state, std::uint16_t event);
     void connect(std::size_t collaborator, bool connected, std::uint16_t number);
@@ -76,7 +79,12 @@ private:
     bool settings_changed_ = true;
     mono_nsec next_second_ = 0;
     mono_nsec next_publication_ = 0;
-    mono_nsec last_lease_ = 0;
+    mono_nsec last_publication_ = 0;
+    mono_nsec next_sessions_ = 0;     // when sessions are published again; the rest, and the lease, go more often
+    std::int64_t sessions_cost_ = 0;  // nanoseconds of the processor, for building and writing them once
+    bool sessions_are_out_ = false;   // the last snapshot had sessions
+    bool sessions_are_due_ = false;   // and are to be added to the one that is being built
+    std::unique_ptr<snapshot> building_;
     mono_nsec host_read_at_ = 0;
     std::string last_store_error_;
 };

@@ -63,8 +63,8 @@ void take_neighbour(const nlmsghdr *header, std::vector<host_neighbour> *out) {
     neighbour.failed = (body->ndm_state & NUD_FAILED) != 0;
     neighbour.address.family = body->ndm_family == AF_INET ? ip_family::ipv4 : ip_family::ipv6;
     auto length = static_cast<int>(header->nlmsg_len - NLMSG_LENGTH(sizeof *body));
-    const auto *attribute = reinterpret_cast<const rtattr *>(reinterpret_cast<const char *>(body) +
-                                                             NLMSG_ALIGN(sizeof *body));
+    const auto *attribute =
+        reinterpret_cast<const rtattr *>(reinterpret_cast<const char *>(body) + NLMSG_ALIGN(sizeof *body));
     for (; RTA_OK(attribute, length); attribute = RTA_NEXT(attribute, length)) {
         if (attribute->rta_type == NDA_DST && RTA_PAYLOAD(attribute) == neighbour.address.size()) {
             std::memcpy(neighbour.address.octets.data(), RTA_DATA(attribute), RTA_PAYLOAD(attribute));
@@ -104,7 +104,9 @@ std::vector<host_neighbour> read_neighbours() {
 
 }  // namespace
 
-bool host_interface::has(const ip_address &address) const { return std::ranges::find(addresses, address) != addresses.end(); }
+bool host_interface::has(const ip_address &address) const {
+    return std::ranges::find(addresses, address) != addresses.end();
+}
 
 ip_address host_interface::first(ip_family family, bool link_local) const {
     ip_address second_choice;
@@ -131,9 +133,8 @@ const host_interface *host_state::find(std::uint32_t index) const {
 }
 
 const host_neighbour *host_state::find_neighbour(std::uint32_t interface, const ip_address &address) const {
-    const auto found = std::ranges::find_if(neighbours, [&](const host_neighbour &each) {
-        return each.interface == interface && each.address == address;
-    });
+    const auto found = std::ranges::find_if(
+        neighbours, [&](const host_neighbour &each) { return each.interface == interface && each.address == address; });
     return found == neighbours.end() ? nullptr : &*found;
 }
 

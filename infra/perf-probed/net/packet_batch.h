@@ -38,8 +38,8 @@ public:
     receive_batch(const receive_batch &) = delete;
     receive_batch &operator=(const receive_batch &) = delete;
 
-    // Receives what is there, BATCH_PACKETS at most; `now` is the time of packets that the kernel did not stamp. Returns
-    // how many, 0 when there are none.
+    // Receives what is there, BATCH_PACKETS at most; `now` is the time of packets that the kernel did not stamp.
+    // Returns how many, 0 when there are none.
     [[nodiscard]] std::size_t receive(udp_socket &socket, wall_nsec now);
 
     // Valid until the next receive; the data may be changed in place.
@@ -55,10 +55,10 @@ private:
 struct outgoing_packet {
     std::span<const std::uint8_t> data;  // stays valid until flush
     udp_endpoint to;
-    ip_address from;                  // none: the system chooses
-    std::uint32_t interface = 0;      // to leave by; 0: as the routes say
-    std::uint8_t traffic_class = 0;   // DSCP and ECN
-    std::uint8_t hop_limit = 0;       // 0: the socket's 255
+    ip_address from;                 // none: the system chooses
+    std::uint32_t interface = 0;     // to leave by; 0: as the routes say
+    std::uint8_t traffic_class = 0;  // DSCP and ECN
+    std::uint8_t hop_limit = 0;      // 0: the socket's 255
 };
 
 class send_batch {

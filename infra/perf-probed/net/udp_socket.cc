@@ -11,8 +11,8 @@ namespace {
 
 constexpr int TEST_PACKET_TTL = 255;
 
-constexpr int RECEIVE_STAMPS = SOF_TIMESTAMPING_RX_SOFTWARE | SOF_TIMESTAMPING_RX_HARDWARE |
-                               SOF_TIMESTAMPING_SOFTWARE | SOF_TIMESTAMPING_RAW_HARDWARE;
+constexpr int RECEIVE_STAMPS = SOF_TIMESTAMPING_RX_SOFTWARE | SOF_TIMESTAMPING_RX_HARDWARE | SOF_TIMESTAMPING_SOFTWARE |
+                               SOF_TIMESTAMPING_RAW_HARDWARE;
 constexpr int TRANSMIT_STAMPS = SOF_TIMESTAMPING_TX_SOFTWARE | SOF_TIMESTAMPING_OPT_ID | SOF_TIMESTAMPING_OPT_TSONLY;
 
 std::string name_of(const socket_settings &settings) {
@@ -63,13 +63,13 @@ pm_error udp_socket::open(const socket_settings &settings) {
 
 pm_error udp_socket::configure(const socket_settings &settings) {
     const bool ipv4 = family_ == ip_family::ipv4;
-    const bool set =
-        ipv4 ? set_option(IPPROTO_IP, IP_TTL, TEST_PACKET_TTL) && set_option(IPPROTO_IP, IP_RECVTTL, 1) &&
-                   set_option(IPPROTO_IP, IP_RECVTOS, 1) && set_option(IPPROTO_IP, IP_PKTINFO, 1)
-             : set_option(IPPROTO_IPV6, IPV6_V6ONLY, 1) &&
-                   set_option(IPPROTO_IPV6, IPV6_UNICAST_HOPS, TEST_PACKET_TTL) &&
-                   set_option(IPPROTO_IPV6, IPV6_RECVHOPLIMIT, 1) && set_option(IPPROTO_IPV6, IPV6_RECVTCLASS, 1) &&
-                   set_option(IPPROTO_IPV6, IPV6_RECVPKTINFO, 1);
+    const bool set = ipv4 ? set_option(IPPROTO_IP, IP_TTL, TEST_PACKET_TTL) && set_option(IPPROTO_IP, IP_RECVTTL, 1) &&
+                                set_option(IPPROTO_IP, IP_RECVTOS, 1) && set_option(IPPROTO_IP, IP_PKTINFO, 1)
+                          : set_option(IPPROTO_IPV6, IPV6_V6ONLY, 1) &&
+                                set_option(IPPROTO_IPV6, IPV6_UNICAST_HOPS, TEST_PACKET_TTL) &&
+                                set_option(IPPROTO_IPV6, IPV6_RECVHOPLIMIT, 1) &&
+                                set_option(IPPROTO_IPV6, IPV6_RECVTCLASS, 1) &&
+                                set_option(IPPROTO_IPV6, IPV6_RECVPKTINFO, 1);
     if (!set) {
         return system_error("cannot set up the socket of " + name_of(settings));
     }
@@ -78,9 +78,8 @@ pm_error udp_socket::configure(const socket_settings &settings) {
     }
     set_option(SOL_SOCKET, SO_RCVBUF, settings.receive_buffer);
     set_option(SOL_SOCKET, SO_SNDBUF, settings.receive_buffer);
-    if (!settings.device.empty() &&
-        setsockopt(fd_, SOL_SOCKET, SO_BINDTODEVICE, settings.device.c_str(),
-                   static_cast<socklen_t>(settings.device.size())) != 0) {
+    if (!settings.device.empty() && setsockopt(fd_, SOL_SOCKET, SO_BINDTODEVICE, settings.device.c_str(),
+                                               static_cast<socklen_t>(settings.device.size())) != 0) {
         return system_error("cannot use " + name_of(settings));
     }
     sockaddr_storage address{};

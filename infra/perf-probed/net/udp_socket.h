@@ -13,11 +13,11 @@
 namespace probed {
 
 struct socket_settings {
-    ip_address address;              // to receive at; its family is the socket's, all zero: any address
-    std::uint16_t port = 0;          // 0: one that the system chooses
-    std::string device;              // receive and send there only (an interface or a VRF); empty: everywhere
-    bool transmit_stamps = false;    // of each packet sent (read_transmit_stamps), and errors of sending are reported
-    int receive_buffer = 4 << 20;    // bytes wished for
+    ip_address address;            // to receive at; its family is the socket's, all zero: any address
+    std::uint16_t port = 0;        // 0: one that the system chooses
+    std::string device;            // receive and send there only (an interface or a VRF); empty: everywhere
+    bool transmit_stamps = false;  // of each packet sent (read_transmit_stamps), and errors of sending are reported
+    int receive_buffer = 4 << 20;  // bytes wished for
 };
 
 class udp_socket {
@@ -40,8 +40,8 @@ public:
     // Whether the kernel stamps what is received, and what is sent.
     [[nodiscard]] bool kernel_stamps() const { return kernel_stamps_; }
 
-    // Numbers the transmit time stamps from 0 again, as after a send that failed nobody knows whether the kernel counted
-    // its packet.
+    // Numbers the transmit time stamps from 0 again, as after a send that failed nobody knows whether the kernel
+    // counted its packet.
     void restart_transmit_numbers();
     // Forgets an error that an ICMP message left, which the next call would report in its place.
     void clear_error();

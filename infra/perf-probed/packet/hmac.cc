@@ -15,7 +15,8 @@ constexpr std::size_t BLOCK = 64;
 
 SHA256_CTX state_after_pad(const std::array<std::uint8_t, BLOCK> &key, std::uint8_t pad) {
     std::array<std::uint8_t, BLOCK> block{};
-    std::ranges::transform(key, block.begin(), [pad](std::uint8_t octet) { return static_cast<std::uint8_t>(octet ^ pad); });
+    std::ranges::transform(key, block.begin(),
+                           [pad](std::uint8_t octet) { return static_cast<std::uint8_t>(octet ^ pad); });
     SHA256_CTX state;
     SHA256_Init(&state);
     SHA256_Update(&state, block.data(), block.size());

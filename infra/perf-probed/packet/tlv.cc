@@ -31,8 +31,8 @@ private:
 // Where the HMAC TLV is, as far as the TLVs can be walked.
 struct layout {
     bool has_hmac = false;
-    bool hmac_is_last = true;    // only padding follows it
-    bool only_padding = true;    // there is nothing else
+    bool hmac_is_last = true;  // only padding follows it
+    bool only_padding = true;  // there is nothing else
     std::size_t hmac_offset = 0;
 };
 
@@ -65,8 +65,7 @@ bool integrity_holds(std::span<std::uint8_t> tlvs, const layout &found, const hm
         return found.only_padding;
     }
     const tlv_view tlv(tlvs.subspan(found.hmac_offset));
-    return found.hmac_is_last && tlv.value_size() == HMAC_SIZE &&
-           key.check(tlvs.first(found.hmac_offset), tlv.value());
+    return found.hmac_is_last && tlv.value_size() == HMAC_SIZE && key.check(tlvs.first(found.hmac_offset), tlv.value());
 }
 
 // Answers one TLV of a sound length. `wrong_size`: its type has another size.

@@ -55,7 +55,9 @@ public:
     // In the order of their first packets.
     [[nodiscard]] const std::vector<reflector_interface> &interfaces() const { return interfaces_; }
     [[nodiscard]] reflector_counters totals() const;
-    [[nodiscard]] std::uint64_t received(ip_family family) const { return received_by_family_[family == ip_family::ipv6]; }
+    [[nodiscard]] std::uint64_t received(ip_family family) const {
+        return received_by_family_[family == ip_family::ipv6];
+    }
     [[nodiscard]] std::uint32_t rate() const { return rate_; }
     [[nodiscard]] std::uint32_t rate_high() const { return rate_high_; }
     [[nodiscard]] std::uint32_t queue_high() const { return queue_high_; }  // packets found waiting at once

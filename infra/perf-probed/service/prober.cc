@@ -32,9 +32,9 @@ mono_nsec first_delay(std::uint32_t id, std::uint32_t tx_interval_usec) {
 
 void set_static_delay(session_entry *entry, const moment &now) {
     if (delay_session *const delay = as_delay(*entry)) {
-        delay->set_static_delay(
-            entry->plan.of_interface() ? entry->plan.interface->static_delay_usec : entry->plan.endpoint->static_delay_usec,
-            now);
+        delay->set_static_delay(entry->plan.of_interface() ? entry->plan.interface->static_delay_usec
+                                                           : entry->plan.endpoint->static_delay_usec,
+                                now);
     }
 }
 
@@ -93,6 +93,7 @@ pm_error prober::apply(const config &settings, const host_state &host) {
             insert(make(*plan, settings.histories, key == keys.end() ? std::nullopt : std::optional(key->second)));
         set_static_delay(entry, now);
     }
+    ++table_revision_;
     index_peers();
     resolve_all(now);
     return {};
@@ -109,8 +110,8 @@ std::vector<const session_plan *> prober::keep_or_remove(const std::vector<sessi
     std::vector<const session_plan *> added;
     for (const session_plan &plan : plans) {
         std::vector<session_entry *> &named = by_name[plan.name()];
-        const auto kept = std::ranges::find_if(
-            named, [&plan](const session_entry *entry) { return entry->plan.same_session(plan); });
+        const auto kept =
+            std::ranges::find_if(named, [&plan](const session_entry *entry) { return entry->plan.same_session(plan); });
         if (kept == named.end()) {
             added.push_back(&plan);
         } else {
@@ -159,7 +160,8 @@ std::unique_ptr<session_entry> prober::make(const session_plan &plan, const hist
     return entry;
 }
 
-// Numbers of sessions that went are used again only when there are no others: an answer to the old one may be on its way.
+// Numbers of sessions that went are used again only when there are no others: an answer to the old one may be on its
+// way.
 std::uint32_t prober::free_id() {
     constexpr std::uint32_t MOST = 0xFFFF;
     for (std::uint32_t tries = 0; tries < MOST; ++tries) {
@@ -195,6 +197,7 @@ void prober::forget_removed() {
     for (auto &entry : entries_) {
         if (entry != nullptr && entry->removed_at && now - *entry->removed_at >= SHOW_REMOVED_FOR) {
             entry.reset();
+            ++table_revision_;
         }
     }
 }

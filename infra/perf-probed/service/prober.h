@@ -31,10 +31,10 @@ struct session_entry {
     std::optional<hmac_key> key;
     std::uint32_t socket = 0;       // index of the sender's socket
     std::uint16_t source_port = 0;  // of that socket; 0: it is not open
-    resolved from;             // where it runs from, or why it does not run
-    ip_address used_source;       // of the last answered packet; none: none was answered
+    resolved from;                  // where it runs from, or why it does not run
+    ip_address used_source;         // of the last answered packet; none: none was answered
     bool next_hop_failed = false;
-    std::uint8_t request_ttl = 0;  // with which the last answered packet arrived; 0: none was answered
+    std::uint8_t request_ttl = 0;         // with which the last answered packet arrived; 0: none was answered
     std::uint64_t revision = 0;           // grows with everything that happens to it
     std::optional<mono_nsec> removed_at;  // it was removed from the configuration and is shown a little longer
 
@@ -46,8 +46,8 @@ struct session_entry {
 
 struct prober_counters {
     std::uint64_t sent = 0;
-    std::uint64_t received[2] = {};  // IPv4, IPv6: everything that arrived
-    std::uint64_t errors[2] = {};    // of these: cut, too short, bad HMAC, from an address that is not allowed
+    std::uint64_t received[2] = {};     // IPv4, IPv6: everything that arrived
+    std::uint64_t errors[2] = {};       // of these: cut, too short, bad HMAC, from an address that is not allowed
     std::uint64_t invalid_session = 0;  // the SSID of no session
     std::uint64_t no_session = 0;       // without an SSID, and no session waits for it
     std::uint64_t not_allowed = 0;
@@ -89,8 +89,8 @@ class prober {
 public:
     explicit prober(const clock_source_interface *clocks) : clocks_(clocks) {}
 
-    // Makes the sessions what the configuration says; those that did not change go on. The error names the key files that
-    // cannot be read; nothing has changed then.
+    // Makes the sessions what the configuration says; those that did not change go on. The error names the key files
+    // that cannot be read; nothing has changed then.
     [[nodiscard]] pm_error apply(const config &settings, const host_state &host);
     // Interfaces, addresses or neighbours changed, or sockets are to be tried again.
     void host_changed(const host_state &host);
@@ -111,6 +111,8 @@ public:
 
     // Null where there is none; the index is not the session's number.
     [[nodiscard]] const std::vector<std::unique_ptr<session_entry>> &entries() const { return entries_; }
+    // Changes with every session that comes or goes.
+    [[nodiscard]] std::uint64_t table_revision() const { return table_revision_; }
     [[nodiscard]] std::vector<sender_socket> &sockets() { return sockets_; }
     [[nodiscard]] const std::vector<sender_socket> &sockets() const { return sockets_; }
     [[nodiscard]] const prober_counters &counters() const { return counters_; }
@@ -151,7 +153,9 @@ private:
     void flush();
     void take_packet(std::size_t socket, const received_packet &packet, const moment &now);
     void take_reply(session_entry *entry, const received_packet &packet, const moment &now);
-    [[nodiscard]] session_entry *find(std::uint32_t id) const { return id < entries_.size() ? entries_[id].get() : nullptr; }
+    [[nodiscard]] session_entry *find(std::uint32_t id) const {
+        return id < entries_.size() ? entries_[id].get() : nullptr;
+    }
     [[nodiscard]] session_entry *find_by_ssid(std::size_t socket, const received_packet &packet, std::uint16_t ssid,
                                               packet_mode mode) const;
     [[nodiscard]] session_entry *find_without_ssid(std::size_t socket, const received_packet &packet,
@@ -165,6 +169,7 @@ private:
     rate_budget budget_;
     std::vector<std::unique_ptr<session_entry>> entries_;  // by session number
     std::unordered_multimap<ip_address, std::uint32_t> peers_;
+    std::uint64_t table_revision_ = 1;
     std::uint32_t last_id_ = 0;
     timer_queue timers_;
     std::vector<sender_socket> sockets_;

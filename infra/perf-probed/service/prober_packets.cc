@@ -148,8 +148,8 @@ session_entry *prober::find_without_ssid(std::size_t socket, const received_pack
                                          const reflector_fields &fields) const {
     const auto [first, last] = peers_.equal_range(packet.from.address);
     for (auto each = first; each != last; ++each) {
-        session_entry *const entry = find_by_ssid(socket, packet, static_cast<std::uint16_t>(each->second),
-                                                  packet_mode::unauthenticated);
+        session_entry *const entry =
+            find_by_ssid(socket, packet, static_cast<std::uint16_t>(each->second), packet_mode::unauthenticated);
         if (entry != nullptr && entry->run->owns(fields.sender.sequence, fields.sender.stamp)) {
             return entry;
         }

@@ -9,9 +9,9 @@ namespace probed {
 namespace {
 
 // Kinds of interfaces that carry IP.
-constexpr std::uint16_t IP_TYPES[] = {ARPHRD_ETHER,   ARPHRD_LOOPBACK, ARPHRD_PPP,  ARPHRD_TUNNEL, ARPHRD_TUNNEL6,
-                                      ARPHRD_SIT,     ARPHRD_IPGRE,    ARPHRD_NONE, ARPHRD_RAWIP,  ARPHRD_INFINIBAND,
-                                      ARPHRD_IEEE802};
+constexpr std::uint16_t IP_TYPES[] = {ARPHRD_ETHER,   ARPHRD_LOOPBACK,   ARPHRD_PPP,    ARPHRD_TUNNEL,
+                                      ARPHRD_TUNNEL6, ARPHRD_SIT,        ARPHRD_IPGRE,  ARPHRD_NONE,
+                                      ARPHRD_RAWIP,   ARPHRD_INFINIBAND, ARPHRD_IEEE802};
 
 resolved not_running(pm_probe_running_error_reason reason) { return {reason, {}, 0}; }
 
@@ -63,8 +63,8 @@ resolved resolve(const endpoint_config &endpoint, bool has_profile, pm_delay_mod
         return not_running(PM_NOT_RUNNING_NO_VRF);
     }
     if (!endpoint.source) {
-        const bool reachable = endpoint.address.is_loopback() || host.has(endpoint.address) ||
-                               host.has_family(endpoint.address.family);
+        const bool reachable =
+            endpoint.address.is_loopback() || host.has(endpoint.address) || host.has_family(endpoint.address.family);
         return not_running(reachable ? PM_NOT_RUNNING_NONE : PM_NOT_RUNNING_NO_SOURCE_ADDRESS);
     }
     if (endpoint.source.family != endpoint.address.family) {

@@ -60,9 +60,9 @@ void stretch(std::vector<session_plan> *plans, rate_budget *budget) {
     }
     for (session_plan &plan : *plans) {
         const std::uint64_t wanted = plan.profile_tx_interval_usec();
-        const std::uint64_t longest =
-            plan.kind == session_kind::delay ? std::uint64_t{plan.delay.computation_interval_sec} * USEC_PER_SEC
-                                             : 0xFFFFFFFFU;
+        const std::uint64_t longest = plan.kind == session_kind::delay
+                                          ? std::uint64_t{plan.delay.computation_interval_sec} * USEC_PER_SEC
+                                          : 0xFFFFFFFFU;
         const std::uint64_t stretched = std::min(wanted * budget->stretch_percent / 100, longest);
         plan.tx_interval_usec = static_cast<std::uint32_t>(std::max(wanted, stretched));
         plan.stretched = plan.tx_interval_usec > wanted;

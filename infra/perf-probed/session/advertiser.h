@@ -68,12 +68,12 @@ private:
     std::uint32_t computations_;
     std::uint32_t left_;  // computations until the periodic check, the one under way included
     std::optional<std::uint32_t> static_delay_;
-    bool is_advertised_ = false;                                 // values are out and not withdrawn
-    pm_advert_reason_e next_first_ = PM_ADVERT_REASON_FIRST;     // the reason of the next values after none
+    bool is_advertised_ = false;                              // values are out and not withdrawn
+    pm_advert_reason_e next_first_ = PM_ADVERT_REASON_FIRST;  // the reason of the next values after none
     advertisement last_;
     delay_statistics interval_;
-    delay_statistics latest_;               // the last computation with an answer
-    history<std::uint32_t> averages_;       // of the last computations, as many as an interval has
+    delay_statistics latest_;          // the last computation with an answer
+    history<std::uint32_t> averages_;  // of the last computations, as many as an interval has
     history<advertisement> advertised_;
     history<aggregate> aggregated_;
     std::uint64_t count_ = 0;

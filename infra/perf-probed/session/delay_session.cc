@@ -39,8 +39,8 @@ void delay_session::reconfigure(const delay_profile &profile, std::uint32_t tx_i
     const packet_window before = window_;
     window_ = packet_window(window_span(profile), tx_interval_usec);
     window_.continue_from(before);
-    samples_ = history<delay_sample>(
-        std::min<std::size_t>(profile.packets_per_computation(tx_interval_usec), MOST_SAMPLES));
+    samples_ =
+        history<delay_sample>(std::min<std::size_t>(profile.packets_per_computation(tx_interval_usec), MOST_SAMPLES));
     current_ = {};
     closing_ = {};
     if (is_running()) {
@@ -63,8 +63,7 @@ void delay_session::stopped(const moment &now, pm_probe_running_error_reason rea
     end_ = NEVER;
     samples_.clear();
     advertiser_.restart();
-    const bool link_is_down =
-        reason == PM_NOT_RUNNING_INTERFACE_DOWN || reason == PM_NOT_RUNNING_INTERFACE_ADMIN_DOWN;
+    const bool link_is_down = reason == PM_NOT_RUNNING_INTERFACE_DOWN || reason == PM_NOT_RUNNING_INTERFACE_ADMIN_DOWN;
     if (link_is_down) {
         advertiser_.link_down(now);
     } else {
@@ -204,8 +203,8 @@ reply_kind delay_session::on_reply(const reply &answer) {
     } else if (!answer.has_transmit_stamp) {
         ++counters_.missing_tx_stamp;
     } else {
-        delay = profile_.mode == PM_DELAY_MODE_ONE_WAY ? near_end_delay(*packet, answer)
-                                                       : two_way_delay(*packet, answer);
+        delay =
+            profile_.mode == PM_DELAY_MODE_ONE_WAY ? near_end_delay(*packet, answer) : two_way_delay(*packet, answer);
         delay = std::max(delay, NO_DELAY);
         counters_.negative_delay += delay == NO_DELAY ? 1 : 0;
     }

@@ -40,7 +40,7 @@ public:
     [[nodiscard]] bool is_up() const { return is_up_; }
     [[nodiscard]] std::uint32_t missed_in_a_row() const { return missed_; }
     [[nodiscard]] std::uint64_t last_change_msec() const { return last_change_msec_; }  // 0: it never was up
-    [[nodiscard]] std::uint64_t change_count() const { return change_count_; }  // ever
+    [[nodiscard]] std::uint64_t change_count() const { return change_count_; }          // ever
     [[nodiscard]] const history<liveness_change> &changes() const { return changes_; }
 
 private:

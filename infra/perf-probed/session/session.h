@@ -126,8 +126,8 @@ private:
     pm_probe_running_error_reason reason_ = PM_NOT_RUNNING_CLIENT_NOT_READY;
 };
 
-// The delay that an answer shows, in nanoseconds; negative when the clocks contradict each other. When the wall clock was
-// set between the packet and its answer, the monotonic clock takes its place in the two-way delay.
+// The delay that an answer shows, in nanoseconds; negative when the clocks contradict each other. When the wall clock
+// was set between the packet and its answer, the monotonic clock takes its place in the two-way delay.
 [[nodiscard]] std::int64_t two_way_delay(const sent_packet &packet, const reply &answer);
 // From here to there; only means something with synchronised clocks. Negative when this clock was set meanwhile.
 [[nodiscard]] std::int64_t near_end_delay(const sent_packet &packet, const reply &answer);

@@ -89,7 +89,8 @@ void fill_probe(const session_entry &entry, const moment &now, record_arena *are
 }
 
 void add_endpoint_detail(const entity &of, const moment &now, snapshot *out) {
-    auto *const record = out->add_main<pm_endpoint_common>("endpoint/detail/" + of.name(), pm_endpoint_common_descriptor());
+    auto *const record =
+        out->add_main<pm_endpoint_common>("endpoint/detail/" + of.name(), pm_endpoint_common_descriptor());
     record_arena *const arena = &out->arena;
     record->EndpointName = arena->text(of.name());
     if (of.delay != nullptr) {
@@ -131,9 +132,8 @@ void add_endpoint_counters(const entity &of, snapshot *out) {
 
 void add_endpoint_session(const session_entry &entry, const moment &now, snapshot *out) {
     const bool is_probe = entry.plan.kind == session_kind::probe;
-    auto *const record =
-        out->add_main<pm_session_parcel>(session_path(is_probe ? "probe-session/" : "session/", entry.id()),
-                                         pm_session_parcel_descriptor());
+    auto *const record = out->add_main<pm_session_parcel>(
+        session_path(is_probe ? "probe-session/" : "session/", entry.id()), pm_session_parcel_descriptor());
     record_arena *const arena = &out->arena;
     record->Session.type = PM_TRANSPORT_ENDPOINT;
     pm_session_endpoint_parcel &session = record->Session.EndpointSession;
@@ -210,8 +210,8 @@ void add_interface_detail(const entity &of, const host_state &host, const moment
 
 void add_endpoint_history(const session_entry &entry, const char *prefix, const pm_history_info &history,
                           snapshot *out) {
-    auto *const record = out->add_main<pm_endpoint_history_parcel>(prefix + entry.plan.name(),
-                                                                   pm_endpoint_history_parcel_descriptor());
+    auto *const record =
+        out->add_main<pm_endpoint_history_parcel>(prefix + entry.plan.name(), pm_endpoint_history_parcel_descriptor());
     record_arena *const arena = &out->arena;
     record->EndpointName = arena->text(entry.plan.name());
     record->EndPointAddress = record_address(entry.plan.address());
@@ -246,7 +246,8 @@ std::uint64_t entity::history_revision() const {
     std::uint64_t sum = 0;
     if (delay != nullptr) {
         const session_counters &counters = delay->run->counters();
-        sum += 1 + counters.probes_complete + counters.probes_incomplete + delay_of(*delay).advertiser().advertisements();
+        sum +=
+            1 + counters.probes_complete + counters.probes_incomplete + delay_of(*delay).advertiser().advertisements();
     }
     if (liveness != nullptr) {
         sum += 1 + liveness_of(*liveness).change_count();

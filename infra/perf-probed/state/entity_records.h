@@ -31,6 +31,7 @@ void add_state_items(const entity &of, const host_state &host, const moment &now
 // What the shows of histories need.
 void add_history_items(const entity &of, snapshot *out);
 // Removes all items of an endpoint or interface, and those of its sessions.
-void add_removals(bool is_interface, const std::string &name, const std::vector<std::uint32_t> &sessions, snapshot *out);
+void add_removals(bool is_interface, const std::string &name, const std::vector<std::uint32_t> &sessions,
+                  snapshot *out);
 
 }  // namespace probed

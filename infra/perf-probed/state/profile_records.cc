@@ -200,8 +200,8 @@ void add_profiles(const node_view &of, snapshot *out) {
 
 void add_prefixes(const node_view &of, snapshot *out) {
     record_arena *const arena = &out->arena;
-    auto *const queriers = out->add_main<pm_querier_prefixes_summary>("allowed-querier/summary",
-                                                                      pm_querier_prefixes_summary_descriptor());
+    auto *const queriers =
+        out->add_main<pm_querier_prefixes_summary>("allowed-querier/summary", pm_querier_prefixes_summary_descriptor());
     const std::vector<ip_prefix> &allowed = of.settings.reflector.allowed_queriers;
     queriers->IPv4PrefixInfo = record_prefixes(allowed, ip_family::ipv4, arena);
     queriers->IPv6PrefixInfo = record_prefixes(allowed, ip_family::ipv6, arena);

@@ -78,8 +78,8 @@ void add_responder(const node_view &of, const moment &now, snapshot *out) {
     for (const reflector_interface &each : of.responder.interfaces()) {
         add_responder_interface(each, of.sender.host(), now, out);
     }
-    auto *const record = out->add<pm_resp_summary_parcel>(store::root::responder, "summary",
-                                                          pm_resp_summary_parcel_descriptor());
+    auto *const record =
+        out->add<pm_resp_summary_parcel>(store::root::responder, "summary", pm_resp_summary_parcel_descriptor());
     record->TotalInterfaces = static_cast<std::uint32_t>(of.responder.interfaces().size());
     record->ResponderCounters = record_counters(of.responder.totals());
     record->PacketRate = of.responder.rate();

@@ -207,10 +207,9 @@ pm_scb_parcel record_delay_session(const session_entry &entry, const moment &now
     record.ProfileName = arena->text(entry.plan.profile_name);
     record.ProfileKey = record_profile_key(entry.plan, arena);
     record.CurrentProbe = record_current_probe(entry, now);
-    record.ProbeHistory =
-        record_list<pm_scb_sample_parcel>(session.samples(), arena, [](const delay_sample &sample) {
-            return pm_scb_sample_parcel{sample.delay_nsec, sample.arrival_msec};
-        });
+    record.ProbeHistory = record_list<pm_scb_sample_parcel>(session.samples(), arena, [](const delay_sample &sample) {
+        return pm_scb_sample_parcel{sample.delay_nsec, sample.arrival_msec};
+    });
     record.SessionCounters = record_delay_counters(entry);
     record.PeriodicAdvertisementIntervalInSec = session.profile().effective_periodic_interval_sec();
     record.LastAdvertisementInformation = record_last_advertisement(adverts.last());
@@ -257,9 +256,10 @@ pm_history_info record_probe_history(const session_entry &entry, record_arena *a
 pm_history_info record_aggregated_history(const session_entry &entry, record_arena *arena) {
     pm_history_info info{};
     info.HistoryType = PM_HISTORY_DM_AGGREGATION;
-    info.AggregatedHistory.AggregatedHistoryList = record_list<pm_aggr_sample_parcel>(
-        delay_of(entry).advertiser().aggregated(), arena,
-        [](const aggregate &each) { return pm_aggr_sample_parcel{each.time_msec, record_values(each.values)}; });
+    info.AggregatedHistory.AggregatedHistoryList =
+        record_list<pm_aggr_sample_parcel>(delay_of(entry).advertiser().aggregated(), arena, [](const aggregate &each) {
+            return pm_aggr_sample_parcel{each.time_msec, record_values(each.values)};
+        });
     return info;
 }
 

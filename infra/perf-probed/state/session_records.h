@@ -38,8 +38,7 @@ inline constexpr char NO_SEGMENT_LIST[] = "None";
 [[nodiscard]] pm_endpoint_liveness_counters_info_parcel record_liveness_counters(const session_entry &entry);
 // Adds up counters of many sessions of one transport.
 void add_counters(const pm_delay_counters_info_parcel &from, pm_delay_counters_info_parcel *to);
-void add_counters(const pm_endpoint_liveness_counters_info_parcel &from,
-                  pm_endpoint_liveness_counters_info_parcel *to);
+void add_counters(const pm_endpoint_liveness_counters_info_parcel &from, pm_endpoint_liveness_counters_info_parcel *to);
 
 [[nodiscard]] pm_scb_parcel record_delay_session(const session_entry &entry, const moment &now, record_arena *arena);
 [[nodiscard]] pm_liveness_state_info_parcel record_liveness_state(const session_entry &entry);

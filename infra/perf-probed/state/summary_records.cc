@@ -69,9 +69,7 @@ void count_session(const session_entry &entry, pm_summary_parcel *to) {
         count_delay_session(entry, entry.plan.of_interface() ? &to->DelaySummary.InterfaceDelaySummary
                                                              : &to->DelaySummary.EndpointDelaySummary);
         break;
-    case session_kind::liveness:
-        count_liveness_session(entry, &to->LivenessSummary.EndpointLivenessSummary);
-        break;
+    case session_kind::liveness: count_liveness_session(entry, &to->LivenessSummary.EndpointLivenessSummary); break;
     case session_kind::probe: count_probe_session(entry, &to->ProbeSummary); break;
     }
 }
@@ -143,8 +141,9 @@ void add_capability(const node_view &of, snapshot *out) {
     record->PerformanceMeasurementSupported = true;
     auto *const info = out->arena.make<pm_capability_info>();
     record->PerformanceMeasurementCapabilityInfo = info;
-    const bool kernel_stamps = std::ranges::any_of(
-        of.sender.sockets(), [](const sender_socket &each) { return each.socket.is_open() && each.socket.kernel_stamps(); });
+    const bool kernel_stamps = std::ranges::any_of(of.sender.sockets(), [](const sender_socket &each) {
+        return each.socket.is_open() && each.socket.kernel_stamps();
+    });
     info->SWFWDSupported = true;
     info->SWFWDCapabilityInfo = out->arena.make<pm_cap_swfwd_info>();
     *info->SWFWDCapabilityInfo = {of.settings.packet_rate, LEAST_INTERVAL_USEC};
@@ -155,7 +154,8 @@ void add_capability(const node_view &of, snapshot *out) {
         *info->KPKTCapabilityInfo = {of.settings.packet_rate, LEAST_INTERVAL_USEC};
     }
     info->MaxTimestampOffset = UNLIMITED_OFFSET;
-    info->HardwareTimestampSupported = out->arena.make<std::remove_pointer_t<decltype(info->HardwareTimestampSupported)>>();
+    info->HardwareTimestampSupported =
+        out->arena.make<std::remove_pointer_t<decltype(info->HardwareTimestampSupported)>>();
     *info->HardwareTimestampSupported = of.sender.counters().hardware_stamped > 0;
 }
 

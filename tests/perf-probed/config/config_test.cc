@@ -98,7 +98,7 @@ interfaces:
     EXPECT_EQ(delay.response_timeout_msec, 200U);
     EXPECT_EQ(delay.dscp, 46);
     EXPECT_EQ(delay.mode, PM_DELAY_MODE_ONE_WAY);
-    const advertisement_settings expected{false, 120, 5,    100,   true,  30,   1000, 9000,
+    const advertisement_settings expected{false, 120,  5,    100,  true,  30,   1000, 9000,
                                           true,  8000, 2000, true, false, true, true};
     EXPECT_EQ(delay.advertisement, expected);
     EXPECT_EQ(settings.endpoint_liveness, (liveness_profile{"", 50'000, 5, false, 8}));
@@ -137,12 +137,10 @@ constexpr error_case ERRORS[] = {
     {"endpoints:\n  - name: a", "f.yaml:2: endpoints[0].address: is missing"},
     {"endpoints:\n  - {name: a, address: 1.2.3.4}\n  - {name: a, address: 1.2.3.4}",
      "f.yaml:3: endpoints[1].name: 'a' is used twice"},
-    {"endpoints:\n  - {name: a, address: 224.0.0.1}",
-     "f.yaml:2: endpoints[0].address: is not the address of one host"},
+    {"endpoints:\n  - {name: a, address: 224.0.0.1}", "f.yaml:2: endpoints[0].address: is not the address of one host"},
     {"endpoints:\n  - {name: a/b, address: 1.2.3.4}",
      "f.yaml:2: endpoints[0].name: is longer than 64 bytes or has a slash"},
-    {"endpoints:\n  - {name: a, address: here}",
-     "f.yaml:2: endpoints[0].address: 'here' is no IPv4 or IPv6 address"},
+    {"endpoints:\n  - {name: a, address: here}", "f.yaml:2: endpoints[0].address: 'here' is no IPv4 or IPv6 address"},
     {"defaults:\n  endpoint-delay:\n    tx-interval: 40 s",
      "f.yaml:3: defaults.endpoint-delay.tx-interval: is longer than the computation interval"},
     {"defaults:\n  endpoint-delay:\n    burst-count: 11",

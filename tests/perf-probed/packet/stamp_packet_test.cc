@@ -10,8 +10,7 @@ namespace {
 using namespace probed;
 
 constexpr sender_fields REQUEST{0x01020304, 0x1112131415161718, 0x8D02, 0xABCD};
-constexpr reflector_fields REPLY{0x01020304,         0x2122232425262728, 0x4D03, 0xABCD,
-                                 0x3132333435363738, REQUEST,            0xFE};
+constexpr reflector_fields REPLY{0x01020304, 0x2122232425262728, 0x4D03, 0xABCD, 0x3132333435363738, REQUEST, 0xFE};
 
 constexpr char REQUEST_HEX[] =
     "01020304 1112131415161718 8d02 abcd"

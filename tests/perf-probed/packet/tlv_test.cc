@@ -36,9 +36,7 @@ TEST(tlv, an_unknown_type_keeps_u_and_its_value) {
     EXPECT_EQ(reflect("80 c8 0002 1234  80 01 0000").hex, plain("80 c8 0002 1234  00 01 0000"));
 }
 
-TEST(tlv, the_sender_does_not_decide_about_u) {
-    EXPECT_EQ(reflect("00 c8 0001 12").hex, plain("80 c8 0001 12"));
-}
+TEST(tlv, the_sender_does_not_decide_about_u) { EXPECT_EQ(reflect("00 c8 0001 12").hex, plain("80 c8 0001 12")); }
 
 TEST(tlv, time_stamp_information_says_where_the_stamps_come_from) {
     EXPECT_EQ(reflect("80 03 0004 00000000").hex, plain("00 03 0004 01 02 01 02"));

@@ -17,9 +17,9 @@ ip_address address(const char *text) {
 }
 
 struct resolve_test : testing::Test {
-    host_state host{{{2, "eth0", ARPHRD_ETHER, true, true, {}, {address("192.0.2.1"), address("2001:db8::1"),
-                                                                 address("fe80::1")}}},
-                    {}};
+    host_state host{
+        {{2, "eth0", ARPHRD_ETHER, true, true, {}, {address("192.0.2.1"), address("2001:db8::1"), address("fe80::1")}}},
+        {}};
     endpoint_config endpoint;
     interface_config interface;
     bool has_profile = true;

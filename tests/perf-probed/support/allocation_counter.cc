@@ -1,4 +1,5 @@
-// The C library's allocation, counted: in the sanitizer's build by its hooks, else by functions that go before the library's.
+// The C library's allocation, counted: in the sanitizer's build by its hooks, else by functions that go before the
+// library's.
 #include "tests/perf-probed/support/allocation_counter.h"
 
 #include <atomic>

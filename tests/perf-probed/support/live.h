@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <functional>
-#include <memory>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <sys/wait.h>
 #include <thread>

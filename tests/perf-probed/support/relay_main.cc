@@ -3,9 +3,10 @@
 //
 //   relay LISTEN-ADDRESS PORT REFLECTOR-ADDRESS PORT HOLD-USEC LOSE-EVERY DUPLICATE-EVERY LATER-EVERY LATER-USEC
 //
-// Of each N packets the last is lost, answered twice, or held for LATER-USEC more; 0: none is. At SIGTERM it prints how many
-// it forwarded, lost, answered twice and held longer, and the nanoseconds that it added on average to those of the first
-// hundred packets that were answered: between the kernel's stamp of what it received and the moment when it passed it on, both ways.
+// Of each N packets the last is lost, answered twice, or held for LATER-USEC more; 0: none is. At SIGTERM it prints how
+// many it forwarded, lost, answered twice and held longer, and the nanoseconds that it added on average to those of the
+// first hundred packets that were answered: between the kernel's stamp of what it received and the moment when it
+// passed it on, both ways.
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -158,7 +159,6 @@ int main(int, char **argv) {
     }
     std::printf("%llu %llu %llu %llu %lld\n", static_cast<unsigned long long>(done.forwarded),
                 static_cast<unsigned long long>(done.lost), static_cast<unsigned long long>(done.duplicated),
-                static_cast<unsigned long long>(done.delayed),
-                answered > 0 ? added / answered : 0);
+                static_cast<unsigned long long>(done.delayed), answered > 0 ? added / answered : 0);
     return 0;
 }

@@ -11,7 +11,8 @@ namespace {
 std::string self(int port, const std::string &more = "") {
     const std::string number = std::to_string(port);
     return "node: {name: h, id: 1}\nreflector: {listen: [{address: 127.0.0.1, port: " + number +
-           "}]}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 1 s, tx-interval: 20 ms, response-timeout: "
+           "}]}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 1 s, tx-interval: 20 ms, "
+           "response-timeout: "
            "200 ms}\nendpoints:\n  - {name: a, address: 127.0.0.1, port: " +
            number + ", delay: p}\n" + more;
 }
@@ -121,7 +122,8 @@ TEST(life, a_store_on_a_full_disk_is_told_and_published_again_once_there_is_room
         EXPECT_TRUE(within(8, [&] { return service.log().find("the store cannot be written") != std::string::npos; }));
         EXPECT_EQ(system(("mount -o remount,size=64m " + folder.path()).c_str()), 0);
         EXPECT_TRUE(within(8, [&] {
-            return run_command(PERF_SHOW " -c 26", folder.path() + "/s").out.find("Endpoint name: a") != std::string::npos;
+            return run_command(PERF_SHOW " -c 26", folder.path() + "/s").out.find("Endpoint name: a") !=
+                   std::string::npos;
         })) << service.log();
         EXPECT_TRUE(went_on_measuring(service));
     }
@@ -139,7 +141,8 @@ TEST(life, a_read_only_store_is_told_and_published_again_once_it_may_be_written)
         EXPECT_TRUE(within(8, [&] { return service.log().find("the store cannot be written") != std::string::npos; }));
         EXPECT_EQ(system(("mount -o remount,rw " + folder.path()).c_str()), 0);
         EXPECT_TRUE(within(8, [&] {
-            return run_command(PERF_SHOW " -c 26", folder.path() + "/s").out.find("Endpoint name: a") != std::string::npos;
+            return run_command(PERF_SHOW " -c 26", folder.path() + "/s").out.find("Endpoint name: a") !=
+                   std::string::npos;
         })) << service.log();
     }
     EXPECT_EQ(system(("umount " + folder.path()).c_str()), 0);
@@ -150,8 +153,9 @@ TEST(life, a_wrong_configuration_does_not_start) {
     write_file(folder.path() + "/c.yaml", "a: 1\nb: 2\n");
     const command_result checked = run_command(PERF_PROBED " --check " + folder.path() + "/c.yaml", folder.path());
     EXPECT_EQ(checked.status, 1);
-    EXPECT_EQ(checked.err, "perf-probed: " + folder.path() + "/c.yaml:1: a: is no key that is known here\nperf-probed: " +
-                               folder.path() + "/c.yaml:2: b: is no key that is known here\n");
+    EXPECT_EQ(checked.err, "perf-probed: " + folder.path() +
+                               "/c.yaml:1: a: is no key that is known here\nperf-probed: " + folder.path() +
+                               "/c.yaml:2: b: is no key that is known here\n");
     EXPECT_EQ(run_command(PERF_PROBED " --nonsense", folder.path()).status, 2);
     EXPECT_EQ(run_command(PERF_PROBED " --check " PM_PROBED_EXAMPLE, folder.path()).status, 0);
 }

@@ -43,9 +43,10 @@ relay_result end(running_process &relay) {
 
 // 100 packets in a second, then three seconds of rest in which everything can be counted.
 std::string burst(const std::string &address, const std::string &more = "") {
-    return "node: {name: h, id: 1}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 4 s, tx-interval: 10 ms, "
-           "burst-count: 100, response-timeout: 500 ms" + more + "}\nendpoints:\n  - {name: far, address: \"" +
-           address + "\", port: 9000, delay: p}\n";
+    return "node: {name: h, id: 1}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 4 s, tx-interval: 10 "
+           "ms, "
+           "burst-count: 100, response-timeout: 500 ms" +
+           more + "}\nendpoints:\n  - {name: far, address: \"" + address + "\", port: 9000, delay: p}\n";
 }
 
 constexpr char REFLECTOR[] = "node: {name: r, id: 2}\nreflector: {listen: [{port: 8620}]}\n";
@@ -66,8 +67,9 @@ constexpr char AT_ONCE[] = "chrt -f 20 ";
 // Microseconds by which the measured average differs from what the relay added; -1: nothing was measured.
 double difference(joined_namespaces &path, const std::string &address, const std::string &reflector) {
     live_service far(REFLECTOR, path.in("b") + AT_ONCE);
-    running_process relay(path.in("b") + AT_ONCE + PROBED_RELAY " " + address + " 9000 " + reflector + " 8620 5000 0 0 0 0",
-                          far.store() + "-relay");
+    running_process relay(
+        path.in("b") + AT_ONCE + PROBED_RELAY " " + address + " 9000 " + reflector + " 8620 5000 0 0 0 0",
+        far.store() + "-relay");
     if (!within(5, [&] { return far.shows("-c 10", "Delay-Measurement:") && path_test::ready(relay); })) {
         return -1;
     }
@@ -100,8 +102,8 @@ TEST_F(path_test, the_average_is_within_100_microseconds_of_what_the_relay_added
     expect_accurate(path, path.ipv6("b"), "::1");
 }
 
-// The numbers of packets are 0 to 99. Lost: 9, 19, ... Answered twice: 6, 13, ... of those that are not lost, but 69 is.
-// Held for 25 ms more, so that two others overtake it: 24, 49, 74 and 99 are, of which 49 and 99 are lost.
+// The numbers of packets are 0 to 99. Lost: 9, 19, ... Answered twice: 6, 13, ... of those that are not lost, but 69
+// is. Held for 25 ms more, so that two others overtake it: 24, 49, 74 and 99 are, of which 49 and 99 are lost.
 TEST_F(path_test, lost_duplicate_and_reordered_packets_are_counted_exactly) {
     live_service far(REFLECTOR, path.in("b"));
     running_process relay(path.in("b") + PROBED_RELAY " " + path.ipv4("b") + " 9000 127.0.0.1 8620 1000 10 7 25 25000",
@@ -111,8 +113,9 @@ TEST_F(path_test, lost_duplicate_and_reordered_packets_are_counted_exactly) {
     ASSERT_TRUE(within(4, [&] { return near.shows("-c 28", "Total sent                              : 100\n"); }));
     pause(0.8);
     near.process().signal(SIGUSR2);
-    const char expected[] = "endpoint far: 100 sent, 0 not sent, 90 answered, 10 lost, 0 late, 13 duplicate, 2 reordered, "
-                            "0 unknown, 90 with the kernel's time stamps";
+    const char expected[] =
+        "endpoint far: 100 sent, 0 not sent, 90 answered, 10 lost, 0 late, 13 duplicate, 2 reordered, "
+        "0 unknown, 90 with the kernel's time stamps";
     EXPECT_TRUE(within(1, [&] { return near.log().find(expected) != std::string::npos; })) << near.log();
     const std::string shown = near.show("-c 28 -d").out;
     EXPECT_NE(shown.find("Total received                          : 90\n"), std::string::npos) << shown;
@@ -132,16 +135,18 @@ TEST_F(path_test, answers_after_their_time_are_late_and_lost) {
     ASSERT_TRUE(within(4, [&] { return near.shows("-c 28", "Total sent                              : 100\n"); }));
     pause(1);
     near.process().signal(SIGUSR2);
-    EXPECT_TRUE(within(1, [&] { return near.log().find("100 answered, 5 lost, 5 late, 0 duplicate") != std::string::npos; }))
-        << near.log();
+    EXPECT_TRUE(within(1, [&] {
+        return near.log().find("100 answered, 5 lost, 5 late, 0 duplicate") != std::string::npos;
+    })) << near.log();
 }
 
 std::string watching(const joined_namespaces &path, const std::string &interface = "a") {
     return "node: {name: h, id: 1}\nprofiles:\n"
            "  - {name: p, kind: delay, computation-interval: 1 s, tx-interval: 50 ms, response-timeout: 200 ms}\n"
            "  - {name: l, kind: liveness, tx-interval: 100 ms, multiplier: 3}\n"
-           "endpoints:\n  - {name: far, address: " + path.ipv4("b") + ", port: 8620, liveness: l}\n" +
-           "interfaces:\n  - {name: " + interface + ", next-hop: " + path.ipv4("b") + ", port: 8620, delay: p}\n";
+           "endpoints:\n  - {name: far, address: " +
+           path.ipv4("b") + ", port: 8620, liveness: l}\n" + "interfaces:\n  - {name: " + interface +
+           ", next-hop: " + path.ipv4("b") + ", port: 8620, delay: p}\n";
 }
 
 TEST_F(path_test, a_vanishing_peer_is_down_and_comes_up_again) {
@@ -180,10 +185,11 @@ TEST_F(path_test, an_interface_goes_down_away_and_returns) {
 
 TEST_F(path_test, a_next_hop_that_nobody_answers_for_is_told) {
     const std::string nobody = path.ipv4("b") + "00";
-    live_service near("node: {name: h, id: 1}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 1 s, tx-interval: "
-                      "50 ms, response-timeout: 200 ms}\ninterfaces:\n  - {name: a, next-hop: " + nobody +
-                          ", delay: p}\n",
-                      path.in("a"));
+    live_service near(
+        "node: {name: h, id: 1}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 1 s, tx-interval: "
+        "50 ms, response-timeout: 200 ms}\ninterfaces:\n  - {name: a, next-hop: " +
+            nobody + ", delay: p}\n",
+        path.in("a"));
     EXPECT_TRUE(within(10, [&] { return near.shows("-c 1", "Not running: Missing next hop MAC address"); }))
         << near.show("-c 1").out;
 }
@@ -203,9 +209,10 @@ TEST_F(path_test, a_full_queue_is_a_sending_error_and_no_lost_packet) {
 }
 
 TEST_F(path_test, an_unreachable_endpoint_goes_on_being_tried) {
-    live_service near("node: {name: h, id: 1}\nprofiles:\n  - {name: l, kind: liveness, tx-interval: 100 ms}\nendpoints:\n"
-                      "  - {name: far, address: 203.0.113.1, liveness: l}\n",
-                      path.in("a"));
+    live_service near(
+        "node: {name: h, id: 1}\nprofiles:\n  - {name: l, kind: liveness, tx-interval: 100 ms}\nendpoints:\n"
+        "  - {name: far, address: 203.0.113.1, liveness: l}\n",
+        path.in("a"));
     EXPECT_TRUE(within(8, [&] { return near.shows("-c 26", "Session State: Down"); })) << near.show("-c 26").out;
     EXPECT_TRUE(within(5, [&] {
         const std::string out = near.show("-c 28 -d").out;

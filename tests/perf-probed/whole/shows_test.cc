@@ -1,6 +1,7 @@
 // From packets to printed text: every show that makes sense on a host, of a service that measures itself over the
 // loopback interface. What differs from run to run is written as a pattern: <n> a number, <t> a time stamp, <w> a wait
-// or an age, <p> a port, <r> the reason of an advertisement, <c> when the next check is due, <a> the delays of its interval so far, <_> blanks; trailing blanks do not count. Everything else is compared byte for byte.
+// or an age, <p> a port, <r> the reason of an advertisement, <c> when the next check is due, <a> the delays of its
+// interval so far, <_> blanks; trailing blanks do not count. Everything else is compared byte for byte.
 #include <cctype>
 #include <gtest/gtest.h>
 #include <regex>
@@ -46,13 +47,16 @@ bool line_matches(const std::string &line, const std::string &pattern) {
     expression = replaced(expression, "<n>", "[0-9]+");
     expression = replaced(expression, "<w>", "[0-9]+\\.[0-9]+");
     expression = replaced(expression, "<t>", "[A-Z][a-z]{2} [ 0-9]{2} 20[0-9]{2} [0-9:]{8}\\.[0-9]{3}");
-    expression = replaced(expression, "<d>", "[A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-9]{2} [0-9:]{8} UTC 20[0-9]{2} \\([0-9]+d [0-9:]{8} ago\\)");
+    expression = replaced(expression, "<d>",
+                          "[A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-9]{2} [0-9:]{8} UTC 20[0-9]{2} \\([0-9]+d [0-9:]{8} ago\\)");
     expression = replaced(expression, "<p>", "[0-9]{4,5}");
     expression = replaced(expression, "<r>", "(First advertisement|Periodic timer, min delay threshold crossed)");
     expression = replaced(
         expression, "<a>",
         "(No probes completed|Aggregated delays \\(uSec\\): avg: [0-9]+, min: [0-9]+, max: [0-9]+, variance: [0-9]+)");
-    expression = replaced(expression, "<c>", "(Check scheduled at the end of the current computation|Threshold check scheduled in 1 more probe) ");
+    expression =
+        replaced(expression, "<c>",
+                 "(Check scheduled at the end of the current computation|Threshold check scheduled in 1 more probe) ");
     return std::regex_match(line, std::regex(replaced(expression, "<_>", " *")));
 }
 
@@ -227,15 +231,18 @@ constexpr char ENDPOINT_HEAD[] = R"(Endpoint name: v4
 )";
 
 TEST_F(shows_test, histories_of_endpoints) {
-    expect_history(service_, "-c 4 -t 29 -i v4", std::string(ENDPOINT_HEAD) +
+    expect_history(service_, "-c 4 -t 29 -i v4",
+                   std::string(ENDPOINT_HEAD) +
                        "    Delay-Measurement history (uSec):\n"
                        "      Probe Start Timestamp     Pkt(TX/RX)   Average       Min       Max\n",
                    "      <t>         5/5 <_><n> <_><n> <_><n>", 2);
-    expect_history(service_, "-c 5 -t 29 -i v4", std::string(ENDPOINT_HEAD) +
+    expect_history(service_, "-c 5 -t 29 -i v4",
+                   std::string(ENDPOINT_HEAD) +
                        "    Delay-Measurement history (uSec):\n"
                        "      Aggregation Timestamp       Average       Min       Max\n",
                    "      <t> <_><n> <_><n> <_><n>", 1);
-    expect_history(service_, "-c 27 -t 29 -i v4", std::string(ENDPOINT_HEAD) +
+    expect_history(service_, "-c 27 -t 29 -i v4",
+                   std::string(ENDPOINT_HEAD) +
                        "    Liveness-Detection history:\n"
                        "      Liveness state change timestamp      New State\n",
                    "      <t>                    UP", 1);
@@ -345,7 +352,8 @@ TEST_F(shows_test, endpoints) {
 )");
     expect("-c 26 -i v6 -b -h 0",
            " Endpoint Name(64 char) <_>SL Name(32 char) <_>Tx/Rx <_>Avg/Min/Max/Variance (uSec)\n"
-           " --------------------------------------------------------------------------------------------------------------"
+           " ----------------------------------------------------------------------------------------------------------"
+           "----"
            "------------------------------------------------\n"
            " v6 <_>None <_>5/5 <_><n>/<n>/<n>/<n>\n");
 }
@@ -428,9 +436,11 @@ TEST_F(shows_test, the_responder) {
 }
 
 TEST_F(shows_test, packet_rates) {
-    // Two endpoints with five packets a second each, five for liveness and one in thirty seconds; an interface with five.
+    // Two endpoints with five packets a second each, five for liveness and one in thirty seconds; an interface with
+    // five.
     const std::vector<std::string> lines = body_of(service_->show("-c 30").out);
-    const std::vector<std::string> expected = lines_of(R"(  PPS Pool type                                 : Single PPS Pool
+    const std::vector<std::string> expected =
+        lines_of(R"(  PPS Pool type                                 : Single PPS Pool
 
   Total PPS Limit                               : 1000
   Total PPS Requested                           : 21
@@ -560,10 +570,11 @@ TEST_F(shows_test, profiles) {
 
 TEST_F(shows_test, the_process_and_whom_it_works_with) {
     const std::string shown = service_->show("-c 13").out;
-    for (const char *const line : {"  Current process role : Primary Active (Master)\n", "  Current process state: Run\n",
-                                   "    IM                  Up   (", "    UDP V4 SOCKET       Up   (",
-                                   "    UDP V6 SOCKET       Up   (", "    OPSTORE             Up   (",
-                                   "    Wait-Collab-Conn    Run                 Start Run Phase           N/A"}) {
+    for (const char *const line :
+         {"  Current process role : Primary Active (Master)\n", "  Current process state: Run\n",
+          "    IM                  Up   (", "    UDP V4 SOCKET       Up   (", "    UDP V6 SOCKET       Up   (",
+          "    OPSTORE             Up   (",
+          "    Wait-Collab-Conn    Run                 Start Run Phase           N/A"}) {
         EXPECT_NE(shown.find(line), std::string::npos) << line << "\n" << shown;
     }
 }
@@ -571,7 +582,8 @@ TEST_F(shows_test, the_process_and_whom_it_works_with) {
 TEST_F(shows_test, the_summary_counts_sessions_by_kind) {
     const std::string shown = service_->show("-c 9").out;
     for (const char *const lines :
-         {"  Total interfaces with PM sessions             : 1\n", "  Total Endpoints with PM sessions              : 2\n",
+         {"  Total interfaces with PM sessions             : 1\n",
+          "  Total Endpoints with PM sessions              : 2\n",
           "    Interface Delay-Measurement:\n      Total sessions                            : 1\n"
           "        Total running sessions                  : 1\n        Total running IPv4 sessions             : 1\n"
           "        Total running IPv6 sessions             : 0\n",

@@ -57,22 +57,26 @@ std::string decoded(const std::vector<std::uint8_t> &payload, bool is_reply, con
                     const std::vector<std::string> &fields) {
     const temporary_folder folder;
     write_file(folder.path() + "/p.pcap", is_reply ? capture(payload, 862, 50000) : capture(payload, 50000, 862));
-    std::string command = "tshark -r " + folder.path() + "/p.pcap " + decoder + " -T fields -E occurrence=f -E 'separator=|'";
+    std::string command =
+        "tshark -r " + folder.path() + "/p.pcap " + decoder + " -T fields -E occurrence=f -E 'separator=|'";
     for (const std::string &field : fields) {
         command += " -e " + field;
     }
     return run_command(command, folder.path()).out;
 }
 
-const std::vector<std::string> REQUEST_FIELDS = {
-    "twamp.test.seq_number",         "twamp.test.timestamp",
-    "twamp.test.error_estimate.s",   "twamp.test.error_estimate.z",
-    "twamp.test.error_estimate.scale", "twamp.test.error_estimate.multiplier",
-    "twamp.test.mbz1"};
-const std::vector<std::string> REPLY_FIELDS = {
-    "twamp.test.seq_number",        "twamp.test.timestamp",         "twamp.test.error_estimate",
-    "twamp.test.mbz1",              "twamp.test.receive_timestamp", "twamp.test.sender_seq_number",
-    "twamp.test.sender_timestamp",  "twamp.test.sender_error_estimate", "twamp.test.sender_ttl"};
+const std::vector<std::string> REQUEST_FIELDS = {"twamp.test.seq_number",
+                                                 "twamp.test.timestamp",
+                                                 "twamp.test.error_estimate.s",
+                                                 "twamp.test.error_estimate.z",
+                                                 "twamp.test.error_estimate.scale",
+                                                 "twamp.test.error_estimate.multiplier",
+                                                 "twamp.test.mbz1"};
+const std::vector<std::string> REPLY_FIELDS = {"twamp.test.seq_number",        "twamp.test.timestamp",
+                                               "twamp.test.error_estimate",    "twamp.test.mbz1",
+                                               "twamp.test.receive_timestamp", "twamp.test.sender_seq_number",
+                                               "twamp.test.sender_timestamp",  "twamp.test.sender_error_estimate",
+                                               "twamp.test.sender_ttl"};
 
 constexpr char AS_TWAMP[] = "-d udp.port==862,twamp.test";
 constexpr char AS_AUTHENTICATED[] = "-X lua_script:" PM_AUTHENTICATED_LUA " -d udp.port==862,stamp_authenticated";
