@@ -155,7 +155,8 @@ pm_error lmdb_writer::put_publisher(const branch &served, store::publisher_state
 
 pm_error lmdb_writer::put_leased_publisher(const branch &served, std::uint32_t lease_msec) {
     known_branches_.insert(served);
-    local_lease lease{store::this_boot().c_str(), store::msec_since_boot() + lease_msec};
+    const std::string boot(store::this_boot());
+    local_lease lease{boot.c_str(), store::msec_since_boot() + lease_msec};
     const local_publisher record{static_cast<std::uint32_t>(store::publisher_state::running), &lease};
     return put_record(branch_key(key_space::publisher, served), &record, local_publisher_descriptor());
 }
