@@ -132,7 +132,7 @@ void daemon::loop() {
         sender_.run_due();
         mono_nsec until = std::min(next_second_, std::max(next_publication_, now.mono + NSEC_PER_MSEC));
         until = building_ != nullptr ? now.mono : std::min(until, sender_.next().value_or(until));
-        loop_.wait(until, clocks_.now().mono);
+        loop_.wait(until, clocks_.now().mono, building_ != nullptr ? 0 : sender_.rest());
     }
 }
 

@@ -19,7 +19,7 @@ reflector:
   allowed-queriers: [127.0.0.0/8, "::1"]
 allowed-responders: [127.0.0.1, "::1"]
 profiles:
-  - {name: quick, kind: delay, computation-interval: 1 s, tx-interval: 100 ms, burst-count: 5, response-timeout: 200 ms,
+  - {name: quick, kind: delay, computation-interval: 1 s, tx-interval: 20 ms, burst-count: 5, response-timeout: 200 ms,
      advertisement: {periodic: {interval: 2 s, threshold: 10, minimum-change: 1 us},
                      accelerated: {threshold: 20, minimum-change: 500 us}}}
   - {name: alive, kind: liveness, tx-interval: 200 ms, multiplier: 4}
@@ -109,7 +109,7 @@ class shows_test : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         service_ = new live_service(CONFIG);
-        // In the second half of a second nothing is sent, and by the fourth one an interval is over.
+        // Packets are sent in the first tenth of each second only, so that most snapshots have whole computations.
         within(15, [] { return service_->shows("-c 5 -t 29 -i v4", "Aggregation Timestamp"); });
         pause(1.2);
     }
@@ -523,10 +523,10 @@ TEST_F(shows_test, profiles) {
       Effective for SR policy                   : 0 seconds
       Effective for Endpoint                    : 1 seconds
       Effective for interface                   : 1 seconds
-    Tx interval                                 : 100000 uSec
+    Tx interval                                 : 20000 uSec
       Effective for SR policy                   : 0 uSec
-      Effective for Endpoint                    : 100000 uSec
-      Effective for interface                   : 100000 uSec
+      Effective for Endpoint                    : 20000 uSec
+      Effective for interface                   : 20000 uSec
     Packets per computation interval:
       SR policy                                 : 0
       Endpoint                                  : 5
