@@ -73,7 +73,7 @@ bool reply_stream::is_bounded() const {
 }
 
 pm_error reply_stream::next(connection *from, reply_sink *sink) {
-    redisReaderSetPrivdata(reader_.get(), sink);
+    reader_->privdata = sink;
     for (;;) {
         void *reply = nullptr;
         if (redisReaderGetReply(reader_.get(), &reply) != 0) {
