@@ -51,8 +51,8 @@ errcode opstore_string_decode(const char *encoded, char **text, std::size_t *len
         }
         unsigned char byte = 0;
         const std::size_t digits = strnlen(at + 1, 2);
-        const auto [end, failure] = std::from_chars(at + 1, at + 1 + digits, byte, 16);
-        if (failure != std::errc{} || end != at + 3 || byte == 0) {
+        const auto [end, error] = std::from_chars(at + 1, at + 1 + digits, byte, 16);
+        if (error != std::errc{} || end != at + 3 || byte == 0) {
             return ERRCODE_INVALID_ARGUMENT;
         }
         result += static_cast<char>(byte);

@@ -1,4 +1,4 @@
-// Texts of error codes. See platform/errcode.h.
+// Texts of error codes.
 #include "platform/errcode.h"
 
 namespace {

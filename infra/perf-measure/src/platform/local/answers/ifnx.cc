@@ -1,4 +1,4 @@
-// Interface names. See platform/ifnx.h.
+// Interface names: taken apart, and looked up by handle.
 #include "platform/ifnx.h"
 
 #include <charconv>
@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "platform/bounded.h"
-#include "platform/local/lmdb_store/store.h"
+#include "platform/local/answers/store_client.h"
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
 
@@ -18,8 +18,8 @@ constexpr std::size_t SLOT_SIZE = 256;
 
 // Reads one decimal number from the front of `text`.
 bool take_number(std::string_view *text, std::uint32_t *number) {
-    const auto [end, failure] = std::from_chars(text->data(), text->data() + text->size(), *number);
-    if (failure != std::errc{}) {
+    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), *number);
+    if (error != std::errc{}) {
         return false;
     }
     text->remove_prefix(static_cast<std::size_t>(end - text->data()));
@@ -75,17 +75,17 @@ errcode ifnx_ifname_parse(const char *name, std::uint32_t /*flags*/, ifnx_parsed
 
 void ifnx_display_namestring(std::uint32_t handle, char *buffer, std::size_t size, std::uint32_t /*flags*/) {
     local_interface record{};
-    store::environment *store = nullptr;
-    const bool found = store::environment::shared(&store) == ERRCODE_SUCCESS &&
-                       store->get_record(store::key(store::key_space::interface, handle), &record,
-                                         local_interface_descriptor()) == ERRCODE_SUCCESS;
+    store::reader *reader = nullptr;
+    std::string parcel;
+    const bool found = store_client::open(&reader) == ERRCODE_SUCCESS && !reader->interface(handle, &parcel) &&
+                       store_client::decode(parcel, &record, local_interface_descriptor()) == ERRCODE_SUCCESS;
     safe_strncpy(buffer, found && record.Name != nullptr ? record.Name : UNKNOWN, size);
     parcel_free_indirections(&record, local_interface_descriptor());
 }
 
 namespace {
 
-// Names looked up lately, by the low bits of their handle: a show asks for the same few again and again.
+// Names looked up before, by the low bits of their handle: a show asks for the same few again and again.
 struct recent_name {
     bool known = false;
     std::uint32_t handle = 0;

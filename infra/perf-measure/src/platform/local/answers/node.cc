@@ -1,4 +1,4 @@
-// Inventory, redundancy and node identity over the store. See platform/inventory.h and node.h.
+// Inventory, redundancy and node identity, from the store.
 #include "platform/node.h"
 
 #include <algorithm>
@@ -8,49 +8,26 @@
 #include "platform/bounded.h"
 #include "platform/inventory.h"
 #include "platform/local/answers/router.h"
-#include "platform/local/lmdb_store/store.h"
+#include "platform/local/answers/store_client.h"
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
-#include "platform/opstore.h"
 
 namespace {
 
-// The store, opened. Says why where this user may not read it.
-errcode open_store(store::environment **store) {
-    const errcode failure = store::environment::shared(store);
-    if (failure == OPSTORE_NO_CLIENT) {
-        static_cast<void>(opstore_client_present());
-    }
-    return failure;
-}
-
-// Parcels under the keys of one space, in key order.
-errcode read_all(store::key_space space, std::vector<std::string> *values) {
-    store::environment *store = nullptr;
-    if (const errcode failure = open_store(&store); failure != ERRCODE_SUCCESS) {
-        return failure;
-    }
-    const std::string prefix = store::key(space);
-    return store->read([&](const store::view &state) {
-        values->clear();
-        return state.scan(prefix, "", [&](std::string_view key, std::string_view value) {
-            values->emplace_back(store::unseal(key, value));
-            return true;
-        });
-    });
-}
-
 errcode read_nodes(std::vector<router::node> *nodes) {
+    store::reader *reader = nullptr;
     std::vector<std::string> parcels;
-    if (const errcode failure = read_all(store::key_space::node, &parcels); failure != ERRCODE_SUCCESS) {
-        return failure;
+    if (const errcode code = store_client::open(&reader); code != ERRCODE_SUCCESS) {
+        return code;
+    }
+    if (const pm_error error = reader->nodes(&parcels)) {
+        return error.code();
     }
     for (const std::string &parcel : parcels) {
         local_node record{};
-        if (const errcode failure = parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &record,
-                                                  local_node_descriptor());
-            failure != ERRCODE_SUCCESS) {
-            return failure;
+        if (const errcode code = store_client::decode(parcel, &record, local_node_descriptor());
+            code != ERRCODE_SUCCESS) {
+            return code;
         }
         router::node next;
         next.id = record.Id;
@@ -66,29 +43,37 @@ errcode read_nodes(std::vector<router::node> *nodes) {
     return ERRCODE_SUCCESS;
 }
 
+errcode read_platform(local_platform *record) {
+    store::reader *reader = nullptr;
+    std::string parcel;
+    if (const errcode code = store_client::open(&reader); code != ERRCODE_SUCCESS) {
+        return code;
+    }
+    if (const pm_error error = reader->platform(&parcel)) {
+        return error.code();
+    }
+    return store_client::decode(parcel, record, local_platform_descriptor());
+}
+
 // The platform record of the store; a store without one gives a record of zeroes. Lives until the
 // process ends.
 errcode platform_record(const local_platform **out) {
     static local_platform the_record{};
-    static bool read = false;
+    static bool known = false;
     *out = &the_record;
-    if (read) {
+    if (known) {
         return ERRCODE_SUCCESS;
     }
-    store::environment *store = nullptr;
-    errcode failure = open_store(&store);
-    if (failure == ERRCODE_SUCCESS) {
-        failure = store->get_record(store::key(store::key_space::platform), &the_record, local_platform_descriptor());
-    }
-    read = failure == ERRCODE_SUCCESS || failure == ERRCODE_NOT_FOUND;
-    return read ? ERRCODE_SUCCESS : failure;
+    const errcode code = read_platform(&the_record);
+    known = code == ERRCODE_SUCCESS || code == ERRCODE_NOT_FOUND;
+    return known ? ERRCODE_SUCCESS : code;
 }
 
 // An optional number of the platform record.
 errcode platform_number(std::uint32_t *local_platform::*member, std::uint32_t *number) {
     const local_platform *record = nullptr;
-    if (const errcode failure = platform_record(&record); failure != ERRCODE_SUCCESS) {
-        return failure;
+    if (const errcode code = platform_record(&record); code != ERRCODE_SUCCESS) {
+        return code;
     }
     if (record->*member == nullptr) {
         return ERRCODE_NOT_FOUND;
@@ -106,8 +91,8 @@ errcode nodes(const std::vector<node> **out) {
     static bool read = false;
     if (!read) {
         the_nodes.clear();
-        if (const errcode failure = read_nodes(&the_nodes); failure != ERRCODE_SUCCESS) {
-            return failure;
+        if (const errcode code = read_nodes(&the_nodes); code != ERRCODE_SUCCESS) {
+            return code;
         }
         read = true;
     }
@@ -176,8 +161,8 @@ errcode invd_inventory_get_sw_state(const invd_inventory *inventory, std::int32_
 
 errcode redund_get_proc_group_partner_node(const char *process_group, std::uint32_t *node) {
     const local_platform *record = nullptr;
-    if (const errcode failure = platform_record(&record); failure != ERRCODE_SUCCESS) {
-        return failure;
+    if (const errcode code = platform_record(&record); code != ERRCODE_SUCCESS) {
+        return code;
     }
     *node = NODEID_NONE;
     for (const local_partner &each : record->Partners) {
@@ -206,8 +191,8 @@ errcode platform_get_active_standby_rps_in_rack(std::uint32_t *active, std::uint
 
 errcode nodeid_create(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t *node) {
     const std::vector<router::node> *all = nullptr;
-    if (const errcode failure = router::nodes(&all); failure != ERRCODE_SUCCESS) {
-        return failure;
+    if (const errcode code = router::nodes(&all); code != ERRCODE_SUCCESS) {
+        return code;
     }
     for (const router::node &each : *all) {
         if (each.location == std::array{a, b, c}) {

@@ -1,4 +1,4 @@
-// The database client over the embedded store. See platform/opstore.h.
+// The database client: branches, listings and single items, answered from the store.
 #include "platform/opstore.h"
 
 #include <algorithm>
@@ -8,53 +8,28 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "platform/local/answers/store_client.h"
 #include "platform/local/filters/item_filter.h"
-#include "platform/local/lmdb_store/store.h"
-#include "platform/local/store/local_store_descriptors.h"
-#include "platform/local/store/local_store_records.h"
-
-namespace {
-
-constexpr std::size_t BATCH_BYTES = 256 * 1024;  // a batch ends early rather than grow beyond this
-
-// One item of a batch: where its key (terminated) and its data stand in the batch's bytes.
-struct listed_item {
-    std::uint32_t key_at;
-    std::uint32_t key_length;
-    std::uint32_t data_at;
-    std::uint32_t data_length;
-};
-
-}  // namespace
 
 struct opstore_list {
-    std::unique_ptr<char[]> bytes;
-    std::size_t capacity = 0;
-    std::size_t used = 0;
-    std::vector<listed_item> items;
+    store::batch read;
+    std::size_t prefix_length = 0;  // of the items' paths: what follows are their keys
     std::size_t next = 0;
-    bool more = false;
     opstore_bind *owner = nullptr;
-
-    [[nodiscard]] std::string_view key_of(const listed_item &item) const {
-        return {bytes.get() + item.key_at, item.key_length};
-    }
 };
 
 struct opstore_bind {
-    std::string branch;  // key of the branch's items
-    std::string publisher_key;
-    std::string listed_prefix;  // of the last batch, and
-    std::string last_key;       // its last key in full: callers keep only its first bytes
-    opstore_list spare;         // memory of the list freed last, for the next one
+    store::branch bound;
+    std::string listed_prefix;            // of the last batch, and
+    std::string last_path;                // its last path in full: callers keep only the first bytes of a key
+    std::unique_ptr<opstore_list> spare;  // the list freed last, whose memory the next one uses
 };
 
 namespace {
 
 // Takes "<root>node/<id in hex>/" apart.
-bool parse_branch(std::string_view path, store::root *root, std::uint32_t *node) {
+bool parse_branch(std::string_view path, store::branch *named) {
     constexpr std::string_view NODE = "node/";
     for (const store::root_name &each : store::ROOTS) {
         if (!path.starts_with(each.path)) {
@@ -66,15 +41,19 @@ bool parse_branch(std::string_view path, store::root *root, std::uint32_t *node)
         }
         path.remove_prefix(NODE.size());
         path.remove_suffix(1);
-        const auto [end, failure] = std::from_chars(path.data(), path.data() + path.size(), *node, 16);
-        *root = each.id;
-        return failure == std::errc{} && end == path.data() + path.size();
+        const auto [end, error] = std::from_chars(path.data(), path.data() + path.size(), named->node, 16);
+        named->data_root = each.id;
+        return error == std::errc{} && end == path.data() + path.size();
     }
     return false;
 }
 
-errcode code_of_state(store::publisher_state state) {
-    switch (state) {
+// Whether the process that serves a branch is running, as an error code.
+errcode code_of_state(store::known_state state) {
+    if (!state) {
+        return OPSTORE_NOT_PUBLISHED;
+    }
+    switch (*state) {
     case store::publisher_state::running: return ERRCODE_SUCCESS;
     case store::publisher_state::stopped: return OPSTORE_STOPPED;
     case store::publisher_state::unreachable: return OPSTORE_UNREACHABLE;
@@ -83,135 +62,62 @@ errcode code_of_state(store::publisher_state state) {
     return OPSTORE_DAMAGED;
 }
 
-// Whether the process that serves the branch is running, as an error code.
-errcode publisher_code(store::environment *store, const opstore_bind *handle) {
-    local_publisher publisher{};
-    const errcode failure = store->get_record(handle->publisher_key, &publisher, local_publisher_descriptor());
-    if (failure == ERRCODE_NOT_FOUND) {
-        return OPSTORE_NOT_PUBLISHED;
+// How the store is asked for the items of a path.
+store::selection store_selection(const item_filter::selection &wanted, const item_filter::matcher &matcher) {
+    store::selection which;
+    if (wanted.what != item_filter::family::everything) {
+        which.predicate = &matcher;
+        which.companion = item_filter::companions_of(wanted);
     }
-    return failure != ERRCODE_SUCCESS ? failure : code_of_state(static_cast<store::publisher_state>(publisher.State));
+    which.only_running = true;
+    return which;
 }
 
-// Makes room for an item; false when the batch is full. A first item always gets its room.
-bool make_room(opstore_list *list, std::size_t size) {
-    if (size <= list->capacity - list->used) {
-        return true;
+// The first item under the path that the filter wants, as reader::get gives one.
+pm_error first_match(store::reader *reader, const store::branch &from, std::string_view path,
+                     const store::selection &which, store::known_state *state, std::string *parcel) {
+    store::batch found;
+    if (pm_error error = reader->list(from, {path, "", 1, which}, state, &found)) {
+        return error;
     }
-    if (!list->items.empty()) {
-        return false;
+    if (!found.items().empty()) {
+        *parcel = found.items().front().parcel;
+        return {};
     }
-    list->capacity = std::max(size, BATCH_BYTES);
-    list->bytes = std::make_unique_for_overwrite<char[]>(list->capacity);
-    return true;
+    return *state == store::publisher_state::running ? pm_error(ERRCODE_NOT_FOUND) : pm_error();
 }
 
-void append(opstore_list *list, std::string_view key, std::string_view data) {
-    char *to = list->bytes.get() + list->used;
-    const auto key_at = static_cast<std::uint32_t>(list->used);
-    const auto key_length = static_cast<std::uint32_t>(key.size());
-    std::memcpy(to, key.data(), key.size());
-    to[key.size()] = '\0';
-    if (!data.empty()) {
-        std::memcpy(to + key.size() + 1, data.data(), data.size());
-    }
-    list->items.push_back({key_at, key_length, key_at + key_length + 1, static_cast<std::uint32_t>(data.size())});
-    list->used += key.size() + 1 + data.size();
-}
-
-// What a listing or a fetch asks for, below a branch.
-struct question {
-    std::string branch;  // key of the branch's items
-    item_filter::selection selection;
-};
-
-// Fills the list with up to `wanted` items that begin with `prefix` and come after `after`.
-errcode fill(store::environment *store, opstore_list *list, const question &asked, std::string_view prefix,
-             std::string_view after, std::uint32_t wanted) {
-    const bool filtered = asked.selection.what != item_filter::family::everything;
-    list->items.reserve(wanted);
-    const errcode failure = store->read([&](const store::view &state) {
-        const item_filter::matcher matcher(asked.selection, asked.branch, state);
-        list->items.clear();
-        list->used = 0;
-        list->more = false;
-        return state.scan(prefix, after, [&](std::string_view key, std::string_view value) {
-            const std::string_view name = key.substr(prefix.size());
-            const std::string_view parcel = store::unseal(key, value);
-            if (filtered && !matcher.matches(key.substr(asked.branch.size()), parcel)) {
-                return true;
-            }
-            if (list->items.size() == wanted || !make_room(list, name.size() + 1 + parcel.size())) {
-                list->more = true;
-                return false;
-            }
-            append(list, name, parcel);
-            return true;
-        });
-    });
-    // A damaged tree could go round in circles; batches that ascend make every listing end.
-    const bool ascends =
-        list->items.empty() || after.empty() || list->key_of(list->items.back()) > after.substr(prefix.size());
-    return failure == ERRCODE_SUCCESS && !ascends ? OPSTORE_DAMAGED : failure;
-}
-
-void copy_to(std::vector<char> *to, std::string_view from) {
-    to->resize(from.size());
-    if (!from.empty()) {
-        std::memcpy(to->data(), from.data(), from.size());
-    }
-}
-
-// Finds the one item that is asked for.
-errcode find(store::environment *store, const question &asked, std::vector<char> *parcel) {
-    const std::string key = asked.branch + asked.selection.path;
-    return store->read([&](const store::view &state) {
-        const item_filter::matcher matcher(asked.selection, asked.branch, state);
-        std::string_view found;
-        if (!asked.selection.first_match) {
-            const errcode code = state.get_parcel(key, &found);
-            if (code == ERRCODE_SUCCESS && !matcher.matches(asked.selection.path, found)) {
-                return ERRCODE_NOT_FOUND;
-            }
-            copy_to(parcel, found);
-            return code;
-        }
-        bool any = false;
-        const errcode code = state.scan(key, "", [&](std::string_view each, std::string_view value) {
-            found = store::unseal(each, value);
-            any = matcher.matches(each.substr(asked.branch.size()), found);
-            return !any;
-        });
-        copy_to(parcel, found);
-        return code == ERRCODE_SUCCESS && !any ? ERRCODE_NOT_FOUND : code;
-    });
-}
-
-// The full key after which a listing goes on, from the start of it that the caller kept.
+// The full path after which a listing goes on, from the start of the key that the caller kept.
 std::string resume_point(const opstore_bind *handle, const std::string &prefix, std::string_view kept) {
-    const std::string_view last = handle->last_key;
-    if (handle->listed_prefix == prefix && last.substr(0, OPSTORE_KEY_SIZE - 1) == kept) {
-        return prefix + handle->last_key;
+    if (handle->listed_prefix == prefix) {
+        const std::string_view last_key = std::string_view(handle->last_path).substr(prefix.size());
+        if (last_key.substr(0, OPSTORE_KEY_SIZE - 1) == kept) {
+            return handle->last_path;
+        }
     }
     return prefix + std::string(kept);
+}
+
+// A list in memory that a list freed before has left.
+std::unique_ptr<opstore_list> take_list(opstore_bind *handle) {
+    auto list = handle->spare != nullptr ? std::move(handle->spare) : std::make_unique<opstore_list>();
+    list->next = 0;
+    list->owner = handle;
+    return list;
 }
 
 }  // namespace
 
 errcode _opstore_bind(opstore_handle *handle, const char *bind_path, std::uint32_t /*flags*/) {
-    store::root root{};
-    std::uint32_t node = 0;
-    if (handle == nullptr || bind_path == nullptr || !parse_branch(bind_path, &root, &node)) {
+    store::branch named{};
+    if (handle == nullptr || bind_path == nullptr || !parse_branch(bind_path, &named)) {
         return ERRCODE_INVALID_ARGUMENT;
     }
-    store::environment *store = nullptr;
-    if (const errcode failure = store::environment::shared(&store); failure != ERRCODE_SUCCESS) {
-        return failure;
+    store::reader *reader = nullptr;
+    if (const errcode code = store_client::open(&reader); code != ERRCODE_SUCCESS) {
+        return code;
     }
-    auto *bound = new opstore_bind;
-    bound->branch = branch_key(store::key_space::item, root, node);
-    bound->publisher_key = branch_key(store::key_space::publisher, root, node);
-    *handle = bound;
+    *handle = new opstore_bind{named, {}, {}, nullptr};
     return ERRCODE_SUCCESS;
 }
 
@@ -219,53 +125,51 @@ void _opstore_unbind(opstore_handle handle) { delete handle; }
 
 errcode opstore_datalist(opstore_handle handle, const char *item_path, const char *start_key, std::uint32_t *count,
                          opstore_list **list, std::uint32_t flags) {
-    store::environment *store = nullptr;
-    errcode failure = store::environment::shared(&store);
-    if (failure == ERRCODE_SUCCESS) {
-        failure = publisher_code(store, handle);
+    store::reader *reader = nullptr;
+    if (const errcode code = store_client::open(&reader); code != ERRCODE_SUCCESS) {
+        return code;
     }
-    if (failure != ERRCODE_SUCCESS) {
-        return failure;
-    }
-    const question asked{handle->branch, item_filter::select(item_path)};
-    std::string prefix = asked.branch + asked.selection.path;
-    if (!prefix.ends_with('/') && !asked.selection.path.empty()) {
+    const item_filter::selection wanted = item_filter::select(item_path);
+    const item_filter::matcher matcher(wanted);
+    std::string prefix = wanted.path;
+    if (!prefix.ends_with('/') && !prefix.empty()) {
         prefix.push_back('/');
     }
     const std::string after = (flags & OPSTORE_LIST_AFTER) != 0 ? resume_point(handle, prefix, start_key) : "";
-    auto *result = new opstore_list(std::move(handle->spare));
-    handle->spare = {};
-    result->owner = handle;
-    failure = fill(store, result, asked, prefix, after, *count);
-    if (failure != ERRCODE_SUCCESS) {
-        delete result;
-        return failure;
+    std::unique_ptr<opstore_list> result = take_list(handle);
+    store::known_state state;
+    const pm_error error =
+        reader->list(handle->bound, {prefix, after, *count, store_selection(wanted, matcher)}, &state, &result->read);
+    if (const errcode code = error ? error.code() : code_of_state(state); code != ERRCODE_SUCCESS) {
+        return code;
     }
-    if (!result->items.empty()) {
+    result->prefix_length = prefix.size();
+    const auto &items = result->read.items();
+    if (!items.empty()) {
         handle->listed_prefix = std::move(prefix);
-        handle->last_key = result->key_of(result->items.back());
+        handle->last_path = items.back().path;
     }
-    *count = static_cast<std::uint32_t>(result->items.size());
-    *list = result;
+    *count = static_cast<std::uint32_t>(items.size());
+    *list = result.release();
     return ERRCODE_SUCCESS;
 }
 
 errcode opstore_datalist_next(opstore_list *list, const char **key, std::uint32_t *data_type, const void **data,
                               std::uint32_t *length, std::uint32_t *extra) {
-    if (list->next == list->items.size()) {
+    if (list->next == list->read.items().size()) {
         return ERRCODE_NOT_FOUND;
     }
-    const listed_item &item = list->items[list->next++];
-    *key = list->bytes.get() + item.key_at;
+    const store::item &current = list->read.items()[list->next++];
+    *key = current.path.data() + list->prefix_length;
     *data_type = OPSTORE_TYPE_PARCEL;
-    *data = list->bytes.get() + item.data_at;
-    *length = item.data_length;
+    *data = current.parcel.data();
+    *length = static_cast<std::uint32_t>(current.parcel.size());
     *extra = 0;
     return ERRCODE_SUCCESS;
 }
 
 errcode opstore_datalist_get_more_flag(opstore_list *list, std::uint32_t *more) {
-    *more = list->more ? 1 : 0;
+    *more = list->read.more() ? 1 : 0;
     return ERRCODE_SUCCESS;
 }
 
@@ -273,29 +177,25 @@ errcode opstore_datalist_free(opstore_list *list) {
     if (list == nullptr) {
         return ERRCODE_INVALID_ARGUMENT;
     }
-    opstore_list &spare = list->owner->spare;
-    spare.bytes = std::move(list->bytes);
-    spare.capacity = list->capacity;
-    spare.items = std::move(list->items);
-    spare.items.clear();
-    delete list;
+    list->owner->spare.reset(list);
     return ERRCODE_SUCCESS;
 }
 
 errcode opstore_item_get(opstore_handle handle, const char *item_path, std::uint32_t *data_type, void **data,
                          std::uint32_t *length, std::uint32_t /*flags*/) {
-    store::environment *store = nullptr;
-    errcode failure = store::environment::shared(&store);
-    if (failure == ERRCODE_SUCCESS) {
-        failure = publisher_code(store, handle);
+    store::reader *reader = nullptr;
+    if (const errcode code = store_client::open(&reader); code != ERRCODE_SUCCESS) {
+        return code;
     }
-    if (failure != ERRCODE_SUCCESS) {
-        return failure;
-    }
-    std::vector<char> parcel;
-    failure = find(store, {handle->branch, item_filter::select(item_path)}, &parcel);
-    if (failure != ERRCODE_SUCCESS) {
-        return failure;
+    const item_filter::selection wanted = item_filter::select(item_path);
+    const item_filter::matcher matcher(wanted);
+    const store::selection which = store_selection(wanted, matcher);
+    store::known_state state;
+    std::string parcel;
+    const pm_error error = wanted.first_match ? first_match(reader, handle->bound, wanted.path, which, &state, &parcel)
+                                              : reader->get(handle->bound, wanted.path, which, &state, &parcel);
+    if (const errcode code = error ? error.code() : code_of_state(state); code != ERRCODE_SUCCESS) {
+        return code;
     }
     *data = std::malloc(std::max<std::size_t>(parcel.size(), 1));
     if (*data == nullptr) {

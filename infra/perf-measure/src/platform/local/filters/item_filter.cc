@@ -300,18 +300,22 @@ selection select(std::string_view item_path) {
     return result;
 }
 
+store::companion_paths companions_of(const selection &wanted) {
+    std::string_view details;
+    switch (wanted.what) {
+    case family::everything:
+    case family::profile: return {};
+    case family::srpolicy: details = "srpolicy/detail/"; break;
+    case family::endpoint: details = "endpoint/detail/"; break;
+    case family::rsvpte: details = "rsvpte/detail/"; break;
+    }
+    const bool all = std::all_of(wanted.components.begin(), wanted.components.end(), is_wildcard);
+    return wanted.incomplete || all || wanted.prefix == details ? store::companion_paths{}
+                                                                : store::companion_paths{wanted.prefix, details};
+}
+
 template <class Record, class Rules>
-bool matcher::matches_detail(std::string_view path, std::string_view parcel, const char *detail_prefix,
-                             const parcel_descriptor *descriptor, const Rules &rules) const {
-    if (std::all_of(selection_.components.begin(), selection_.components.end(), is_wildcard)) {
-        return true;
-    }
-    if (!path.starts_with(detail_prefix)) {  // counters or a history of the record
-        const std::string name(path.substr(selection_.prefix.size()));
-        if (state_.get_parcel(std::string(branch_) + detail_prefix + name, &parcel) != ERRCODE_SUCCESS) {
-            return false;
-        }
-    }
+bool matcher::matches_detail(std::string_view parcel, const parcel_descriptor *descriptor, const Rules &rules) const {
     Record record;
     if (parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &record, descriptor) !=
         ERRCODE_SUCCESS) {
@@ -326,22 +330,37 @@ bool matcher::matches_detail(std::string_view path, std::string_view parcel, con
     return all;
 }
 
-bool matcher::matches(std::string_view path, std::string_view parcel) const {
-    if (selection_.incomplete) {
-        return false;
+errcode matcher::match(std::string_view path, std::string_view parcel, std::string_view companion,
+                       bool *matches) const {
+    *matches = !selection_.incomplete;
+    if (!*matches || selection_.what == family::everything) {
+        return ERRCODE_SUCCESS;
+    }
+    if (selection_.what == family::profile) {
+        *matches = matches_profile(path.substr(selection_.prefix.size()), selection_.components);
+        return ERRCODE_SUCCESS;
+    }
+    if (std::all_of(selection_.components.begin(), selection_.components.end(), is_wildcard)) {
+        return ERRCODE_SUCCESS;
+    }
+    if (!companions_of(selection_).companions.empty()) {  // counters or a history of the record
+        parcel = companion;
+        if (parcel.empty()) {
+            *matches = false;
+            return ERRCODE_SUCCESS;
+        }
     }
     switch (selection_.what) {
-    case family::everything: return true;
     case family::srpolicy:
-        return matches_detail<policy>(path, parcel, "srpolicy/detail/", pm_srpolicy_parcel_descriptor(), POLICY_RULES);
+        *matches = matches_detail<policy>(parcel, pm_srpolicy_parcel_descriptor(), POLICY_RULES);
+        break;
     case family::endpoint:
-        return matches_detail<endpoint>(path, parcel, "endpoint/detail/", pm_endpoint_common_descriptor(),
-                                        ENDPOINT_RULES);
-    case family::rsvpte:
-        return matches_detail<tunnel>(path, parcel, "rsvpte/detail/", pm_rsvpte_parcel_descriptor(), TUNNEL_RULES);
-    case family::profile: return matches_profile(path.substr(selection_.prefix.size()), selection_.components);
+        *matches = matches_detail<endpoint>(parcel, pm_endpoint_common_descriptor(), ENDPOINT_RULES);
+        break;
+    case family::rsvpte: *matches = matches_detail<tunnel>(parcel, pm_rsvpte_parcel_descriptor(), TUNNEL_RULES); break;
+    default: *matches = false;
     }
-    return false;
+    return ERRCODE_SUCCESS;
 }
 
 }  // namespace item_filter

@@ -14,7 +14,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/local/lmdb_store/store.h"
+#include "platform/local/store/reader.h"
+#include "platform/parcel.h"
 
 namespace item_filter {
 
@@ -33,26 +34,27 @@ struct selection {
 // Takes an item path apart. A path that derives nothing selects itself.
 [[nodiscard]] selection select(std::string_view item_path);
 
-// Matches items of one selection against one consistent state of the store.
-class matcher {
-public:
-    // `branch` is the key of the branch's items. All must outlive the matcher.
-    matcher(const selection &selection, std::string_view branch, const store::view &state)
-        : selection_(selection), branch_(branch), state_(state) {}
+// Where the detail records are that the selection's items are matched by; none when that takes no other item.
+[[nodiscard]] store::companion_paths companions_of(const selection &wanted);
 
-    // Whether the item at `path` below the branch, whose parcel is given, is selected. Reads the detail
-    // record of the same name where that is another item; an item without one matches only a key of
+// Matches items of one selection.
+class matcher final : public store::item_predicate {
+public:
+    // The selection must outlive the matcher.
+    explicit matcher(const selection &selection) : selection_(selection) {}
+
+    // Whether the item at `path` below the branch, whose parcel is given, is selected. Its companion is the
+    // detail record of the same name where that is another item; an item without one matches only a key of
     // wildcards. A detail record that does not decode matches, so that its reader reports it.
-    [[nodiscard]] bool matches(std::string_view path, std::string_view parcel) const;
+    [[nodiscard]] errcode match(std::string_view path, std::string_view parcel, std::string_view companion,
+                                bool *matches) const override;
 
 private:
     template <class Record, class Rules>
-    [[nodiscard]] bool matches_detail(std::string_view path, std::string_view parcel, const char *detail_prefix,
-                                      const parcel_descriptor *descriptor, const Rules &rules) const;
+    [[nodiscard]] bool matches_detail(std::string_view parcel, const parcel_descriptor *descriptor,
+                                      const Rules &rules) const;
 
     const selection &selection_;
-    std::string_view branch_;
-    const store::view &state_;
 };
 
 }  // namespace item_filter

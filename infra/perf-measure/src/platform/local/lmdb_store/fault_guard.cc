@@ -1,4 +1,4 @@
-// See fault_guard.h.
+// The signal handlers behind guarded bodies.
 #include "platform/local/lmdb_store/fault_guard.h"
 
 #include <csignal>

@@ -36,7 +36,7 @@ private:
 
 }  // namespace detail
 
-// Runs `body`, which returns an errcode; an exception passes through. A fault abandons it where it stands, so it must
+// Runs `body`, which returns an errcode; an exception passes through. A fault abandons it where it is, so it must
 // not own anything that a destructor would have to release, and LMDB must not be called again afterwards.
 template <class Body>
 [[nodiscard]] errcode guarded(Body body) {

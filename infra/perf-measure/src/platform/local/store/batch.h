@@ -11,7 +11,7 @@ namespace store {
 
 inline constexpr std::size_t BATCH_BYTES = 256 * 1024;  // a batch ends early rather than grow beyond this
 
-// One item of a batch. Both views are valid until the batch is cleared, moved from or destroyed.
+// One item of a batch. Both views are valid until the batch is cleared or destroyed.
 struct item {
     std::string_view path;    // below the branch; a zero byte follows it
     std::string_view parcel;  // empty when the value under the path is not this item's: it is damaged
@@ -20,6 +20,10 @@ struct item {
 // Items in ascending order of their paths. Filled by a reader; its memory is used again for the next items.
 class batch {
 public:
+    batch() = default;
+    batch(const batch &) = delete;
+    batch &operator=(const batch &) = delete;
+
     [[nodiscard]] const std::vector<item> &items() const { return items_; }
     // Whether items follow the last one.
     [[nodiscard]] bool more() const { return more_; }
@@ -31,9 +35,6 @@ public:
     // Copies an item to the end. False, and sets more(), when the batch has as many items as clear() was told
     // or would grow beyond BATCH_BYTES; a first item always fits.
     [[nodiscard]] bool add(std::string_view path, std::string_view parcel);
-    // Whether the paths ascend and all come after `after`. A damaged store could go round in circles; batches that
-    // ascend make every listing end.
-    [[nodiscard]] bool ascends(std::string_view after) const;
 
 private:
     std::vector<item> items_;

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "base/pm_error.h"
+#include "platform/errcode.h"
 #include "platform/local/store/batch.h"
 #include "platform/local/store/branch.h"
 
@@ -27,11 +28,12 @@ namespace store {
 // Chooses among items while they are read.
 class item_predicate {
 public:
-    // `companion` is the parcel of the item's companion in the same state; empty when there is none, or none was asked
-    // for. The views are valid within the call, which may ask the reader for a schema and nothing else.
-    // An implementation must bear to be left by a jump (a damaged store) without a destructor being run.
-    [[nodiscard]] virtual bool matches(std::string_view path, std::string_view parcel,
-                                       std::string_view companion) const = 0;
+    // Whether the item is wanted. `companion` is the parcel of the item's companion in the same state; empty when there
+    // is none, or none was asked for. An error ends the reading, which then gives it. The views are valid within the
+    // call, which may read schemas of the store and nothing else. A fault of a damaged store may end the call without
+    // running destructors.
+    [[nodiscard]] virtual errcode match(std::string_view path, std::string_view parcel, std::string_view companion,
+                                        bool *matches) const = 0;
 
 protected:
     ~item_predicate() = default;
@@ -48,7 +50,8 @@ struct companion_paths {
 struct selection {
     const item_predicate *predicate = nullptr;  // null: every item
     companion_paths companion;
-    // Whether items are wanted only while the branch's publisher is running: otherwise the answer has its state alone.
+    // Whether items are wanted only while the branch's publisher is running; else the answer has its state alone.
+    // Needs the state.
     bool only_running = false;
 };
 
@@ -85,13 +88,13 @@ public:
     reader &operator=(const reader &) = delete;
 
     // Fills `*out` with the next items of a branch, in ascending order of their paths, and tells the publisher's
-    // state. At most max_items and BATCH_BYTES; out->more() tells whether others follow. A batch that does not
-    // ascend is OPSTORE_DAMAGED.
+    // state unless `state` is null. At most max_items and BATCH_BYTES; out->more() tells whether others follow. Paths
+    // that do not ascend are OPSTORE_DAMAGED, so that every listing ends.
     [[nodiscard]] virtual pm_error list(const branch &from, const list_query &asked, known_state *state,
                                         batch *out) = 0;
 
-    // The one item at exactly `path`, and the publisher's state. ERRCODE_NOT_FOUND when there is none or the
-    // predicate refuses it.
+    // The one item at exactly `path`, and the publisher's state unless `state` is null. ERRCODE_NOT_FOUND when there is
+    // none or the predicate refuses it.
     [[nodiscard]] virtual pm_error get(const branch &from, std::string_view path, const selection &which,
                                        known_state *state, std::string *parcel) = 0;
 

@@ -8,12 +8,9 @@
 #include <string>
 #include <vector>
 
-namespace store {
+#include "base/pm_error.h"
 
-using problem = std::string;  // an empty text, or what went wrong
-
-inline constexpr char DATA_FILE[] = "data.mdb";
-inline constexpr char LOCK_FILE[] = "lock.mdb";
+namespace lmdb_store {
 
 class writers_folder {
 public:
@@ -24,7 +21,7 @@ public:
     writers_folder &operator=(const writers_folder &) = delete;
 
     // Makes the folder, and its parents, when it is missing, and waits until no other writer is in it.
-    [[nodiscard]] problem take(const std::string &folder);
+    [[nodiscard]] pm_error take(const std::string &folder);
 
     // Whether the store does not exist yet; and the folder where its files are to be written.
     [[nodiscard]] bool is_new() const { return !making_.empty(); }
@@ -36,10 +33,10 @@ public:
 
     // Brings the files of a store that was made into their place, for good. Of one that was there it
     // changes nothing.
-    [[nodiscard]] problem settle();
+    [[nodiscard]] pm_error settle();
 
 private:
-    [[nodiscard]] problem make();
+    [[nodiscard]] pm_error make();
     [[nodiscard]] bool lock();
     void remove_leftovers() const;
 
@@ -49,4 +46,4 @@ private:
     int lock_ = -1;                          // the folder, locked against other writers
 };
 
-}  // namespace store
+}  // namespace lmdb_store

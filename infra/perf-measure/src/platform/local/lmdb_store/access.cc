@@ -1,6 +1,4 @@
-// See store_access.h.
-#include "platform/local/lmdb_store/store_access.h"
-
+// Who may read the store in a folder.
 #include <cerrno>
 #include <cstdio>
 #include <grp.h>
@@ -8,7 +6,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace store {
+#include "platform/errcode.h"
+#include "platform/local/lmdb_store/data_file.h"
+#include "platform/local/lmdb_store/lmdb_reader.h"
+
+namespace lmdb_store {
 
 namespace {
 
@@ -28,24 +30,25 @@ std::string group_name(gid_t id) {
     return std::to_string(id);
 }
 
-std::string denial(const std::string &folder, const std::string &file) {
+pm_error denial(const std::string &folder, const std::string &file) {
+    std::string text = file + ": Permission denied";
     struct stat status {};
-    if (::stat(folder.c_str(), &status) != 0) {
-        return file + ": Permission denied";
+    if (::stat(folder.c_str(), &status) == 0) {
+        text += "; the store may be read by members of group " + group_name(status.st_gid);
     }
-    return file + ": Permission denied; the store may be read by members of group " + group_name(status.st_gid);
+    return pm_error(OPSTORE_NO_CLIENT, std::move(text));
 }
 
 }  // namespace
 
-access_state check_access(const std::string &folder) {
-    const std::string data = folder + "/data.mdb";
-    const std::string lock = folder + "/lock.mdb";
+store::access_state check_access(const std::string &folder) {
+    const std::string data = file_in(folder, DATA_FILE);
+    const std::string lock = file_in(folder, LOCK_FILE);
     if (::access(data.c_str(), R_OK) != 0) {
-        return {false, errno == EACCES ? denial(folder, data) : ""};
+        return {false, errno == EACCES ? denial(folder, data) : pm_error()};
     }
     const bool denied = ::access(lock.c_str(), R_OK | W_OK) != 0 && errno == EACCES;  // readers register there
-    return {true, denied ? denial(folder, lock) : ""};
+    return {true, denied ? denial(folder, lock) : pm_error()};
 }
 
-}  // namespace store
+}  // namespace lmdb_store

@@ -1,5 +1,5 @@
-// See store_folder.h.
-#include "platform/local/lmdb_store/store_folder.h"
+// Makes and locks the folder, and moves a new store into its place.
+#include "platform/local/lmdb_store/writers_folder.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -10,7 +10,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace store {
+#include "platform/local/lmdb_store/data_file.h"
+#include "platform/local/lmdb_store/table_state.h"
+
+namespace lmdb_store {
 
 namespace {
 
@@ -19,9 +22,10 @@ constexpr mode_t DATA_MODE = 0640;
 constexpr mode_t LOCK_MODE = 0660;
 constexpr char MAKING[] = "new-store-";  // and six characters: where a store is made
 
-problem failed(const std::string &folder) { return folder + ": " + std::strerror(errno); }
-
-std::string file_in(const std::string &folder, const char *name) { return folder + "/" + name; }
+// What errno says of a folder.
+pm_error system_error(const std::string &folder) {
+    return pm_error(code_of(errno), folder + ": " + std::strerror(errno));
+}
 
 // Removes a folder where a store was made, and nothing that a store does not have.
 void remove_making(const std::string &folder) {
@@ -44,75 +48,75 @@ writers_folder::~writers_folder() {
     }
 }
 
-problem writers_folder::take(const std::string &folder) {
+pm_error writers_folder::take(const std::string &folder) {
     folder_ = folder;
     do {
-        if (problem failure = make(); !failure.empty()) {
-            return failure;
+        if (pm_error error = make()) {
+            return error;
         }
     } while (!lock() && errno == ENOENT);  // another writer has removed what it had made
     if (lock_ < 0) {
-        return failed(folder_);
+        return system_error(folder_);
     }
     remove_leftovers();
     std::error_code none;
     if (std::filesystem::exists(file_in(folder_, DATA_FILE), none)) {
-        return "";
+        return {};
     }
     std::string place = file_in(folder_, MAKING) + "XXXXXX";
     if (::mkdtemp(place.data()) == nullptr) {
-        return failed(folder_);
+        return system_error(folder_);
     }
     making_ = place;
-    return "";
+    return {};
 }
 
-problem writers_folder::make() {
-    std::error_code failure;
+pm_error writers_folder::make() {
+    std::error_code error;
     made_folders_.clear();
-    if (std::filesystem::is_directory(folder_, failure)) {
-        return "";
+    if (std::filesystem::is_directory(folder_, error)) {
+        return {};
     }
-    for (std::filesystem::path each = folder_; !each.empty() && !std::filesystem::exists(each, failure);
+    for (std::filesystem::path each = folder_; !each.empty() && !std::filesystem::exists(each, error);
          each = each.parent_path()) {
         made_folders_.push_back(each);
     }
-    if (!std::filesystem::create_directories(folder_, failure) && failure) {
-        return folder_ + ": " + failure.message();
+    if (!std::filesystem::create_directories(folder_, error) && error) {
+        return pm_error(code_of(error.value()), folder_ + ": " + error.message());
     }
     static_cast<void>(::chmod(folder_.c_str(), FOLDER_MODE));
-    return "";
+    return {};
 }
 
 // False with errno; ENOENT when the folder that was locked has lost its name meanwhile.
 bool writers_folder::lock() {
-    const int file = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (file < 0) {
+    const int folder = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) {
         return false;
     }
-    struct stat locked {};
-    struct stat named {};
-    int failure = 0;
+    bool locked = false;
     do {
-        failure = ::flock(file, LOCK_EX);
-    } while (failure != 0 && errno == EINTR);
-    if (failure == 0 && ::fstat(file, &locked) == 0 && ::stat(folder_.c_str(), &named) == 0) {
-        if (locked.st_ino == named.st_ino && locked.st_dev == named.st_dev) {
-            lock_ = file;
+        locked = ::flock(folder, LOCK_EX) == 0;
+    } while (!locked && errno == EINTR);
+    struct stat held {};
+    struct stat named {};
+    if (locked && ::fstat(folder, &held) == 0 && ::stat(folder_.c_str(), &named) == 0) {
+        if (held.st_ino == named.st_ino && held.st_dev == named.st_dev) {
+            lock_ = folder;
             return true;
         }
         errno = ENOENT;
     }
     const int reason = errno;
-    ::close(file);
+    ::close(folder);
     errno = reason;
     return false;
 }
 
 // What writers that were killed have left.
 void writers_folder::remove_leftovers() const {
-    std::error_code failure;
-    for (const auto &each : std::filesystem::directory_iterator(folder_, failure)) {
+    std::error_code ignored;
+    for (const auto &each : std::filesystem::directory_iterator(folder_, ignored)) {
         const std::string name = each.path().filename();
         if (name.starts_with(MAKING) && name.size() == sizeof MAKING - 1 + 6) {
             remove_making(each.path());
@@ -132,12 +136,12 @@ void writers_folder::give_to_group() const {
     }
 }
 
-problem writers_folder::settle() {
+pm_error writers_folder::settle() {
     if (is_new()) {
         // The data last: a store is there when its data is.
         for (const char *name : {LOCK_FILE, DATA_FILE}) {
             if (::rename(file_in(making_, name).c_str(), file_in(folder_, name).c_str()) != 0) {
-                return failed(folder_);
+                return system_error(folder_);
             }
         }
         ::fsync(lock_);
@@ -145,7 +149,7 @@ problem writers_folder::settle() {
         making_.clear();
         made_folders_.clear();
     }
-    return "";
+    return {};
 }
 
-}  // namespace store
+}  // namespace lmdb_store

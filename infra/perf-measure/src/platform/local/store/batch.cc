@@ -1,0 +1,40 @@
+// The memory of a batch: one block, which grows only for an item that is larger than it.
+#include "platform/local/store/batch.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace store {
+
+void batch::clear(std::uint32_t max_items) {
+    items_.clear();
+    items_.reserve(max_items);
+    max_items_ = max_items;
+    used_ = 0;
+    more_ = false;
+}
+
+bool batch::add(std::string_view path, std::string_view parcel) {
+    const std::size_t size = path.size() + 1 + parcel.size();
+    const bool fits = size <= capacity_ - used_;
+    if (items_.size() == max_items_ || (!fits && !items_.empty())) {
+        more_ = true;
+        return false;
+    }
+    if (!fits) {
+        capacity_ = std::max(size, BATCH_BYTES);
+        bytes_ = std::make_unique_for_overwrite<char[]>(capacity_);
+    }
+    char *const to = bytes_.get() + used_;
+    std::memcpy(to, path.data(), path.size());
+    to[path.size()] = '\0';
+    char *const parcel_to = to + path.size() + 1;
+    if (!parcel.empty()) {
+        std::memcpy(parcel_to, parcel.data(), parcel.size());
+    }
+    items_.push_back({{to, path.size()}, {parcel_to, parcel.size()}});
+    used_ += size;
+    return true;
+}
+
+}  // namespace store

@@ -1,0 +1,26 @@
+// Takes the store's URL apart.
+#include "platform/local/store/store_url.h"
+
+#include <cstdlib>
+
+#include "platform/errcode.h"
+
+namespace store {
+
+const char *configured_url() {
+    const char *url = std::getenv("OPSTORE_URL");
+    return url != nullptr && *url != '\0' ? url : DEFAULT_URL;
+}
+
+std::string_view scheme_of(std::string_view url) {
+    const std::size_t colon = url.find(':');
+    return colon == std::string_view::npos || colon + 1 == url.size() ? std::string_view() : url.substr(0, colon);
+}
+
+std::string_view place_of(std::string_view url) { return url.substr(url.find(':') + 1); }
+
+std::string describe(const pm_error &error) {
+    return error.text().empty() ? std::string(configured_url()) + ": " + errcode_strerror(error.code()) : error.text();
+}
+
+}  // namespace store
