@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/pm_output.h"
-#include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/blocks/label_lines.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ void counter_lines(benchmark::State &state) {
     std::uint64_t value = 1;
     for (auto _ : state) {
         for (int i = 0; i < LINES; ++i) {
-            pm_print_counter(2 + 2 * (i % 4), LABELS[i % 4], value);
+            pm_lines_at(2 + 2 * (i % 4)).number(LABELS[i % 4], value);
             value = value * 7 % 100000007;
         }
         benchmark::ClobberMemory();

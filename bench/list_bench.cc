@@ -5,12 +5,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <lmdb.h>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "bench/sample_records.h"
-#include "platform/local/lmdb_store/store.h"
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/back_ends/writers.h"
+#include "platform/local/store/record_key.h"
 #include "platform/opstore.h"
 #include "schema/pm_descriptors.h"
 
@@ -35,23 +37,20 @@ public:
         folder_ = name;
         const std::string url = "lmdb:" + folder_;
         setenv("OPSTORE_URL", url.c_str(), 1);
-        store::writer writer;
-        require(writer.begin(url.c_str()).empty());
+        std::unique_ptr<store::writer> writer;
+        require(!store::open_writer(url.c_str(), store::missing_store::make, &writer));
         for (std::uint32_t i = 0; i < ITEMS; ++i) {
             const std::string path = "intf/detail/eth0/1/0/" + std::to_string(i);
-            require(
-                writer.put_item(store::root::main, 1, path, &sample_interface(), pm_intf_parcel_descriptor()).empty());
+            require(!writer->put_item({store::root::main, 1}, path, &sample_interface(), pm_intf_parcel_descriptor()));
         }
-        require(writer.commit().empty());
+        require(!writer->commit());
     }
     ~sample_store() { std::filesystem::remove_all(folder_); }
     sample_store(const sample_store &) = delete;
     sample_store &operator=(const sample_store &) = delete;
 
     [[nodiscard]] const std::string &folder() const { return folder_; }
-    [[nodiscard]] static std::string prefix() {
-        return branch_key(store::key_space::item, store::root::main, 1) + "intf/detail/";
-    }
+    [[nodiscard]] static std::string prefix() { return store::item_key({store::root::main, 1}, "intf/detail/"); }
 
 private:
     std::string folder_;
@@ -106,27 +105,49 @@ void list_client(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * ITEMS);
 }
 
-// Steps over all items in one transaction; `visit` takes each key and value.
-template <class Visit>
-void step_over_all(Visit visit) {
-    store::environment *store = nullptr;
-    require(store::environment::shared(&store) == 0);
-    const std::string prefix = sample_store::prefix();
-    std::uint32_t total = 0;
-    require(store->read([&](const store::view &view) {
-        return view.scan(prefix, "", [&](std::string_view key, std::string_view value) {
-            visit(key, value);
-            ++total;
-            return true;
-        });
-    }) == 0);
-    require(total == ITEMS);
-}
+// The store's table, opened a second time and without locks, which this process's client holds.
+class bare_table {
+public:
+    explicit bare_table(const std::string &folder) {
+        require(mdb_env_create(&env_) == 0 && mdb_env_open(env_, folder.c_str(), MDB_RDONLY | MDB_NOLOCK, 0) == 0);
+    }
+    ~bare_table() { mdb_env_close(env_); }
+    bare_table(const bare_table &) = delete;
+    bare_table &operator=(const bare_table &) = delete;
+
+    // Steps over all items in one transaction; `visit` takes each key and value.
+    template <class Visit>
+    void step_over_all(Visit visit) {
+        MDB_txn *txn = nullptr;
+        MDB_dbi table = 0;
+        MDB_cursor *cursor = nullptr;
+        require(mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn) == 0 && mdb_dbi_open(txn, nullptr, 0, &table) == 0 &&
+                mdb_cursor_open(txn, table, &cursor) == 0);
+        std::string prefix = sample_store::prefix();
+        const auto view = [](const MDB_val &from) {
+            return std::string_view(static_cast<const char *>(from.mv_data), from.mv_size);
+        };
+        MDB_val key{prefix.size(), prefix.data()};
+        MDB_val value{};
+        std::uint32_t total = 0;
+        int result = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
+        for (; result == 0 && view(key).starts_with(prefix); ++total) {
+            visit(view(key), view(value));
+            result = mdb_cursor_get(cursor, &key, &value, MDB_NEXT);
+        }
+        mdb_cursor_close(cursor);
+        mdb_txn_abort(txn);
+        require(total == ITEMS);
+    }
+
+private:
+    MDB_env *env_ = nullptr;
+};
 
 void list_cursor(benchmark::State &state) {
-    the_store();
+    bare_table table(the_store().folder());
     for (auto _ : state) {
-        step_over_all([](std::string_view key, std::string_view value) {
+        table.step_over_all([](std::string_view key, std::string_view value) {
             benchmark::DoNotOptimize(key.data());
             benchmark::DoNotOptimize(value.data());
         });
@@ -135,12 +156,12 @@ void list_cursor(benchmark::State &state) {
 }
 
 void list_cursor_copying(benchmark::State &state) {
-    the_store();
+    bare_table table(the_store().folder());
     std::vector<char> copy(256 * 1024);
     for (auto _ : state) {
         std::size_t at = 0;
         std::uint32_t items = 0;
-        step_over_all([&](std::string_view key, std::string_view value) {
+        table.step_over_all([&](std::string_view key, std::string_view value) {
             at = items++ % BATCH == 0 ? 0 : at;
             std::memcpy(copy.data() + at, key.data(), key.size());
             std::memcpy(copy.data() + at + key.size(), value.data(), value.size());

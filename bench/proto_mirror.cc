@@ -1,4 +1,4 @@
-// See proto_mirror.h.
+// Fills messages from records by walking the description of the record type.
 #include "bench/proto_mirror.h"
 
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace {
 
 using google::protobuf::FieldDescriptor;
 using google::protobuf::Message;
-using parcel_notation::form;
+using parcel_notation::data_type;
 using parcel_notation::kind;
 
 using generic_array = parcel_array<std::uint8_t>;
@@ -26,25 +26,17 @@ T load(const std::uint8_t *from) {
 
 class filler {
 public:
-    explicit filler(const parcel_descriptor *descriptor) : descriptor_(descriptor) {
-        if (!parcel_notation::parse(descriptor->schema, &schema_, nullptr)) {
-            throw std::runtime_error("bad schema");
-        }
-    }
-
-    void fill(parcel_notation::definition_index index, const std::uint8_t *record, Message *message) {
-        const parcel_notation::definition &definition = schema_.definitions[index];
-        const parcel_layout &layout = layout_of(index);
-        const bool is_union = definition.what == form::choice;
+    static void fill(const data_type &type, const std::uint8_t *record, Message *message) {
+        const bool is_union = type.what == kind::tagged_union;
+        int at = 1;
         if (is_union) {
-            message->GetReflection()->SetUInt32(message, field(*message, 1), load<std::uint32_t>(record));
+            message->GetReflection()->SetUInt32(message, field(*message, at++), load<std::uint32_t>(record));
         }
-        for (std::size_t i = 0; i < definition.fields.size(); ++i) {
-            const parcel_notation::field &each = definition.fields[i];
-            const std::size_t at = i + (is_union ? 1 : 0);
-            if (!each.empty && (!is_union || each.value == load<std::uint32_t>(record))) {
-                fill_field(each.type, record + layout.offsets[at], message, field(*message, static_cast<int>(at) + 1));
+        for (const parcel_notation::field &each : type.fields) {
+            if (each.type != nullptr && (!is_union || each.value == load<std::uint32_t>(record))) {
+                fill_field(*each.type, record + each.offset, message, field(*message, at));
             }
+            ++at;
         }
     }
 
@@ -53,29 +45,16 @@ private:
         return message.GetDescriptor()->FindFieldByNumber(number);
     }
 
-    const parcel_layout &layout_of(parcel_notation::definition_index index) const {
-        std::uint64_t at = 0;
-        while (index != 0 && descriptor_->layout[++at].number != schema_.definitions[index].number) {
-        }
-        return descriptor_->layout[at];
-    }
-
-    std::size_t size_of(parcel_notation::type_index index) const {
-        const parcel_notation::type &what = parcel_notation::resolve(schema_, index);
-        return what.what == kind::reference ? layout_of(what.definition).size : parcel_notation::scalar_size(what);
-    }
-
     static std::uint64_t number(const std::uint8_t *at, std::size_t size) {
         std::uint64_t value = 0;
         std::memcpy(&value, at, size);
         return value;
     }
 
-    void fill_field(parcel_notation::type_index index, const std::uint8_t *at, Message *message,
-                    const FieldDescriptor *field) {
-        const parcel_notation::type &what = parcel_notation::resolve(schema_, index);
+    static void fill_field(const data_type &type, const std::uint8_t *at, Message *message,
+                           const FieldDescriptor *field) {
         const auto *reflection = message->GetReflection();
-        switch (what.what) {
+        switch (type.what) {
         case kind::text:
             if (const auto *text = load<const char *>(at); text != nullptr) {
                 reflection->SetString(message, field, text);
@@ -83,47 +62,45 @@ private:
             break;
         case kind::optional:
             if (const auto *value = load<const std::uint8_t *>(at); value != nullptr) {
-                fill_field(what.element, value, message, field);
+                fill_field(*type.element, value, message, field);
             }
             break;
         case kind::array: {
             const auto array = load<generic_array>(at);
             for (std::uint32_t i = 0; i < array.count; ++i) {
-                add_element(what.element, array.elements + i * size_of(what.element), message, field);
+                add_element(*type.element, array.elements + std::size_t{i} * type.element->size, message, field);
             }
             break;
         }
-        case kind::reference: fill(what.definition, at, reflection->MutableMessage(message, field)); break;
+        case kind::record:
+        case kind::tagged_union: fill(type, at, reflection->MutableMessage(message, field)); break;
         case kind::bytes:
-            reflection->SetString(message, field, std::string(reinterpret_cast<const char *>(at), what.count));
+            reflection->SetString(message, field, std::string(reinterpret_cast<const char *>(at), type.count));
             break;
         case kind::u64: reflection->SetUInt64(message, field, load<std::uint64_t>(at)); break;
         case kind::boolean: reflection->SetBool(message, field, load<std::uint32_t>(at) != 0); break;
         case kind::enumeration: reflection->SetInt32(message, field, load<std::int32_t>(at)); break;
-        default:
-            reflection->SetUInt32(message, field,
-                                  static_cast<std::uint32_t>(number(at, parcel_notation::scalar_size(what))));
+        default: reflection->SetUInt32(message, field, static_cast<std::uint32_t>(number(at, type.size)));
         }
     }
 
-    void add_element(parcel_notation::type_index index, const std::uint8_t *at, Message *message,
-                     const FieldDescriptor *field) {
-        const parcel_notation::type &what = parcel_notation::resolve(schema_, index);
+    static void add_element(const data_type &type, const std::uint8_t *at, Message *message,
+                            const FieldDescriptor *field) {
         const auto *reflection = message->GetReflection();
-        if (what.what == kind::reference) {
-            fill(what.definition, at, reflection->AddMessage(message, field));
+        if (!parcel_notation::is_scalar(type.what)) {
+            fill(type, at, reflection->AddMessage(message, field));
         } else {
-            reflection->AddUInt32(message, field,
-                                  static_cast<std::uint32_t>(number(at, parcel_notation::scalar_size(what))));
+            reflection->AddUInt32(message, field, static_cast<std::uint32_t>(number(at, type.size)));
         }
     }
-
-    const parcel_descriptor *descriptor_;
-    parcel_notation::schema schema_;
 };
 
 }  // namespace
 
 void fill_mirror(const parcel_descriptor *descriptor, const void *record, Message *message) {
-    filler(descriptor).fill(0, static_cast<const std::uint8_t *>(record), message);
+    parcel_notation::schema schema;
+    if (parcel_notation::describe(descriptor, &schema)) {
+        throw std::runtime_error("bad schema");
+    }
+    filler::fill(*schema.definitions.front(), static_cast<const std::uint8_t *>(record), message);
 }

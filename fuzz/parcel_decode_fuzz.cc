@@ -1,4 +1,4 @@
-// See parcel_decode_fuzz.h.
+// Decodes a fuzz input and checks what the codec promises.
 #include "fuzz/parcel_decode_fuzz.h"
 
 #include <algorithm>
@@ -46,7 +46,7 @@ void decode_parcel(const std::uint8_t *data, std::size_t size, const parcel_desc
 
 // A record that decodes encodes again, and what is encoded decodes to the same bytes.
 void decode_fields(const std::uint8_t *data, std::size_t size, const parcel_descriptor *descriptor) {
-    parcel_plan::plan plan;
+    parcel_plan::record_plan plan;
     require(parcel_plan::compile(descriptor, descriptor->schema, &plan) == ERRCODE_SUCCESS);
     structure record = make_structure(descriptor, 0);
     auto *bytes = reinterpret_cast<std::uint8_t *>(record.data());
@@ -70,7 +70,7 @@ void decode_other_schema(const std::uint8_t *data, std::size_t size, const parce
     }
     const std::size_t length = std::min(static_cast<std::size_t>(data[0] | data[1] << 8), size - SCHEMA_HEAD);
     const std::string_view schema(reinterpret_cast<const char *>(data) + SCHEMA_HEAD, length);
-    parcel_plan::plan plan;
+    parcel_plan::record_plan plan;
     if (parcel_plan::compile(descriptor, schema, &plan) != ERRCODE_SUCCESS) {
         return;
     }

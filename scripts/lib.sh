@@ -1,4 +1,5 @@
-# What demo and check share: installing what is missing, and steps that fail with one clear line.
+# What the scripts share: installing what is missing, steps that fail with one clear line, and the list of the show
+# commands.
 # Sourced; expects $me, the script's name.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -52,4 +53,24 @@ build() {
   shift
   step "configuring $preset" cmake --preset "$preset" "$@"
   step "building $preset" cmake --build --preset "$preset"
+}
+
+# list_lines TYPE|FORM: the lines of one kind of examples/commands.txt, each with '|' between its fields and none of the
+# blanks around them, "-" for nothing, and its words in braces replaced. A line for a form begins with its type.
+list_lines() {
+  awk -v wanted="$1" '
+    /^#/ || /^$/ { next }
+    /^[a-z]+ =/ { name = $1; sub(/^[a-z]+ = */, ""); texts["{" name "}"] = $0; next }
+    {
+      kind = /^[0-9]/ ? "TYPE" : "FORM"
+      if (kind == "TYPE") type = $1
+      if (kind != wanted) next
+      gsub(/^ +| +$/, ""); gsub(/ +[|] +/, "|")
+      for (text in texts)
+        while (at = index($0, text)) $0 = substr($0, 1, at - 1) texts[text] substr($0, at + length(text))
+      count = split($0, fields, "|")
+      line = kind == "FORM" ? type : ""
+      for (i = 1; i <= count; ++i) line = line (line == "" ? "" : "|") (fields[i] == "-" ? "" : fields[i])
+      print line
+    }' examples/commands.txt
 }

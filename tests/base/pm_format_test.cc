@@ -11,7 +11,7 @@
 namespace {
 
 using pm_format_detail::ARGUMENT;
-using pm_format_detail::parsed_format;
+using pm_format_detail::PARSED_FORMAT;
 
 constexpr std::size_t BUFFER_SIZE = 4096;
 constexpr std::size_t COMPARISONS = 3'000'000;  // over all formats of the program
@@ -28,23 +28,23 @@ enum class role { star, text, character, u32, i32, u64, i64 };
 
 template <pm_format_literal Format>
 constexpr auto roles() {
-    std::array<role, parsed_format<Format>.arguments> result{};
+    std::array<role, PARSED_FORMAT<Format>.arguments> result{};
     std::size_t at = 0;
-    for (std::size_t i = 0; i < parsed_format<Format>.count; ++i) {
-        const auto &piece = parsed_format<Format>.pieces[i];
-        if (piece.conversion == 0) {
+    for (std::size_t i = 0; i < PARSED_FORMAT<Format>.count; ++i) {
+        const auto &segment = PARSED_FORMAT<Format>.segments[i];
+        if (segment.conversion == 0) {
             continue;
         }
-        for (const int size : {piece.width, piece.precision}) {
+        for (const int size : {segment.width, segment.precision}) {
             if (size == ARGUMENT) {
                 result[at++] = role::star;
             }
         }
-        const bool is_signed = piece.conversion == 'd';
-        result[at++] = piece.conversion == 's'   ? role::text
-                       : piece.conversion == 'c' ? role::character
-                       : piece.is_long           ? (is_signed ? role::i64 : role::u64)
-                                                 : (is_signed ? role::i32 : role::u32);
+        const bool is_signed = segment.conversion == 'd';
+        result[at++] = segment.conversion == 's'   ? role::text
+                       : segment.conversion == 'c' ? role::character
+                       : segment.is_long           ? (is_signed ? role::i64 : role::u64)
+                                                   : (is_signed ? role::i32 : role::u32);
     }
     return result;
 }
@@ -147,7 +147,7 @@ bool agrees_once() {
     return []<std::size_t... Index>(std::index_sequence<Index...>) {
         return agrees<Format>(make_argument<roles<Format>()[Index]>()...);
     }
-    (std::make_index_sequence<parsed_format<Format>.arguments>{});
+    (std::make_index_sequence<PARSED_FORMAT<Format>.arguments>{});
 }
 
 std::size_t compared = 0;

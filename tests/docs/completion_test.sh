@@ -46,6 +46,7 @@ expect 'resp rx' ls --root r
 expect 'chkpt main resp rx' dump --root =
 expect 'main' dump --root = m
 expect '--path' dump --root main --p
+expect '--empty' load --replace --e
 expect '' dump --node ''
 expect '' stat ''
 expect 'pm_summary_parcel pm_summary_timer_drift_parcel' schema pm_summ

@@ -1,4 +1,6 @@
 // Tests of the command table, through pm_show_build_request of front/dispatch.h.
+#include "front/advert_legend.h"
+#include "front/command_table.h"
 #include "front/dispatch.h"
 #include "tests/front/front_test.h"
 
@@ -42,7 +44,7 @@ protected:
         pm_show_request request{};
         pm_show_path item_path = "";
         const printed output =
-            capture([&] { ASSERT_EQ(pm_show_build_request(&request, item_path), pm_show_build::READY); });
+            capture([&] { ASSERT_EQ(pm_show_build_request(&request, item_path), pm_show_build::ready); });
         EXPECT_EQ(output.out + output.err, "");
         EXPECT_STREQ(request.base_path, expected.root);
         EXPECT_STREQ(request.item_path, expected.item_path);
@@ -62,13 +64,23 @@ protected:
         }
     }
 
+    // The request of a valid command line.
+    pm_show_request request_of(const std::string &arguments) {
+        given(arguments);
+        pm_show_request request{};
+        pm_show_path item_path = "";
+        EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::ready) << arguments;
+        request.item_path = nullptr;  // gone
+        return request;
+    }
+
     // What a command line that is refused prints on standard error.
     std::string refused(const std::string &arguments) {
         given(arguments);
         pm_show_request request{};
         pm_show_path item_path = "";
         const printed output = capture(
-            [&] { EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::REFUSED) << arguments; });
+            [&] { EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::refused) << arguments; });
         EXPECT_EQ(output.out, "") << arguments;
         return output.err;
     }
@@ -271,8 +283,24 @@ TEST_F(BuildRequestTest, AProfileNameThatCannotBeEncodedLeavesNothingToShow) {
     pm_show_request request{};
     pm_show_path item_path = "";
     const printed output =
-        capture([&] { EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::NOTHING); });
+        capture([&] { EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::nothing); });
     EXPECT_EQ(output.err, "pm_show_compose_name_profile_filter: Error encoding name name gold: errcode 22 (0x16)");
+}
+
+TEST_F(BuildRequestTest, OnlyCheckpointedSessionsAreListedWithoutBlankLines) {
+    EXPECT_EQ(request_of("-c 12").spacing, pm_show_spacing::dense);
+    for (const char *const arguments : {"-c 1", "-c 6", "-c 20 -t 3", "-c 23", "-c 25", "-c 33"}) {
+        EXPECT_EQ(request_of(arguments).spacing, pm_show_spacing::spaced) << arguments;
+    }
+}
+
+TEST_F(BuildRequestTest, OnlyAdvertisementHistoriesHaveALegend) {
+    for (const char *const subtype : {"3", "19", "21", "29"}) {
+        EXPECT_EQ(request_of(std::string("-c 20 -t ") + subtype).legend, pm_show_advert_legend) << subtype;
+    }
+    for (const char *const arguments : {"-c 4 -t 3", "-c 5 -t 19", "-c 22 -t 3", "-c 27 -t 29", "-c 1", "-c 9"}) {
+        EXPECT_EQ(request_of(arguments).legend, nullptr) << arguments;
+    }
 }
 
 TEST_F(BuildRequestTest, InvalidTypesAreRefusedWithTheirNumber) {
@@ -281,7 +309,8 @@ TEST_F(BuildRequestTest, InvalidTypesAreRefusedWithTheirNumber) {
     EXPECT_EQ(refused("-c 19"), "Show command type invalid 19\n");
     EXPECT_EQ(refused("-c 21"), "Show command type invalid 21\n");
     EXPECT_EQ(refused("-c 29"), "Show command type invalid 29\n");
-    EXPECT_EQ(refused("-c 38"), "Show command type invalid 38\n");
+    const std::string after_last = std::to_string(pm_show_commands().back().type + 1);
+    EXPECT_EQ(refused("-c " + after_last), "Show command type invalid " + after_last + "\n");
     EXPECT_EQ(refused("-c 0xffffffff"), "Show command type invalid 4294967295\n");
 }
 
@@ -324,19 +353,19 @@ TEST_F(BuildRequestTest, AnEmptyNameIsANameAndThePathEndsAtThePrefix) {
 }
 
 // The commands that look for the node of the interface in -i.
-constexpr const char *looking_for_a_node[] = {
+constexpr const char *LOOKING_FOR_A_NODE[] = {
     "-c 1", "-c 2", "-c 17", "-c 18", "-c 22 -t 3", "-c 4 -t 3", "-c 5 -t 3", "-c 20 -t 3",
 };
 
 TEST_F(BuildRequestTest, AnInterfaceNameThatDoesNotParseLeavesAllNodes) {
-    for (const char *const command : looking_for_a_node) {
+    for (const char *const command : LOOKING_FOR_A_NODE) {
         SCOPED_TRACE(command);
         SetUp();
         given(std::string(command) + " -i nonsense");
         pm_show_request request{};
         pm_show_path item_path = "";
         const printed output =
-            capture([&] { EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::READY); });
+            capture([&] { EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::ready); });
         EXPECT_EQ(output.out + output.err, "");
         EXPECT_EQ(fake.calls, std::vector<std::string>{"parse nonsense 0"});
         EXPECT_EQ(pm_show_options.node_id, PM_SHOW_ALL_NODES);
@@ -346,12 +375,12 @@ TEST_F(BuildRequestTest, AnInterfaceNameThatDoesNotParseLeavesAllNodes) {
 }
 
 TEST_F(BuildRequestTest, AllNodesKeepAnInterfaceFromBeingLookedFor) {
-    for (const char *const command : looking_for_a_node) {
+    for (const char *const command : LOOKING_FOR_A_NODE) {
         SCOPED_TRACE(command);
         given(std::string(command) + " -A -i X");
         pm_show_request request{};
         pm_show_path item_path = "";
-        EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::READY);
+        EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::ready);
         EXPECT_EQ(fake.calls, std::vector<std::string>{});
         EXPECT_EQ(pm_show_options.node_id, PM_SHOW_ALL_NODES);
         EXPECT_EQ(request.single_item, 1U);
@@ -362,7 +391,7 @@ TEST_F(BuildRequestTest, ANodeThatTheUserChoseIsNotReplacedByTheInterfacesNode) 
     given("-c 1 -i X -N 0x200");
     pm_show_request request{};
     pm_show_path item_path = "";
-    EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::READY);
+    EXPECT_EQ(pm_show_build_request(&request, item_path), pm_show_build::ready);
     EXPECT_EQ(pm_show_options.node_id, 0x200U);
 }
 

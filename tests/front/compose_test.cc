@@ -4,25 +4,25 @@
 
 namespace {
 
+using path_grammar::place;
+
 class ComposeTest : public FrontTest {
 protected:
-    using family = void (*)(pm_show_path &, const char *, const char *);
-
-    // The path that a family composes for a command line.
-    std::string composed(family compose, const std::string &arguments) {
+    // The path that is composed for a command line.
+    std::string filtered(place at, const std::string &arguments) {
         given(arguments);
         pm_show_path path;
-        compose(path, "plain/", "plain-filter/");
+        pm_show_compose_filtered(path, at);
         return path;
     }
-    std::string srpolicy(const std::string &arguments) { return composed(pm_show_compose_srpolicy, arguments); }
-    std::string endpoint(const std::string &arguments) { return composed(pm_show_compose_endpoint, arguments); }
-    std::string rsvpte(const std::string &arguments) { return composed(pm_show_compose_rsvpte, arguments); }
+    std::string srpolicy(const std::string &arguments) { return filtered(place::srpolicy_detail, arguments); }
+    std::string endpoint(const std::string &arguments) { return filtered(place::endpoint_detail, arguments); }
+    std::string rsvpte(const std::string &arguments) { return filtered(place::rsvpte_detail, arguments); }
 
     std::string session(const std::string &arguments) {
         given(arguments);
         pm_show_path path;
-        pm_show_compose_session(path, "session/");
+        pm_show_compose_session(path, place::session);
         return path;
     }
 
@@ -62,14 +62,14 @@ TEST_F(ComposeTest, TheBoundedFormatterLeavesAnAbsentBufferAlone) {
 }
 
 TEST_F(ComposeTest, APlainPathIsThePrefixAndTheName) {
-    EXPECT_EQ(srpolicy(""), "plain/");
-    EXPECT_EQ(srpolicy("-i pol1"), "plain/pol1");
-    EXPECT_EQ(endpoint("-i ep1"), "plain/ep1");
-    EXPECT_EQ(rsvpte("-i tun1"), "plain/tun1");
+    EXPECT_EQ(srpolicy(""), "srpolicy/detail/");
+    EXPECT_EQ(srpolicy("-i pol1"), "srpolicy/detail/pol1");
+    EXPECT_EQ(endpoint("-i ep1"), "endpoint/detail/ep1");
+    EXPECT_EQ(rsvpte("-i tun1"), "rsvpte/detail/tun1");
 }
 
 TEST_F(ComposeTest, APlainPathIsCutAt511Bytes) {
-    EXPECT_EQ(srpolicy("-i " + std::string(600, 'x')), "plain/" + std::string(505, 'x'));
+    EXPECT_EQ(srpolicy("-i " + std::string(600, 'x')), "srpolicy/detail/" + std::string(495, 'x'));
 }
 
 TEST_F(ComposeTest, ASessionPathEndsInTheSessionIdInHex) {
@@ -83,7 +83,7 @@ TEST_F(ComposeTest, ASessionPathEndsInTheSessionIdInHex) {
 TEST_F(ComposeTest, AnSrPolicyKeyHasElevenComponentsInOrder) {
     fake.addresses["10.0.0.1"] = {IP_FAMILY_IPV4, {10, 0, 0, 1}};
     EXPECT_EQ(srpolicy("-f 1 -e 10.0.0.1 -o 2 -g 3 -m 4 -n list -O -h 5 -j -u 6 -k 7 -i pol1"),
-              "plain-filter/0x1,0a000001,0x2,0x3,0x4,list,TRUE,0x5,0x1,0x6,0x7/pol1");
+              "srpolicy/detail-filter/0x1,0a000001,0x2,0x3,0x4,list,TRUE,0x5,0x1,0x6,0x7/pol1");
     EXPECT_EQ(fake.address_seen.family, IP_FAMILY_IPV4);
     EXPECT_EQ(fake.address_seen.octets[0], 10);
 }
@@ -92,7 +92,7 @@ TEST_F(ComposeTest, EachSrPolicyComponentAloneLeavesTheOthersWild) {
     fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
     const std::string w = "________";
     const auto key = [&w](int position, const std::string &text) {
-        std::string result = "plain-filter/";
+        std::string result = "srpolicy/detail-filter/";
         for (int at = 1; at <= 11; ++at) {
             result += (at == position ? text : w) + (at < 11 ? "," : "/");
         }
@@ -113,87 +113,99 @@ TEST_F(ComposeTest, EachSrPolicyComponentAloneLeavesTheOthersWild) {
 
 TEST_F(ComposeTest, OfTheTwoOptionsOfOneSrPolicyComponentTheLaterCounts) {
     fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
-    EXPECT_EQ(srpolicy("-j -r"),
-              "plain-filter/________,________,________,________,________,________,________,________,0x0,________,"
-              "________/");
-    EXPECT_EQ(srpolicy("-r -j"),
-              "plain-filter/________,________,________,________,________,________,________,________,0x1,________,"
-              "________/");
+    EXPECT_EQ(
+        srpolicy("-j -r"),
+        "srpolicy/detail-filter/________,________,________,________,________,________,________,________,0x0,________,"
+        "________/");
+    EXPECT_EQ(
+        srpolicy("-r -j"),
+        "srpolicy/detail-filter/________,________,________,________,________,________,________,________,0x1,________,"
+        "________/");
 }
 
 TEST_F(ComposeTest, AnAddressAloneLeavesTheOtherComponentsWild) {
     fake.addresses["10.0.0.1"] = {IP_FAMILY_IPV4, {10, 0, 0, 1}};
     EXPECT_EQ(srpolicy("-e 10.0.0.1"),
-              "plain-filter/________,0a000001,________,________,________,________,________,________,________,________,"
+              "srpolicy/detail-filter/"
+              "________,0a000001,________,________,________,________,________,________,________,________,"
               "________/");
-    EXPECT_EQ(endpoint("-e 10.0.0.1"), "plain-filter/________,0a000001,________,________/");
+    EXPECT_EQ(endpoint("-e 10.0.0.1"), "endpoint/detail-filter/________,0a000001,________,________/");
 }
 
 TEST_F(ComposeTest, AnAddressAloneIsAFilterEvenWhenItCouldNotBeRead) {
     fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
     const printed output = capture([this] {
-        EXPECT_EQ(srpolicy("-e nonsense"),
-                  "plain-filter/________,________,________,________,________,________,________,________,________,"
-                  "________,________/");
-        EXPECT_EQ(endpoint("-e nonsense"), "plain-filter/________,________,________,________/");
-        EXPECT_EQ(rsvpte("-e nonsense"), "plain-filter/________,________/");
+        EXPECT_EQ(
+            srpolicy("-e nonsense"),
+            "srpolicy/detail-filter/________,________,________,________,________,________,________,________,________,"
+            "________,________/");
+        EXPECT_EQ(endpoint("-e nonsense"), "endpoint/detail-filter/________,________,________,________/");
+        EXPECT_EQ(rsvpte("-e nonsense"), "rsvpte/detail-filter/________,________/");
     });
     EXPECT_EQ(output.err, "Invalid IP addressInvalid IP addressInvalid IP address");
 }
 
 TEST_F(ComposeTest, TheAddressComponentIsWrittenWithoutAnAddressWhenThePlatformHasATextForIt) {
     fake.address_text = "00000000";
-    EXPECT_EQ(srpolicy("-n list"),
-              "plain-filter/________,00000000,________,________,________,list,________,________,________,________,"
-              "________/");
+    EXPECT_EQ(
+        srpolicy("-n list"),
+        "srpolicy/detail-filter/________,00000000,________,________,________,list,________,________,________,________,"
+        "________/");
     EXPECT_EQ(fake.address_seen.family, 0U);
-    EXPECT_EQ(endpoint("-n list"), "plain-filter/________,00000000,list,________/");
-    EXPECT_EQ(rsvpte("-a 1"), "plain-filter/0x1,00000000/");
+    EXPECT_EQ(endpoint("-n list"), "endpoint/detail-filter/________,00000000,list,________/");
+    EXPECT_EQ(rsvpte("-a 1"), "rsvpte/detail-filter/0x1,00000000/");
 }
 
 TEST_F(ComposeTest, OptionsOfOtherFamiliesAreNoSrPolicyFilter) {
-    EXPECT_EQ(srpolicy("-a 1 -V red -s 5 -D 1 -T 2 -b -i pol1"), "plain/pol1");
+    EXPECT_EQ(srpolicy("-a 1 -V red -s 5 -D 1 -T 2 -b -i pol1"), "srpolicy/detail/pol1");
 }
 
 TEST_F(ComposeTest, AnEndpointKeyHasFourComponentsInOrder) {
     fake.addresses["10.0.0.1"] = {IP_FAMILY_IPV4, {10, 0, 0, 1}};
-    EXPECT_EQ(endpoint("-V red -e 10.0.0.1 -n list -h 3 -i ep1"), "plain-filter/red,0a000001,list,0x3/ep1");
+    EXPECT_EQ(endpoint("-V red -e 10.0.0.1 -n list -h 3 -i ep1"), "endpoint/detail-filter/red,0a000001,list,0x3/ep1");
 }
 
 TEST_F(ComposeTest, EachEndpointComponentAloneLeavesTheOthersWild) {
     fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
-    EXPECT_EQ(endpoint("-V red"), "plain-filter/red,________,________,________/");
-    EXPECT_EQ(endpoint("-n list"), "plain-filter/________,________,list,________/");
-    EXPECT_EQ(endpoint("-h 2"), "plain-filter/________,________,________,0x2/");
+    EXPECT_EQ(endpoint("-V red"), "endpoint/detail-filter/red,________,________,________/");
+    EXPECT_EQ(endpoint("-n list"), "endpoint/detail-filter/________,________,list,________/");
+    EXPECT_EQ(endpoint("-h 2"), "endpoint/detail-filter/________,________,________,0x2/");
+}
+
+TEST_F(ComposeTest, AnEmptyTextIsAComponentOfItsOwn) {
+    fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
+    EXPECT_EQ(endpoint("-V  -n list"), "endpoint/detail-filter/,________,list,________/");
+    EXPECT_EQ(endpoint("-n  -V red"), "endpoint/detail-filter/red,________,,________/");
 }
 
 TEST_F(ComposeTest, OptionsOfOtherFamiliesAreNoEndpointFilter) {
-    EXPECT_EQ(endpoint("-f 1 -o 1 -g 1 -m 1 -O -j -u 1 -k 1 -a 1"), "plain/");
+    EXPECT_EQ(endpoint("-f 1 -o 1 -g 1 -m 1 -O -j -u 1 -k 1 -a 1"), "endpoint/detail/");
 }
 
 TEST_F(ComposeTest, AnRsvpTeKeyIsTheNumberThenTheAddress) {
     fake.addresses["10.0.0.1"] = {IP_FAMILY_IPV4, {10, 0, 0, 1}};
-    EXPECT_EQ(rsvpte("-e 10.0.0.1 -a 12 -i tun1"), "plain-filter/0xc,0a000001/tun1");
-    EXPECT_EQ(rsvpte("-e 10.0.0.1"), "plain-filter/________,0a000001/");
+    EXPECT_EQ(rsvpte("-e 10.0.0.1 -a 12 -i tun1"), "rsvpte/detail-filter/0xc,0a000001/tun1");
+    EXPECT_EQ(rsvpte("-e 10.0.0.1"), "rsvpte/detail-filter/________,0a000001/");
     fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
-    EXPECT_EQ(rsvpte("-a 12"), "plain-filter/0xc,________/");
+    EXPECT_EQ(rsvpte("-a 12"), "rsvpte/detail-filter/0xc,________/");
 }
 
 TEST_F(ComposeTest, OptionsOfOtherFamiliesAreNoRsvpTeFilter) {
-    EXPECT_EQ(rsvpte("-f 1 -o 1 -g 1 -m 1 -n list -O -h 1 -j -u 1 -k 1 -V red"), "plain/");
+    EXPECT_EQ(rsvpte("-f 1 -o 1 -g 1 -m 1 -n list -O -h 1 -j -u 1 -k 1 -V red"), "rsvpte/detail/");
 }
 
 TEST_F(ComposeTest, TextComponentsAreCutAt63Bytes) {
     fake.address_text_code = ERRCODE_INVALID_ARGUMENT;
     const std::string cut(63, 'x');
-    EXPECT_EQ(endpoint("-V " + cut + "y -n " + cut + "z"), "plain-filter/" + cut + ",________," + cut + ",________/");
-    EXPECT_EQ(srpolicy("-n " + cut + "z"), "plain-filter/________,________,________,________,________," + cut +
-                                               ",________,________,________,________,________/");
+    EXPECT_EQ(endpoint("-V " + cut + "y -n " + cut + "z"),
+              "endpoint/detail-filter/" + cut + ",________," + cut + ",________/");
+    EXPECT_EQ(srpolicy("-n " + cut + "z"), "srpolicy/detail-filter/________,________,________,________,________," +
+                                               cut + ",________,________,________,________,________/");
 }
 
 TEST_F(ComposeTest, AnAddressComponentIsCutAt255Bytes) {
     fake.address_text = std::string(255, 'a') + "bc";
-    EXPECT_EQ(rsvpte("-a 1"), "plain-filter/0x1," + std::string(255, 'a') + "/");
+    EXPECT_EQ(rsvpte("-a 1"), "rsvpte/detail-filter/0x1," + std::string(255, 'a') + "/");
 }
 
 TEST_F(ComposeTest, TheWidestSrPolicyKeyIsWholeAndTheNameIsCut) {
@@ -201,10 +213,11 @@ TEST_F(ComposeTest, TheWidestSrPolicyKeyIsWholeAndTheNameIsCut) {
     const std::string list(63, 'l');
     const std::string name(300, 'n');
     const std::string number = "0xffffffff";
-    const std::string filtered = "plain-filter/" + number + "," + fake.address_text + "," + number + "," + number +
-                                 "," + number + "," + list + ",TRUE," + number + ",0x1," + number + "," + number + "/";
+    const std::string whole = "srpolicy/detail-filter/" + number + "," + fake.address_text + "," + number + "," +
+                              number + "," + number + "," + list + ",TRUE," + number + ",0x1," + number + "," + number +
+                              "/";
     EXPECT_EQ(srpolicy("-f -1 -o -1 -g -1 -m -1 -n " + list + " -O -h -1 -j -u -1 -k -1 -i " + name),
-              (filtered + name).substr(0, 511));
+              (whole + name).substr(0, 511));
 }
 
 TEST_F(ComposeTest, AGenericNamedProfileIsOneItem) {

@@ -18,7 +18,7 @@ protected:
 };
 
 TEST_F(DispatchTest, AnInvalidCommandTypeEndsWithAnErrorAndReadsNothing) {
-    for (const char *const type : {"0", "3", "19", "21", "29", "38"}) {
+    for (const char *const type : {"0", "3", "19", "21", "29", "1000"}) {
         SCOPED_TRACE(type);
         status = 77;
         const printed output = run("-c " + std::string(type));
@@ -55,9 +55,9 @@ TEST_F(DispatchTest, AProfileNameThatCannotBeEncodedShowsNothing) {
 }
 
 TEST_F(DispatchTest, ABadOptionDoesNotKeepTheCommandFromRunning) {
-    const printed output = run("-z -c 38");
+    const printed output = run("-z -c 3");
     EXPECT_EQ(status, -1);
-    EXPECT_EQ(output.err, "Unrecognised argument 63Show command type invalid 38\n");
+    EXPECT_EQ(output.err, "Unrecognised argument 63Show command type invalid 3\n");
 }
 
 TEST_F(DispatchTest, AShowIsReadFromEveryNodeAndEndsWithStatus0AlsoWhenItFails) {

@@ -12,6 +12,8 @@
 #include "base/pm_output.h"
 #include "front/options.h"
 #include "front/walker.h"
+#include "pm_show_client/pm_show_display.h"
+#include "pm_show_client/pm_show_headers.h"
 #include "pm_show_client/pm_show_options.h"
 #include "tests/fakes/platform_fake.h"
 #include "tests/fakes/platform_text_fake.h"

@@ -197,10 +197,11 @@ TEST_F(GenericShowTest, TheLastDisplayResultCountsForTheNextBatchToo) {
     EXPECT_EQ(show(list_request()).out, node + "\n[d1][d2]");
 }
 
-TEST_F(GenericShowTest, CheckpointedSessionsAreListedWithoutBlankLines) {
-    given("-c 12");
+TEST_F(GenericShowTest, ADenseListingHasNoBlankLines) {
     fake.batches = {batch_of(1, 2)};
-    EXPECT_EQ(show(list_request()).out, node + "[d1][d2]");
+    pm_show_request request = list_request();
+    request.spacing = pm_show_spacing::dense;
+    EXPECT_EQ(show(request).out, node + "[d1][d2]");
 }
 
 TEST_F(GenericShowTest, TheStoresAnswersToAListing) {

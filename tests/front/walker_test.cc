@@ -1,5 +1,6 @@
 // Tests of front/walker.h.
 #include "front/walker.h"
+#include "front/advert_legend.h"
 #include "tests/front/show_test.h"
 
 namespace {
@@ -229,9 +230,8 @@ TEST_F(WalkerTest, ListingsFollowEachOtherNodeByNode) {
     EXPECT_EQ(walk(list_request()).out, header("lc1") + "\n[d1]\n[d2]" + header("lc2") + "[no record]" + "\n");
 }
 
-TEST_F(WalkerTest, TheAdvertisementHistoryBeginsWithALegendOfItsReasons) {
-    given("-c 20 -N 1");
-    EXPECT_EQ(walk(single_request()).out,
+TEST_F(WalkerTest, TheLegendOfAdvertisementHistoriesNamesTheirReasons) {
+    EXPECT_EQ(capture(pm_show_advert_legend).out,
               "\n"
               " FIRST       : First advertisement      \n"
               " NEW-SESSION : New child session        \n"
@@ -252,13 +252,14 @@ TEST_F(WalkerTest, TheAdvertisementHistoryBeginsWithALegendOfItsReasons) {
               " EXEC-CLEAR  : Cleared through exec command\n"
               " PM-ERROR    : Performance measurement session error\n"
               " ANOM-MIN-DYN: Min delay A flag toggled and dynamic delay is in effect\n"
-              " ANOM-MIN-STA: Min delay A flag toggled and static delay is in effect\n" +
-                  walked({"lc1"}, "\n\n"));
+              " ANOM-MIN-STA: Min delay A flag toggled and static delay is in effect\n");
 }
 
-TEST_F(WalkerTest, OtherCommandsHaveNoLegend) {
-    given("-c 4 -N 1");
-    EXPECT_EQ(walk(single_request()).out, walked({"lc1"}, "\n\n"));
+TEST_F(WalkerTest, ALegendIsPrintedOnceBeforeAllNodes) {
+    fake.nodes = {{1}, {2}};
+    pm_show_request request = single_request();
+    request.legend = [] { pm_print<"legend\n">(); };
+    EXPECT_EQ(walk(request).out, "legend\n" + walked({"lc1", "lc2"}, "\n"));
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "front/generic_show.h"
-#include "platform/local/lmdb_store/store_writer.h"
-#include "pm_show_client/pm_show_options.h"
+#include "platform/local/back_ends/writers.h"
+#include "pm_show_client/pm_show_display.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 #include "tests/support/child_process.h"
@@ -43,16 +43,16 @@ bool fill_store(const char *url) {
     pm_intf_parcel record{};
     record.InterfaceName = "eth0/1/0/4";
     record.DelayMeasurementSessions = {1, &session};
-    store::writer store;
-    bool good = store.begin(url).empty();
+    std::unique_ptr<store::writer> writer;
+    bool good = !store::open_writer(url, store::missing_store::make, &writer);
     for (std::uint32_t node = 1; good && node <= 2; ++node) {
         const std::uint32_t count = node == 1 ? FEW : MANY;
         for (std::uint32_t i = 0; good && i < count; ++i) {
             const std::string path = "intf/detail/eth" + std::to_string(i);
-            good = store.put_item(store::root::main, node, path, &record, pm_intf_parcel_descriptor()).empty();
+            good = !writer->put_item({store::root::main, node}, path, &record, pm_intf_parcel_descriptor());
         }
     }
-    return good && store.commit().empty();
+    return good && !writer->commit();
 }
 
 // Lists all interfaces of a node in a child; its memory afterwards.

@@ -54,8 +54,4 @@ TEST(AdvertReason, SixReasonsWithdrawValues) {
     expect_answers(pm_advert_reason_withdraws_values, {14, 15, 16, 18, 19, 23}, true);
 }
 
-TEST(AdvertReason, ThresholdsAnomaliesFirstAndNewSessionsAreTriggered) {
-    expect_answers(pm_advert_reason_is_triggered, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 20, 22}, true);
-}
-
 }  // namespace

@@ -7,7 +7,7 @@
 
 namespace {
 
-// By code; an empty text stands for a code without a name.
+// By code; an empty text means a code without a name.
 const std::string EXPECTED[] = {
     "",
     "Success",

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "pm_utils/address_text.h"
+#include "pm_utils/unshown_address_text.h"
+#include "pm_utils/unshown_value_text.h"
 #include "pm_utils/value_text.h"
 #include "tests/fakes/platform_text_fake.h"
 

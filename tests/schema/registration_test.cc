@@ -50,29 +50,29 @@ protected:
 TEST_F(Registration, EachRoutineRegistersItsRunOfTheCatalogueInOrder) {
     struct run {
         errcode (*routine)();
-        std::size_t types;
-        const char *first, *last;
+        const char *first;
     };
     std::size_t total = 0;
-    for (const run &wanted : {run{pm_register_main_parcels, 181, "pm_values_parcel", "pm_responder_prefixes_summary"},
-                              run{pm_register_responder_parcels, 3, "pm_counter_resp_parcel", "pm_resp_summary_parcel"},
-                              run{pm_register_receive_parcels, 6, "pm_counter_rx_type_parcel", "pm_rx_summary_parcel"},
-                              run{pm_register_checkpoint_parcels, 3, "pm_chkpt_scb_parcel", "pm_chkpt_dr_db_sess_info"},
-                              run{pm_register_process_parcels, 6, "pm_failover_status", "pm_stats_batch_t"},
-                              run{pm_register_queue_parcels, 1, "pm_queue_stats_parcel", "pm_queue_stats_parcel"}}) {
+    for (const run &wanted : {run{pm_register_main_parcels, "pm_values_parcel"},
+                              run{pm_register_responder_parcels, "pm_counter_resp_parcel"},
+                              run{pm_register_receive_parcels, "pm_counter_rx_type_parcel"},
+                              run{pm_register_checkpoint_parcels, "pm_chkpt_scb_parcel"},
+                              run{pm_register_process_parcels, "pm_failover_status"},
+                              run{pm_register_queue_parcels, "pm_queue_stats_parcel"}}) {
         codec = {};
         EXPECT_EQ(wanted.routine(), ERRCODE_SUCCESS);
-        ASSERT_EQ(codec.calls.size(), wanted.types + 2);
+        ASSERT_GT(codec.calls.size(), 2U);
         EXPECT_EQ(codec.calls.front(), "start");
         EXPECT_EQ(codec.calls[1], wanted.first);
-        EXPECT_EQ(codec.calls[wanted.types], wanted.last);
         EXPECT_EQ(codec.calls.back(), "end");
-        for (std::size_t i = 0; i < wanted.types; ++i) {
+        const std::size_t types = codec.calls.size() - 2;
+        ASSERT_LE(total + types, pm_descriptors().size());
+        for (std::size_t i = 0; i < types; ++i) {
             EXPECT_EQ(codec.calls[i + 1], pm_descriptors()[total + i]->name);
         }
-        total += wanted.types;
+        total += types;
     }
-    EXPECT_EQ(total, 200U);
+    EXPECT_EQ(total, pm_descriptors().size());
 }
 
 TEST_F(Registration, AFailedStartRegistersNothing) {

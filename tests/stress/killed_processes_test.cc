@@ -81,7 +81,7 @@ protected:
     // Opens this store as LMDB does and begins `count` transactions that stay.
     [[nodiscard]] bool hold_transactions(unsigned count) const {
         MDB_env *env = nullptr;
-        bool good = mdb_env_create(&env) == 0 && mdb_env_set_maxreaders(env, store::MAX_READERS) == 0 &&
+        bool good = mdb_env_create(&env) == 0 && mdb_env_set_maxreaders(env, lmdb_store::MAX_READERS) == 0 &&
                     mdb_env_open(env, store().c_str(), MDB_RDONLY | MDB_NOTLS, 0) == 0;
         for (unsigned i = 0; good && i < count; ++i) {
             MDB_txn *txn = nullptr;
@@ -182,12 +182,12 @@ TEST_F(KilledProcesses, ATransactionOfAKilledReaderKeepsNoPages) {
 TEST_F(KilledProcesses, SlotsOfReadersAreUsedAgain) {
     // Some killed readers at a time, until there were more than there are slots.
     constexpr unsigned AT_ONCE = 170;
-    for (unsigned killed = 0; killed <= store::MAX_READERS; killed += AT_ONCE) {
+    for (unsigned killed = 0; killed <= lmdb_store::MAX_READERS; killed += AT_ONCE) {
         running_process reader = holder(AT_ONCE);
         reader.kill(SIGKILL);
         static_cast<void>(reader.wait(LONGEST_RUN_SECONDS));
         EXPECT_TRUE(all_is_listed()) << killed + AT_ONCE;
-        if (killed + 2 * AT_ONCE > store::MAX_READERS) {
+        if (killed + 2 * AT_ONCE > lmdb_store::MAX_READERS) {
             break;  // no slot is free any more, and no writer has cleared them
         }
     }
@@ -197,7 +197,7 @@ TEST_F(KilledProcesses, SlotsOfReadersAreUsedAgain) {
 }
 
 TEST_F(KilledProcesses, ReadersAtWorkInEverySlotAreReported) {
-    const running_process reader = holder(store::MAX_READERS);
+    const running_process reader = holder(lmdb_store::MAX_READERS);
     const command_result show = run_command(PERF_SHOW " -c 9", store());
     EXPECT_EQ(show.status, 0);
     EXPECT_NE(show.err.find("(0x8081c600)"), std::string::npos) << show.err;

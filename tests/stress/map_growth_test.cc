@@ -30,13 +30,14 @@ bool make_small_store(const std::string &folder) {
     MDB_txn *txn = nullptr;
     MDB_dbi table = 0;
     char key[] = "F";
-    std::string format = store::FORMAT;
+    std::string format = lmdb_store::FORMAT;
     MDB_val name{1, key};
     MDB_val value{format.size(), format.data()};
     return mdb_env_create(&env) == 0 && mdb_env_set_mapsize(env, SMALL_MAP) == 0 &&
-           mdb_env_set_maxreaders(env, store::MAX_READERS) == 0 && mdb_env_open(env, folder.c_str(), 0, 0640) == 0 &&
-           mdb_txn_begin(env, nullptr, 0, &txn) == 0 && mdb_dbi_open(txn, nullptr, 0, &table) == 0 &&
-           mdb_put(txn, table, &name, &value, 0) == 0 && mdb_txn_commit(txn) == 0;
+           mdb_env_set_maxreaders(env, lmdb_store::MAX_READERS) == 0 &&
+           mdb_env_open(env, folder.c_str(), 0, 0640) == 0 && mdb_txn_begin(env, nullptr, 0, &txn) == 0 &&
+           mdb_dbi_open(txn, nullptr, 0, &table) == 0 && mdb_put(txn, table, &name, &value, 0) == 0 &&
+           mdb_txn_commit(txn) == 0;
 }
 
 TEST(MapGrowth, IsFollowedByAReaderThatOpenedTheStoreBefore) {
@@ -54,10 +55,10 @@ TEST(MapGrowth, IsFollowedByAReaderThatOpenedTheStoreBefore) {
     running_process reader([&] {
         setenv("OPSTORE_URL", ("lmdb:" + store).c_str(), 1);
         static_cast<void>(!std::freopen("/dev/null", "w", stdout));
-        store::environment *shared = nullptr;
+        store::reader *from = nullptr;
+        store::census ignored;
         // Opens the store while its map is small.
-        bool good = store::environment::shared(&shared) == ERRCODE_SUCCESS &&
-                    shared->read([](const store::view &) { return ERRCODE_SUCCESS; }) == ERRCODE_SUCCESS;
+        bool good = !store::shared_reader(&from) && !from->count(&ignored);
         good = good && run_command(PERF_STORE " load " + folder.path() + "/set", store).status == 0;
         good = good && list_interfaces(check_item) == ERRCODE_SUCCESS && shown == 300;
         shown = 0;
@@ -122,8 +123,8 @@ TEST(MapGrowth, IsFollowedBetweenTwoBatches) {
     running_process reader([&] {
         setenv("OPSTORE_URL", ("lmdb:" + growing_store).c_str(), 1);
         static_cast<void>(!std::freopen("/dev/null", "w", stdout));
-        store::environment *shared = nullptr;
-        return store::environment::shared(&shared) == ERRCODE_SUCCESS &&
+        store::reader *from = nullptr;
+        return !store::shared_reader(&from) &&
                run_command(PERF_STORE " load " + folder.path() + "/set", growing_store).status == 0 &&
                list_interfaces(grow_then_check) == ERRCODE_SUCCESS && grown && shown == ITEMS && whole;
     });

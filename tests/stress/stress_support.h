@@ -19,8 +19,9 @@
 
 #include "base/pm_output.h"
 #include "front/generic_show.h"
-#include "platform/local/lmdb_store/store_writer.h"
-#include "pm_show_client/pm_show_options.h"
+#include "platform/local/back_ends/readers.h"
+#include "platform/local/lmdb_store/table_state.h"
+#include "pm_show_client/pm_show_display.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 #include "tests/support/child_process.h"

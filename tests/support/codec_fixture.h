@@ -56,7 +56,7 @@ inline void reseal(parcel *bytes) {
     std::memcpy(bytes->data() + 4, &sum, sizeof sum);
 }
 
-// Everything behind the header replaced by `fields`.
+// Everything after the header replaced by `fields`.
 inline parcel with_fields(const parcel_descriptor *descriptor, const parcel &fields) {
     const std::vector<std::uint64_t> zero(descriptor->layout[0].size / 8 + 1);
     parcel bytes = encode(zero.data(), descriptor);

@@ -10,22 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// A folder that is removed with all it holds.
-class temporary_folder {
-public:
-    temporary_folder() {
-        char name[] = "/tmp/perf-show-test-XXXXXX";
-        path_ = mkdtemp(name) != nullptr ? name : "";
-    }
-    ~temporary_folder() { std::filesystem::remove_all(path_); }
-    temporary_folder(const temporary_folder &) = delete;
-    temporary_folder &operator=(const temporary_folder &) = delete;
-
-    [[nodiscard]] const std::string &path() const { return path_; }
-
-private:
-    std::string path_;
-};
+#include "tests/support/temporary_folder.h"
 
 inline std::string read_file(const std::string &path) {
     std::ifstream in(path, std::ios::binary);

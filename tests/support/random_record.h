@@ -1,5 +1,5 @@
 // Records of any type for tests: filled at random from the type's schema, and compared field by
-// field. Works from the parsed schema and the layout table, independently of the codec's plans.
+// field. Works from the type's description, independently of the codec's plans.
 #pragma once
 
 #include <cstdint>
@@ -11,18 +11,14 @@
 #include "platform/local/codec/parcel_notation.h"
 #include "platform/parcel.h"
 
-// A record type's schema and layout, ready to walk a structure.
+// A record type's description, ready to walk a structure.
 class record_type {
 public:
     explicit record_type(const parcel_descriptor *descriptor);
 
-    [[nodiscard]] const parcel_notation::schema &schema() const { return schema_; }
-    [[nodiscard]] const parcel_layout &layout_of(parcel_notation::definition_index index) const;
-    [[nodiscard]] std::size_t size() const { return descriptor_->layout[0].size; }
-    [[nodiscard]] std::size_t size_of(parcel_notation::type_index index) const;
+    [[nodiscard]] const parcel_notation::data_type &record() const { return *schema_.definitions.front(); }
 
 private:
-    const parcel_descriptor *descriptor_;
     parcel_notation::schema schema_;
 };
 
@@ -37,8 +33,8 @@ public:
 private:
     void *allocate(std::size_t size);
     std::uint64_t below(std::uint64_t bound) { return random_() % bound; }
-    void fill_type(parcel_notation::type_index index, std::uint8_t *at, int depth);
-    void fill_definition(parcel_notation::definition_index index, std::uint8_t *at, int depth);
+    void fill(const parcel_notation::data_type &type, std::uint8_t *at, int depth);
+    void fill_union(const parcel_notation::data_type &type, std::uint8_t *at, int depth);
 
     record_type type_;
     std::mt19937_64 random_;

@@ -1,14 +1,15 @@
 // Stores that are not as they were written: cut short, overwritten, of another kind. A command says so
 // in one line and ends with status 1, whatever it finds; no signal ever ends it.
-#include "tests/perf-store/command_line/cli_fixture.h"
+#include "tests/perf-store/command_line/perf_store_fixture.h"
 
 #include <lmdb.h>
 #include <random>
 
 #include "platform/local/codec/parcel_codec.h"
-#include "platform/local/lmdb_store/store.h"
+#include "platform/local/lmdb_store/table_state.h"
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
+#include "platform/local/store/seal.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 
@@ -19,7 +20,7 @@ using namespace std::string_literals;
 
 constexpr std::size_t PAGE = 4096;
 constexpr std::size_t META_PAGES = 2;
-constexpr std::size_t META_AT = 16;  // behind the page's header
+constexpr std::size_t META_AT = 16;  // after the page's header
 constexpr std::size_t META_SIZE = 136;
 
 constexpr char ONE_MORE[] =
@@ -153,7 +154,7 @@ TEST_F(DamagedStore, OverwrittenByNoiseIsRefused) {
     for (std::uint64_t seed = 0; seed < 8; ++seed) {
         expect_all_refuse(noise(sound().size(), seed), "noise " + std::to_string(seed));
         expect_all_refuse(sound().substr(0, META_PAGES * PAGE) + noise(sound().size() - META_PAGES * PAGE, seed),
-                          "noise behind the head, " + std::to_string(seed));
+                          "noise after the head, " + std::to_string(seed));
     }
 }
 
@@ -301,7 +302,7 @@ protected:
 
 using key_and_value = std::pair<std::string, std::string>;
 
-const key_and_value FORMAT{"F", store::FORMAT};
+const key_and_value FORMAT{"F", lmdb_store::FORMAT};
 
 // A record as the store's writer would put it under the key.
 key_and_value record_under(const std::string &key, const void *record, const parcel_descriptor *type) {

@@ -1,5 +1,5 @@
 // perf-store's ls, get and rm: single items of a store.
-#include "tests/perf-store/command_line/cli_fixture.h"
+#include "tests/perf-store/command_line/perf_store_fixture.h"
 
 namespace {
 

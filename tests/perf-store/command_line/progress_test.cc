@@ -1,7 +1,7 @@
 // Progress of long work, as a terminal shows it.
-#include "perf-store/command_line/progress.h"
+#include "perf-store/datasets/progress_line.h"
 
-#include "tests/perf-store/command_line/cli_fixture.h"
+#include "tests/perf-store/command_line/perf_store_fixture.h"
 
 #include <chrono>
 #include <pty.h>
@@ -12,7 +12,7 @@
 namespace {
 
 using namespace perf_store_test;
-using perf_store::progress;
+using perf_store::progress_line;
 
 constexpr char AGAIN[] = "\r\033[K";  // to the start of the line, which is erased
 constexpr std::chrono::milliseconds LONGER_THAN_BETWEEN_TWO_LINES{150};
@@ -61,7 +61,7 @@ private:
     int near_ = -1;
 };
 
-void advance_to(progress *line, std::uint64_t items, std::uint64_t done) {
+void advance_to(progress_line *line, std::uint64_t items, std::uint64_t done) {
     for (std::uint64_t item = items - 255; item <= items; ++item) {  // the clock is not asked for every item
         line->advance(item, done);
     }
@@ -69,7 +69,7 @@ void advance_to(progress *line, std::uint64_t items, std::uint64_t done) {
 
 TEST_F(Progress, IsALineThatIsWrittenOverAndErasedAtTheEnd) {
     on_terminal([] {
-        progress line("loading", 2000);
+        progress_line line("loading", 2000);
         std::this_thread::sleep_for(LONGER_THAN_BETWEEN_TWO_LINES);
         advance_to(&line, 256, 500);
         advance_to(&line, 512, 900);  // too early for another line
@@ -82,7 +82,7 @@ TEST_F(Progress, IsALineThatIsWrittenOverAndErasedAtTheEnd) {
 
 TEST_F(Progress, HasNoShareOfWorkWhoseWholeIsUnknown) {
     on_terminal([] {
-        progress line("dumping", 0);
+        progress_line line("dumping", 0);
         std::this_thread::sleep_for(LONGER_THAN_BETWEEN_TWO_LINES);
         advance_to(&line, 256, 0);
         return true;
@@ -92,7 +92,7 @@ TEST_F(Progress, HasNoShareOfWorkWhoseWholeIsUnknown) {
 
 TEST_F(Progress, OfShortWorkIsNotShown) {
     on_terminal([] {
-        progress line("loading", 100);
+        progress_line line("loading", 100);
         advance_to(&line, 256, 100);
         return true;
     });
@@ -104,7 +104,7 @@ TEST_F(Progress, IsForTerminalsOnly) {
     ASSERT_EQ(::pipe(ends), 0);
     EXPECT_TRUE(in_child([&] {
         ::dup2(ends[1], STDERR_FILENO);
-        progress line("loading", 0);
+        progress_line line("loading", 0);
         std::this_thread::sleep_for(LONGER_THAN_BETWEEN_TWO_LINES);
         advance_to(&line, 256, 0);
         return true;

@@ -9,8 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/local/lmdb_store/store_writer.h"
-#include "tests/perf-store/command_line/cli_fixture.h"
+#include "platform/local/back_ends/writers.h"
+#include "tests/perf-store/command_line/perf_store_fixture.h"
 
 namespace {
 
@@ -94,12 +94,12 @@ TEST_F(StoreFile, OfTheFolderThatWasOpenedIsTheOneThatIsCut) {
     const std::string moved = folder() + "/moved";
     const pid_t child = ::fork();
     if (child == 0) {
-        store::writer writer;
-        bool good = writer.begin(url.c_str()).empty();
+        std::unique_ptr<store::writer> writer;
+        bool good = !store::open_writer(url.c_str(), store::missing_store::make, &writer);
         std::filesystem::rename(store(), moved);
         std::filesystem::create_directory(store());
         std::ofstream(data_file()) << std::string(100000, 'b');
-        good = good && writer.commit().empty();
+        good = good && !writer->commit();
         std::_Exit(good ? 0 : 1);
     }
     int status = 1;

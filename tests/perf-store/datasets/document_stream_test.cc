@@ -1,4 +1,4 @@
-// Tests of tools/perf-store/document_stream.h.
+// A file as a stream of JSON documents.
 #include "perf-store/datasets/document_stream.h"
 
 #include <cstdio>
@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/temporary_folder.h"
+
 namespace {
 
 using namespace perf_store;
@@ -17,17 +19,19 @@ using namespace std::string_literals;
 
 constexpr std::size_t PIECE = 1 << 20;  // bytes that the stream reads at a time
 
+// "document", "end", or the error.
+std::string result_of(document_stream *in, json_document *document) {
+    bool found = false;
+    const pm_error error = in->next(document, &found);
+    return error ? error.text() : found ? "document" : "end";
+}
+
 // Files in a folder of their own.
 class DocumentStream : public testing::Test {
 protected:
-    void SetUp() override {
-        char folder[] = "/tmp/document_stream.XXXXXX";
-        ASSERT_NE(::mkdtemp(folder), nullptr);
-        folder_ = folder;
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
+    void SetUp() override { ASSERT_NE(own_.path(), ""); }
 
-    [[nodiscard]] std::string name() const { return folder_ + "/set.ndjson"; }
+    [[nodiscard]] std::string name() const { return own_.path() + "/set.ndjson"; }
     [[nodiscard]] std::string write(const std::string &content) const {
         std::ofstream(name(), std::ios::binary) << content;
         return name();
@@ -40,18 +44,18 @@ protected:
         std::vector<std::string> found;
         json_document document;
         for (;;) {
-            const stream_result result = in.next(&document);
-            if (result == stream_result::failure) {
-                found.push_back("failure " + shortened(in.problem()));
+            bool is_there = false;
+            if (const pm_error error = in.next(&document, &is_there)) {
+                found.push_back("failure " + shortened(error.text()));
             }
-            if (result != stream_result::document) {
+            if (!is_there) {
                 return found;
             }
             found.push_back(document.root().count == 1 ? std::string(document.inside(document.root())->text) : "?");
         }
     }
 
-    // The line that the problem of a file names; 0 for none.
+    // The line that the error of a file names; 0 for none.
     [[nodiscard]] unsigned long failing_line(const std::string &content) const {
         const std::vector<std::string> found = documents(content);
         const std::string last = found.empty() ? "" : found.back();
@@ -60,11 +64,11 @@ protected:
     }
 
 private:
-    [[nodiscard]] std::string shortened(const std::string &problem) const {
-        return problem.starts_with(folder_ + "/") ? problem.substr(folder_.size() + 1) : problem;
+    [[nodiscard]] std::string shortened(const std::string &error) const {
+        return error.starts_with(own_.path() + "/") ? error.substr(own_.path().size() + 1) : error;
     }
 
-    std::string folder_;
+    temporary_folder own_;
 };
 
 using texts = std::vector<std::string>;
@@ -99,25 +103,23 @@ TEST_F(DocumentStream, WhiteSpaceAloneIsNoDocument) {
     EXPECT_EQ(documents(std::string(3 * PIECE, '\n')), texts{});
 }
 
-TEST_F(DocumentStream, WhiteSpaceBeforeAndBehindIsPassed) {
+TEST_F(DocumentStream, WhiteSpaceBeforeAndAfterIsPassed) {
     EXPECT_EQ(documents("\n\n  [1]  \n\n"), texts{"1"});
     EXPECT_EQ(documents(std::string(2 * PIECE, ' ') + "[1]" + std::string(2 * PIECE, ' ') + "[2]"), (texts{"1", "2"}));
 }
 
-TEST_F(DocumentStream, AMissingFileIsAFailureWithItsReason) {
+TEST_F(DocumentStream, AMissingFileIsAnErrorWithItsReason) {
     document_stream in(name());
     json_document document;
-    EXPECT_EQ(in.problem(), "perf-store: " + name() + ": No such file or directory");
-    EXPECT_EQ(in.next(&document), stream_result::failure);
-    EXPECT_EQ(in.next(&document), stream_result::failure);
+    EXPECT_EQ(result_of(&in, &document), "perf-store: " + name() + ": No such file or directory");
+    EXPECT_EQ(result_of(&in, &document), "perf-store: " + name() + ": No such file or directory");
 }
 
-TEST_F(DocumentStream, AFolderIsAFailureWithItsReason) {
+TEST_F(DocumentStream, AFolderIsAnErrorWithItsReason) {
     const std::string folder = std::filesystem::path(name()).parent_path();
     document_stream in(folder);
     json_document document;
-    EXPECT_EQ(in.next(&document), stream_result::failure);
-    EXPECT_EQ(in.problem(), "perf-store: " + folder + ": Is a directory");
+    EXPECT_EQ(result_of(&in, &document), "perf-store: " + folder + ": Is a directory");
 }
 
 TEST_F(DocumentStream, TheDocumentsBeforeAnErrorAreGiven) {
@@ -234,9 +236,9 @@ TEST_F(DocumentStream, DeepNestingIsADocumentOrAnError) {
 TEST_F(DocumentStream, APlaceIsALineOfTheDocumentReadLast) {
     document_stream in(write("[1]\n{\n\"a\": 1\n}\n"));
     json_document document;
-    ASSERT_EQ(in.next(&document), stream_result::document);
+    ASSERT_EQ(result_of(&in, &document), "document");
     EXPECT_EQ(in.place(0), name() + ":1: ");
-    ASSERT_EQ(in.next(&document), stream_result::document);
+    ASSERT_EQ(result_of(&in, &document), "document");
     EXPECT_EQ(in.place(document.root().offset), name() + ":2: ");
     EXPECT_EQ(in.place(document.inside(document.root())->offset), name() + ":3: ");
 }
@@ -247,11 +249,11 @@ TEST_F(DocumentStream, SaysHowFarItIs) {
     json_document document;
     EXPECT_EQ(in.bytes_in_all(), content.size());
     EXPECT_EQ(in.bytes_read(), 0U);
-    ASSERT_EQ(in.next(&document), stream_result::document);
+    ASSERT_EQ(result_of(&in, &document), "document");
     EXPECT_GT(in.bytes_read(), 0U);
     EXPECT_LT(in.bytes_read(), content.size());
-    ASSERT_EQ(in.next(&document), stream_result::document);
-    ASSERT_EQ(in.next(&document), stream_result::end);
+    ASSERT_EQ(result_of(&in, &document), "document");
+    ASSERT_EQ(result_of(&in, &document), "end");
     EXPECT_EQ(in.bytes_read(), content.size());
 }
 
@@ -282,10 +284,10 @@ TEST_F(DocumentStream, ADashIsStandardInput) {
     {
         document_stream in("-");
         EXPECT_EQ(in.bytes_in_all(), 0U);
-        ASSERT_EQ(in.next(&document), stream_result::document);
+        ASSERT_EQ(result_of(&in, &document), "document");
         EXPECT_EQ(in.place(0), "<stdin>:1: ");
-        ASSERT_EQ(in.next(&document), stream_result::failure);
-        EXPECT_TRUE(in.problem().starts_with("<stdin>:2: ")) << in.problem();
+        const std::string error = result_of(&in, &document);
+        EXPECT_TRUE(error.starts_with("<stdin>:2: ")) << error;
     }
     char byte = 0;
     EXPECT_EQ(::read(STDIN_FILENO, &byte, 1), 0) << "standard input stays open";

@@ -1,4 +1,4 @@
-// Tests of tools/perf-store/value_text.h.
+// Texts of single values, read and written.
 #include "perf-store/datasets/value_text.h"
 
 #include <array>
@@ -23,7 +23,7 @@ class GoodNumber : public testing::TestWithParam<number_case> {};
 TEST_P(GoodNumber, IsRead) {
     std::uint64_t value = 77;
     bool negative = !GetParam().negative;
-    ASSERT_EQ(read_integer(GetParam().text, &value, &negative), number_result::ok) << GetParam().text;
+    ASSERT_EQ(parse_integer(GetParam().text, &value, &negative), number_result::ok) << GetParam().text;
     EXPECT_EQ(value, GetParam().value) << GetParam().text;
     EXPECT_EQ(negative, GetParam().negative) << GetParam().text;
 }
@@ -70,14 +70,14 @@ TEST(ReadInteger, WhatIsNoIntegerIsRefused) {
           "018", "1.0", "1e3",  "1,000", "0x1.8", "1u",  "1L", "ten", "0 x1", "18446744073709551616x"}) {
         std::uint64_t value = 0;
         bool negative = false;
-        EXPECT_EQ(read_integer(text, &value, &negative), number_result::not_a_number) << '"' << text << '"';
+        EXPECT_EQ(parse_integer(text, &value, &negative), number_result::not_a_number) << '"' << text << '"';
     }
 }
 
 TEST(ReadInteger, AZeroByteIsNoDigit) {
     std::uint64_t value = 0;
     bool negative = false;
-    EXPECT_EQ(read_integer("1\0"s, &value, &negative), number_result::not_a_number);
+    EXPECT_EQ(parse_integer("1\0"s, &value, &negative), number_result::not_a_number);
 }
 
 TEST(ReadInteger, NumbersBeyondSixtyFourBitsAreOutOfRange) {
@@ -86,7 +86,7 @@ TEST(ReadInteger, NumbersBeyondSixtyFourBitsAreOutOfRange) {
           "-9223372036854775809", "-0x8000000000000001", "-18446744073709551615", "-18446744073709551616"}) {
         std::uint64_t value = 0;
         bool negative = false;
-        EXPECT_EQ(read_integer(text, &value, &negative), number_result::out_of_range) << text;
+        EXPECT_EQ(parse_integer(text, &value, &negative), number_result::out_of_range) << text;
     }
 }
 
@@ -94,7 +94,7 @@ TEST(ReadInteger, ReadsNoFurtherThanItsText) {
     const std::string_view text = std::string_view("12345").substr(0, 2);
     std::uint64_t value = 0;
     bool negative = false;
-    ASSERT_EQ(read_integer(text, &value, &negative), number_result::ok);
+    ASSERT_EQ(parse_integer(text, &value, &negative), number_result::ok);
     EXPECT_EQ(value, 12U);
 }
 
@@ -108,11 +108,11 @@ std::string shown(const std::array<std::uint8_t, Count> &octets) {
 
 TEST(Ipv4, IsReadInNetworkByteOrder) {
     std::array<std::uint8_t, 4> octets{};
-    ASSERT_TRUE(read_ipv4("10.1.2.255", octets.data()));
+    ASSERT_TRUE(parse_ipv4("10.1.2.255", octets.data()));
     EXPECT_EQ(shown(octets), "0a0102ff");
-    ASSERT_TRUE(read_ipv4("0.0.0.0", octets.data()));
+    ASSERT_TRUE(parse_ipv4("0.0.0.0", octets.data()));
     EXPECT_EQ(shown(octets), "00000000");
-    ASSERT_TRUE(read_ipv4("255.255.255.255", octets.data()));
+    ASSERT_TRUE(parse_ipv4("255.255.255.255", octets.data()));
     EXPECT_EQ(shown(octets), "ffffffff");
 }
 
@@ -120,10 +120,10 @@ TEST(Ipv4, OtherTextsAreRefused) {
     std::array<std::uint8_t, 4> octets{};
     for (const std::string_view text : {"", "10", "10.0.0", "10.0.0.", "10.0.0.256", "10.0.0.1.2", "10.0.0.-1",
                                         "10.0.0.1 ", " 10.0.0.1", "a.b.c.d", "::1", "10.0.0.1/24", "0x0a.0.0.1"}) {
-        EXPECT_FALSE(read_ipv4(text, octets.data())) << text;
+        EXPECT_FALSE(parse_ipv4(text, octets.data())) << text;
     }
-    EXPECT_FALSE(read_ipv4("10.0.0.1\0"s, octets.data()));
-    EXPECT_FALSE(read_ipv4(std::string(1000, '1'), octets.data()));
+    EXPECT_FALSE(parse_ipv4("10.0.0.1\0"s, octets.data()));
+    EXPECT_FALSE(parse_ipv4(std::string(1000, '1'), octets.data()));
 }
 
 TEST(Ipv4, IsWrittenDotted) {
@@ -135,16 +135,16 @@ TEST(Ipv4, IsWrittenDotted) {
 
 TEST(Ipv6, AllFormsAreRead) {
     std::array<std::uint8_t, 16> octets{};
-    ASSERT_TRUE(read_ipv6("2001:db8::1", octets.data()));
+    ASSERT_TRUE(parse_ipv6("2001:db8::1", octets.data()));
     EXPECT_EQ(shown(octets), "20010db8000000000000000000000001");
-    ASSERT_TRUE(read_ipv6("2001:0DB8:0:0:0:0:0:1", octets.data()));
+    ASSERT_TRUE(parse_ipv6("2001:0DB8:0:0:0:0:0:1", octets.data()));
     EXPECT_EQ(shown(octets), "20010db8000000000000000000000001");
-    ASSERT_TRUE(read_ipv6("::", octets.data()));
+    ASSERT_TRUE(parse_ipv6("::", octets.data()));
     EXPECT_EQ(shown(octets), "00000000000000000000000000000000");
-    ASSERT_TRUE(read_ipv6("::ffff:10.0.0.1", octets.data()));
+    ASSERT_TRUE(parse_ipv6("::ffff:10.0.0.1", octets.data()));
     EXPECT_EQ(shown(octets), "00000000000000000000ffff0a000001");
     // The longest form.
-    ASSERT_TRUE(read_ipv6("ffff:ffff:ffff:ffff:ffff:ffff:255.255.255.255", octets.data()));
+    ASSERT_TRUE(parse_ipv6("ffff:ffff:ffff:ffff:ffff:ffff:255.255.255.255", octets.data()));
     EXPECT_EQ(shown(octets), "ffffffffffffffffffffffffffffffff");
 }
 
@@ -153,10 +153,10 @@ TEST(Ipv6, OtherTextsAreRefused) {
     for (const std::string_view text :
          {"", ":", ":::", "1", "1:2:3:4:5:6:7", "1:2:3:4:5:6:7:8:9", "1::2::3", "g::", "12345::", "10.0.0.1",
           "2001:db8::1%eth0", "2001:db8::/64", "[::1]", " ::1", "::1 "}) {
-        EXPECT_FALSE(read_ipv6(text, octets.data())) << text;
+        EXPECT_FALSE(parse_ipv6(text, octets.data())) << text;
     }
-    EXPECT_FALSE(read_ipv6("::1\0"s, octets.data()));
-    EXPECT_FALSE(read_ipv6(std::string(1000, ':'), octets.data()));
+    EXPECT_FALSE(parse_ipv6("::1\0"s, octets.data()));
+    EXPECT_FALSE(parse_ipv6(std::string(1000, ':'), octets.data()));
 }
 
 TEST(Ipv6, IsWrittenInItsShortestForm) {
@@ -172,13 +172,13 @@ TEST(Ipv6, IsWrittenInItsShortestForm) {
 
 TEST(Mac, BothFormsAreRead) {
     std::array<std::uint8_t, 6> octets{};
-    ASSERT_TRUE(read_mac("00:11:22:33:44:55", octets.data()));
+    ASSERT_TRUE(parse_mac("00:11:22:33:44:55", octets.data()));
     EXPECT_EQ(shown(octets), "001122334455");
-    ASSERT_TRUE(read_mac("aabb.ccdd.eeff", octets.data()));
+    ASSERT_TRUE(parse_mac("aabb.ccdd.eeff", octets.data()));
     EXPECT_EQ(shown(octets), "aabbccddeeff");
-    ASSERT_TRUE(read_mac("AA:bB:0c:DD:ee:FF", octets.data()));
+    ASSERT_TRUE(parse_mac("AA:bB:0c:DD:ee:FF", octets.data()));
     EXPECT_EQ(shown(octets), "aabb0cddeeff");
-    ASSERT_TRUE(read_mac("0011.2233.4455", octets.data()));
+    ASSERT_TRUE(parse_mac("0011.2233.4455", octets.data()));
     EXPECT_EQ(shown(octets), "001122334455");
 }
 
@@ -189,7 +189,7 @@ TEST(Mac, OtherTextsAreRefused) {
           "00:11:22:33:44.55", "00.11.22.33.44.55", "0011:2233:4455", "0011.2233.445", "0011.2233.44556",
           "0011.22334.455", "0g:11:22:33:44:55", "00:11:22:33:44:5 ", " 0:11:22:33:44:55", "001122.334455",
           "0:11:22:33:44:555"}) {
-        EXPECT_FALSE(read_mac(text, octets.data())) << text;
+        EXPECT_FALSE(parse_mac(text, octets.data())) << text;
     }
 }
 
@@ -202,13 +202,13 @@ TEST(Mac, IsWrittenWithColons) {
 
 TEST(Hexadecimal, IsReadInEitherCase) {
     std::array<std::uint8_t, 5> octets{};
-    ASSERT_TRUE(read_hexadecimal("00fFA19a7F", octets.data()));
+    ASSERT_TRUE(parse_hexadecimal("00fFA19a7F", octets.data()));
     EXPECT_EQ(shown(octets), "00ffa19a7f");
 }
 
 TEST(Hexadecimal, NoDigitsAreNoBytes) {
     std::uint8_t untouched = 0x5A;
-    EXPECT_TRUE(read_hexadecimal("", &untouched));
+    EXPECT_TRUE(parse_hexadecimal("", &untouched));
     EXPECT_EQ(untouched, 0x5A);
 }
 
@@ -216,7 +216,7 @@ TEST(Hexadecimal, AnOddNumberOfDigitsAndOtherLettersAreRefused) {
     std::array<std::uint8_t, 8> octets{};
     for (const std::string_view text :
          {"0", "000", "0g", "g0", "0x12", " 12 ", "1 ", "-1", "/0", ":0", "@0", "`0", "G0", "\xE1\x30"}) {
-        EXPECT_FALSE(read_hexadecimal(text, octets.data())) << text;
+        EXPECT_FALSE(parse_hexadecimal(text, octets.data())) << text;
     }
 }
 
@@ -272,7 +272,7 @@ TEST(JsonText, Utf8StaysAsItIsToTheEdgesOfEachLength) {
     for (const std::string_view text : {"\x20", "\x7e",                          // one byte
                                         "\xC2\x80", "\xDF\xBF",                  // two
                                         "\xE0\xA0\x80", "\xED\x9F\xBF",          // three, to the surrogates
-                                        "\xEE\x80\x80", "\xEF\xBF\xBF",          // and behind them
+                                        "\xEE\x80\x80", "\xEF\xBF\xBF",          // and after them
                                         "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF",  // four, to the last code point
                                         "K\xC3\xB6ln \xE6\x97\xA5 \xF0\x9F\x98\x80!"}) {
         EXPECT_EQ(json(text), '"' + std::string(text) + '"');
@@ -336,8 +336,8 @@ TEST(IsUtf8, FindsABrokenSequenceWhereverItStands) {
     for (const broken_text &each : BROKEN) {
         for (std::size_t before = 0; before < 20; ++before) {
             const std::string text = std::string(before, 'x') + std::string(each.bytes);
-            EXPECT_FALSE(is_utf8(text)) << each.what << " behind " << before;
-            EXPECT_FALSE(is_utf8(text + std::string(20, 'x'))) << each.what << " behind " << before;
+            EXPECT_FALSE(is_utf8(text)) << each.what << " after " << before;
+            EXPECT_FALSE(is_utf8(text + std::string(20, 'x'))) << each.what << " after " << before;
         }
     }
 }
@@ -350,13 +350,6 @@ TEST(IsUtf8, TakesEveryGoodText) {
         EXPECT_TRUE(
             is_utf8(std::string(before, 'x') + "\xC3\xB6\xE6\x97\xA5\xF0\x9F\x98\x80" + std::string(before, 'y')));
     }
-}
-
-TEST(OnOneLine, ControlBytesAreShownByTheirNumber) {
-    EXPECT_EQ(on_one_line(""), "");
-    EXPECT_EQ(on_one_line("item.path: K\xC3\xB6ln\\"), "item.path: K\xC3\xB6ln\\");
-    EXPECT_EQ(on_one_line("a\nb\tc\x1b[2J\x7f"), R"(a\x0ab\x09c\x1b[2J\x7f)");
-    EXPECT_EQ(on_one_line("a\0b"s), R"(a\x00b)");
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
-// A data set that run_gen wrote, read back into records.
+// A synthetic data set, read back into records.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -12,29 +13,23 @@
 #include "perf-store/datasets/json_document.h"
 #include "perf-store/datasets/member_path.h"
 #include "perf-store/datasets/record_reader.h"
-#include "perf-store/datasets/record_shape.h"
-#include "perf-store/generator/gen.h"
+#include "perf-store/generator/generate.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 
-// What run_gen writes to standard output; its exit status in `*status`.
-inline std::string generate(const perf_store::gen_options &options, int *status = nullptr) {
-    std::fflush(stdout);
-    std::FILE *const file = std::tmpfile();
-    const int saved = ::dup(STDOUT_FILENO);
-    if (file == nullptr || saved < 0 || ::dup2(::fileno(file), STDOUT_FILENO) < 0) {
-        throw std::runtime_error("standard output cannot be caught");
+// The data set of some options.
+inline std::string generate(const perf_store::gen_options &options) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::tmpfile(), &std::fclose);
+    if (file == nullptr) {
+        throw std::runtime_error("no temporary file");
     }
-    const int result = perf_store::run_gen(options);
-    ::dup2(saved, STDOUT_FILENO);
-    ::close(saved);
-    if (status != nullptr) {
-        *status = result;
+    perf_store::output_file out(::fileno(file.get()), "a temporary file");
+    if (const pm_error error = perf_store::generate(options, &out)) {
+        throw std::runtime_error(error.text());
     }
-    std::string text(static_cast<std::size_t>(::lseek(::fileno(file), 0, SEEK_END)), '\0');
-    std::rewind(file);
-    text.resize(std::fread(text.data(), 1, text.size(), file));
-    std::fclose(file);
+    std::string text(static_cast<std::size_t>(::lseek(::fileno(file.get()), 0, SEEK_END)), '\0');
+    std::rewind(file.get());
+    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
     return text;
 }
 
@@ -94,17 +89,17 @@ private:
 
     void read_line(const char *line) {
         std::size_t length = 0;
-        const char *problem = nullptr;
-        if (!document_.read(line, &length, &problem) || length == 0) {
-            throw std::runtime_error(problem != nullptr ? problem : "an empty line");
+        require(document_.read(line, &length));
+        if (length == 0) {
+            throw std::runtime_error("an empty line");
         }
         const json_node *kind = document_.inside(document_.root());
         kinds_.emplace_back(kind->text);
         if (kinds_.back() == "item") {
-            read_item(*document_.behind(*kind));
+            read_item(*document_.after(*kind));
         } else if (kinds_.back() == "node") {
-            const json_node *id = document_.inside(*document_.behind(*kind));
-            nodes_.push_back(static_cast<std::uint32_t>(reader_.read_unsigned(*document_.behind(*id), ~0U, "N")));
+            const json_node *id = document_.inside(*document_.after(*kind));
+            nodes_.push_back(number(*document_.after(*id)));
         }
     }
 
@@ -112,19 +107,31 @@ private:
         generated_item item;
         const json_node *name = document_.inside(object);
         for (std::uint32_t i = 0; i < object.count; ++i) {
-            const json_node *value = document_.behind(*name);
+            const json_node *value = document_.after(*name);
             if (name->text == "node") {
-                item.node = static_cast<std::uint32_t>(reader_.read_unsigned(*value, ~0U, "N"));
+                item.node = number(*value);
             } else if (name->text == "path") {
                 item.path = value->text;
             } else if (name->text == "type") {
                 item.type = value->text;
             } else if (name->text == "record") {
-                item.record = reader_.read(*value, perf_store::shape_of(type_named(item.type)).record());
+                require(reader_.read(*value, type_named(item.type), &item.record));
             }
-            name = document_.behind(*value);
+            name = document_.after(*value);
         }
         items_.push_back(item);
+    }
+
+    static void require(const pm_error &error) {
+        if (error) {
+            throw std::runtime_error(error.text());
+        }
+    }
+
+    std::uint32_t number(const json_node &value) {
+        std::uint64_t result = 0;
+        require(reader_.read_unsigned(value, ~0U, "N", &result));
+        return static_cast<std::uint32_t>(result);
     }
 
     static const parcel_descriptor *type_named(const std::string &name) {

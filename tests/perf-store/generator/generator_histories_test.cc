@@ -1,4 +1,4 @@
-// Tests of tools/perf-store/gen.h: histories.
+// Synthetic data sets: histories.
 #include "tests/perf-store/generator/generated_set.h"
 
 #include <algorithm>
@@ -89,6 +89,24 @@ TEST(GeneratorHistories, InterfaceSamplesAreInOrderUpToTheBaseTime) {
     }
     EXPECT_GT(check.samples, 1000U);
     EXPECT_EQ(check.newest, BASE_MSEC);
+}
+
+TEST(GeneratorHistories, CountsOfPacketsOnlyRise) {
+    std::size_t histories = 0;
+    many().each<pm_intf_history_parcel>("intf/loss/", [&](const generated_item &item, const auto &interface) {
+        std::uint64_t sent = 0;
+        std::uint64_t received = 0;
+        for (const auto &sample : interface.HistoryInfo.LMPacketHistory.LMPacketHisotryList) {
+            EXPECT_GT(sample.TXCounter, sent) << item.path;
+            EXPECT_GT(sample.RXCounter, received) << item.path;
+            // Nor does a packet that was lost arrive later.
+            EXPECT_GE(sample.TXCounter - sample.RXCounter, sent - received) << item.path;
+            sent = sample.TXCounter;
+            received = sample.RXCounter;
+        }
+        histories += sent != 0 ? 1 : 0;
+    });
+    EXPECT_GT(histories, 50U);
 }
 
 TEST(GeneratorHistories, PolicySamplesAreInOrderUpToTheBaseTimeOnEveryLevel) {

@@ -1,4 +1,4 @@
-// Tests of tools/perf-store/gen.h: the values of the records make sense, alone and together.
+// Synthetic data sets: the values of the records make sense, alone and together.
 #include "tests/perf-store/generator/generated_set.h"
 
 #include <map>
@@ -147,7 +147,7 @@ TEST(GeneratorSummary, PolicyTotalsAreThoseOfAllLevelsOfTheCounters) {
               liveness_sent);
 }
 
-// Walks the detail records: the reason stands at the candidate path.
+// Walks the detail records: the candidate path has the reason.
 TEST(GeneratorSummary, PolicySessionsAreCountedByStateAndEncapsulation) {
     std::map<std::string, std::uint32_t> counts;
     many().each<pm_srpolicy_parcel>("srpolicy/detail/", [&](const generated_item &, const pm_srpolicy_parcel &policy) {

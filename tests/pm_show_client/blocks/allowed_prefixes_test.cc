@@ -1,27 +1,12 @@
-// The allowed prefixes without a record, and their promises that no stored record can break;
+// The promises of allowed prefixes that no stored record can break;
 // tests/golden/allowed-queriers and tests/golden/allowed-responders have the whole reports.
 #include "pm_show_client/blocks/allowed_prefixes.h"
 
 #include <gtest/gtest.h>
 
-#include "pm_show_client/displays/allowed_queriers.h"
-#include "pm_show_client/displays/allowed_responders.h"
-#include "pm_show_client/pm_show_options.h"
 #include "tests/support/captured.h"
 
 namespace {
-
-TEST(AllowedQueriers, PrintNothingWithoutARecord) {
-    int result = 0;
-    EXPECT_EQ(captured([&] { result = pm_show_allowed_queriers(nullptr); }), "");
-    EXPECT_EQ(result, PM_SHOW_NO_RECORD);
-}
-
-TEST(AllowedResponders, PrintNothingWithoutARecord) {
-    int result = 0;
-    EXPECT_EQ(captured([&] { result = pm_show_allowed_responders(nullptr); }), "");
-    EXPECT_EQ(result, PM_SHOW_NO_RECORD);
-}
 
 TEST(AllowedPrefixesDeath, ACountOfPrefixesWithoutPrefixesAborts) {
     pm_prefixes_info prefixes{};

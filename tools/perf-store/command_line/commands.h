@@ -1,10 +1,14 @@
-// What perf-store does, one function a command. Each returns the exit status.
+// What perf-store does, one function a command. Each returns the exit status and reports on standard error
+// what went wrong.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "perf-store/datasets/dataset_dumper.h"
+#include "base/pm_error.h"
+#include "perf-store/datasets/store_contents.h"
+#include "perf-store/generator/gen_options.h"
 
 namespace perf_store {
 
@@ -12,23 +16,30 @@ inline constexpr int EXIT_DONE = 0;
 inline constexpr int EXIT_REFUSED = 1;  // the input or the store refused it
 inline constexpr int EXIT_USAGE = 2;
 
-// Reports a problem that is not in the input; returns EXIT_REFUSED.
-int report(const std::string &problem);
+// Reports an error that is not in the input, as "perf-store: what". EXIT_REFUSED, or EXIT_DONE for none.
+[[nodiscard]] int report(const pm_error &error);
 
-// Tells what was done: "loaded 2 items". What is done stays so when standard output cannot be written;
-// then standard error tells it. Returns EXIT_DONE.
-int report_done(const std::string &what);
+// Puts data sets into the store, all of them or nothing.
+struct load_options {
+    std::vector<std::string> files;
+    bool replace = false;  // empty the store first
+    bool empty = false;    // replace it by sets without any item or node too
+};
+[[nodiscard]] int run_load(const load_options &options);
+// Removes items, all or none: each path must be there when the command begins. `recursive` removes what is
+// below them too.
+[[nodiscard]] int run_rm(const store::root_name &root, std::uint32_t node, const std::vector<std::string> &paths,
+                         bool recursive);
 
-int run_load(const std::vector<std::string> &files, bool replace);
-int run_dump(const dump_filter &filter);
-// Lists the items that the filter selects: root, node, record type, path.
-int run_ls(const dump_filter &filter);
-int run_get(const store::root_name &root, std::uint32_t node, const std::string &path);
-// Removes items, all or none: each path must be there when the command begins. `recursive` removes what is below them
-// too.
-int run_rm(const store::root_name &root, std::uint32_t node, const std::vector<std::string> &paths, bool recursive);
-int run_stat();
-int run_types();
-int run_schema(const std::string &type);
+[[nodiscard]] int run_dump(const item_selection &selection);
+// Lists items: root, node, record type, path.
+[[nodiscard]] int run_ls(const item_selection &selection);
+[[nodiscard]] int run_get(const item_place &item);
+[[nodiscard]] int run_stat();
+
+[[nodiscard]] int run_types();
+[[nodiscard]] int run_schema(const std::string &type);
+// EXIT_USAGE for options beyond their limits.
+[[nodiscard]] int run_gen(const gen_options &options);
 
 }  // namespace perf_store

@@ -5,8 +5,8 @@
 
 #include "perf-store/command_line/commands.h"
 #include "perf-store/datasets/dataset_names.h"
+#include "perf-store/datasets/message_text.h"
 #include "perf-store/datasets/value_text.h"
-#include "perf-store/generator/gen.h"
 
 namespace {
 
@@ -18,8 +18,7 @@ constexpr char DESCRIPTION[] =
 
 // Values of the options.
 struct arguments {
-    std::vector<std::string> files;
-    bool replace = false;
+    load_options load;
     std::string root;
     std::string node;
     std::string path;
@@ -34,7 +33,7 @@ struct arguments {
 std::string check_node(const std::string &text) {
     std::uint64_t value = 0;
     bool negative = false;
-    const bool good = read_integer(text, &value, &negative) == number_result::ok && !negative && value <= 0xFFFFFFFF;
+    const bool good = parse_integer(text, &value, &negative) == number_result::ok && !negative && value <= 0xFFFFFFFF;
     return good ? std::string() : on_one_line(excerpt(text)) + " is not a node id";
 }
 
@@ -48,8 +47,9 @@ void add_branch(CLI::App *command, arguments *given, bool required) {
 
 void add_load(CLI::App *app, arguments *given) {
     CLI::App *load = app->add_subcommand("load", "Put data sets into the store, all or nothing");
-    load->add_option("FILE", given->files, "Data sets; - is standard input")->required();
-    load->add_flag("--replace", given->replace, "Empty the store first");
+    load->add_option("FILE", given->load.files, "Data sets; - is standard input")->required();
+    CLI::Option *replace = load->add_flag("--replace", given->load.replace, "Empty the store first");
+    load->add_flag("--empty", given->load.empty, "Let it be replaced by sets without any item or node")->needs(replace);
     load->footer("Example: perf-store load --replace chassis.ndjson");
 }
 
@@ -101,20 +101,20 @@ void add_schema(CLI::App *app, arguments *given) {
 std::uint32_t node_of(const arguments &given) {
     std::uint64_t value = 0;
     bool negative = false;
-    static_cast<void>(read_integer(given.node, &value, &negative));  // checked by check_node
+    static_cast<void>(parse_integer(given.node, &value, &negative));  // checked by check_node
     return static_cast<std::uint32_t>(value);
 }
 
-dump_filter filter_of(const arguments &given) {
-    dump_filter filter;
+item_selection selection_of(const arguments &given) {
+    item_selection selection;
     if (!given.root.empty()) {
-        filter.root = find_word(store::ROOTS, given.root)->id;
+        selection.root = find_word(store::ROOTS, given.root)->id;
     }
     if (!given.node.empty()) {
-        filter.node = node_of(given);
+        selection.node = node_of(given);
     }
-    filter.path_prefix = given.path;
-    return filter;
+    selection.path_prefix = given.path;
+    return selection;
 }
 
 int run(int argc, char **argv) {
@@ -133,21 +133,21 @@ int run(int argc, char **argv) {
         app.parse(argc, argv);
     } catch (const CLI::Success &asked) {  // --help or --version
         return app.exit(asked);
-    } catch (const CLI::ParseError &wrong) {
-        app.exit(wrong);
+    } catch (const CLI::ParseError &error) {
+        app.exit(error);
         return EXIT_USAGE;
     }
     if (app.got_subcommand("load")) {
-        return run_load(given.files, given.replace);
+        return run_load(given.load);
     }
     if (app.got_subcommand("dump")) {
-        return run_dump(filter_of(given));
+        return run_dump(selection_of(given));
     }
     if (app.got_subcommand("ls")) {
-        return run_ls(filter_of(given));
+        return run_ls(selection_of(given));
     }
     if (app.got_subcommand("get")) {
-        return run_get(*find_word(store::ROOTS, given.root), node_of(given), given.item);
+        return run_get({*find_word(store::ROOTS, given.root), node_of(given), given.item});
     }
     if (app.got_subcommand("rm")) {
         return run_rm(*find_word(store::ROOTS, given.root), node_of(given), given.items, given.recursive);
@@ -168,8 +168,9 @@ int main(int argc, char **argv) {
     std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is a failed write
     try {
         const int status = run(argc, argv);
-        return std::fflush(stdout) == 0 || errno == EPIPE ? status : report("standard output cannot be written");
-    } catch (const std::exception &problem) {
-        return report(problem.what());
+        const bool written = std::fflush(stdout) == 0 || errno == EPIPE;
+        return written ? status : report(pm_error("standard output cannot be written"));
+    } catch (const std::exception &error) {
+        return report(pm_error(error.what()));
     }
 }

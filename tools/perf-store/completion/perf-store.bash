@@ -3,7 +3,7 @@
 # The options of a subcommand.
 _perf_store_options() {
     case $1 in
-    load) echo --replace ;;
+    load) echo --replace --empty ;;
     dump) echo --root --node --path ;;
     ls | get) echo --root --node ;;
     rm) echo --root --node --recursive ;;

@@ -1,303 +1,268 @@
-// See dataset_loader.h.
+// Reads the objects of a data set, one kind after the other, and puts each into the store.
 #include "perf-store/datasets/dataset_loader.h"
 
-#include <algorithm>
-#include <array>
-#include <cstring>
-
-#include "perf-store/command_line/progress.h"
 #include "perf-store/datasets/dataset_names.h"
-#include "perf-store/datasets/document_stream.h"
-#include "perf-store/datasets/record_shape.h"
-#include "perf-store/datasets/value_text.h"
+#include "perf-store/datasets/message_text.h"
+#include "perf-store/datasets/progress_line.h"
 #include "platform/inventory.h"
-#include "platform/local/store/local_store_records.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
 
 namespace {
 
-constexpr char NODE_NUMBER[] = "N";
+constexpr char NODE_NUMBER[] = "N";  // types of numbers in messages
 constexpr char NUMBER[] = "U";
-constexpr std::size_t MAX_MEMBERS = 8;  // of an object beside records
-
-// A failure of the store, not of the input.
-class store_error : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+constexpr std::uint64_t MAX_U32 = 0xFFFFFFFF;
 
 }  // namespace
 
-// The members of an object whose names are fixed. Reading it refuses unknown and repeated names.
-class dataset_loader::members {
-public:
-    members(dataset_loader *loader, const json_node &node, std::initializer_list<const char *> names)
-        : loader_(loader), node_(node), count_(names.size()) {
-        std::copy(names.begin(), names.end(), names_.begin());
-        loader->reader_.require(node, json_kind::object);
-        const json_node *member = loader->document_.inside(node);
-        for (std::uint32_t i = 0; i < node.count; ++i) {
-            const json_node *&place = values_[index_of(*member)];
-            if (place != nullptr) {
-                fail_at(*member, "given twice");
-            }
-            place = member + 1;
-            member = loader->document_.behind(*place);
-        }
-    }
-
-    // Calls read(value) when the member is there, with the path naming it.
-    template <class Read>
-    void optional(const char *name, Read read) const {
-        if (const json_node *value = find(name); value != nullptr) {
-            loader_->path_.enter(std::string_view(name));
-            read(*value);
-            loader_->path_.leave();
-        }
-    }
-
-    template <class Read>
-    void required(const char *name, Read read) const {
-        if (find(name) == nullptr) {
-            loader_->path_.enter(std::string_view(name));
-            loader_->reader_.fail(node_, "is missing");
-        }
-        optional(name, read);
-    }
-
-private:
-    [[nodiscard]] std::size_t index_of(const json_node &member) const {
-        for (std::size_t i = 0; i < count_; ++i) {
-            if (member.text == names_[i]) {
-                return i;
-            }
-        }
-        fail_at(member, "unknown member");
-    }
-
-    [[nodiscard]] const json_node *find(const char *name) const {
-        for (std::size_t i = 0; i < count_; ++i) {
-            if (std::strcmp(name, names_[i]) == 0) {
-                return values_[i];
-            }
-        }
-        return nullptr;
-    }
-
-    [[noreturn]] void fail_at(const json_node &member, const char *what) const {
-        loader_->path_.enter(member.text);
-        loader_->reader_.fail(member, what);
-    }
-
-    dataset_loader *loader_;
-    const json_node &node_;
-    std::size_t count_;
-    std::array<const char *, MAX_MEMBERS> names_{};
-    std::array<const json_node *, MAX_MEMBERS> values_{};
-};
-
-std::string dataset_loader::load(const std::string &file) {
+pm_error dataset_loader::load(const std::string &file) {
     document_stream in(file);
-    progress progress("loading", in.problem().empty() ? in.bytes_in_all() : 0);
+    stream_ = &in;
+    given_.clear();
+    progress_line progress("loading", in.bytes_in_all());
     for (;;) {
-        switch (in.next(&document_)) {
-        case stream_result::end: return "";
-        case stream_result::failure: return in.problem();
-        case stream_result::document: break;
+        bool found = false;
+        pm_error unreadable = in.next(&document_, &found);
+        if (unreadable || !found) {
+            return unreadable;
         }
         path_.clear();
         memory_.reset();
-        try {
-            load_object();
-        } catch (const input_error &error) {
-            return in.place(error.offset()) + error.what();
-        } catch (const store_error &error) {
-            return std::string("perf-store: ") + error.what();
+        if (const pm_error error = load_object()) {
+            return pm_error((store_failed_ ? "perf-store: " : in.place(path_.error_offset())) + error.text());
         }
         progress.advance(items_, in.bytes_read());
     }
 }
 
-void dataset_loader::stored(const store::problem &problem) {
-    if (!problem.empty()) {
-        throw store_error(problem);
-    }
+pm_error dataset_loader::stored(const pm_error &error) {
+    store_failed_ = static_cast<bool>(error);
+    return error;
 }
 
-void dataset_loader::load_object() {
-    struct object {
+pm_error dataset_loader::load_object() {
+    struct object_kind {
         const char *word;
-        void (dataset_loader::*load)(const json_node &);
+        pm_error (dataset_loader::*load)(const json_node &);
     };
-    static constexpr object OBJECTS[] = {
+    static constexpr object_kind KINDS[] = {
         {"dataset", &dataset_loader::load_dataset}, {"platform", &dataset_loader::load_platform},
         {"node", &dataset_loader::load_node},       {"interface", &dataset_loader::load_interface},
         {"item", &dataset_loader::load_item},       {"publisher", &dataset_loader::load_publisher},
     };
     const json_node &root = document_.root();
-    reader_.require(root, json_kind::object);
+    if (pm_error error = reader_.require(root, json_kind::object)) {
+        return error;
+    }
     if (root.count != 1) {
-        reader_.fail(root, "an object of a data set has exactly one key");
+        return reader_.refuse(root, "an object of a data set has exactly one key");
     }
     const json_node *key = document_.inside(root);
     path_.enter(key->text);
-    const object *known = find_word(OBJECTS, key->text);
-    if (known == nullptr) {
-        reader_.fail(*key, "unknown object");
-    }
-    (this->*known->load)(key[1]);
+    const object_kind *kind = find_word(KINDS, key->text);
+    return kind == nullptr ? reader_.refuse(*key, "unknown object") : (this->*kind->load)(key[1]);
 }
 
-std::uint32_t dataset_loader::read_u32(const json_node &node) {
-    return static_cast<std::uint32_t>(reader_.read_unsigned(node, 0xFFFFFFFF, NUMBER));
-}
-
-std::uint32_t *dataset_loader::keep_u32(const json_node &node) {
-    auto *kept = reinterpret_cast<std::uint32_t *>(memory_.allocate(sizeof(std::uint32_t)));
-    *kept = static_cast<std::uint32_t>(reader_.read_unsigned(node, 0xFFFFFFFF, NODE_NUMBER));
-    return kept;
-}
-
-const char *dataset_loader::keep_text(const json_node &node) {
-    const std::string_view text = reader_.read_text(node);
-    std::uint8_t *kept = memory_.allocate(text.size() + 1);
-    std::memcpy(kept, text.data(), text.size());
-    return reinterpret_cast<const char *>(kept);
-}
-
-store::root dataset_loader::read_root(const json_node &node) {
-    const store::root_name *known = find_word(store::ROOTS, reader_.read_text(node));
-    if (known == nullptr) {
-        reader_.fail(node, "unknown root " + excerpt(node.text));
-    }
-    return known->id;
-}
-
-std::string_view dataset_loader::read_path(const json_node &node) {
-    const std::string_view path = reader_.read_text(node);
-    if (path.empty()) {
-        reader_.fail(node, "an empty path");
-    }
-    if (path.front() == '/') {
-        reader_.fail(node, "a path begins below its branch, without '/'");
-    }
-    if (path.size() > store::MAX_PATH_LENGTH) {
-        reader_.fail(node, std::to_string(path.size()) + " bytes are too long for a path; the longest has " +
-                               std::to_string(store::MAX_PATH_LENGTH));
-    }
-    return path;
-}
-
-void dataset_loader::load_dataset(const json_node &node) {
-    members(this, node, {"version"}).required("version", [&](const json_node &value) {
-        if (const std::uint32_t version = read_u32(value); version != DATASET_VERSION) {
-            reader_.fail(value, "version " + std::to_string(version) + " is not known; this is version " +
-                                    std::to_string(DATASET_VERSION));
-        }
+pm_error dataset_loader::load_dataset(const json_node &node) {
+    object_members members = members_of(node, {"version"});
+    members.required("version", [&](const json_node &value) {
+        std::uint32_t version = DATASET_VERSION;
+        pm_error error = read_u32(value, NUMBER, &version);
+        return error || version == DATASET_VERSION
+                   ? error
+                   : reader_.refuse(value, "version " + std::to_string(version) + " is not known; this is version " +
+                                               std::to_string(DATASET_VERSION));
     });
+    return members.error();
 }
 
-void dataset_loader::load_platform(const json_node &node) {
+pm_error dataset_loader::load_platform(const json_node &node) {
     local_platform record{};
-    const members all(this, node,
-                      {"my_node", "router_type", "rp_plus_datapath", "active_rp", "process_group_partners"});
-    all.optional("my_node", [&](const json_node &value) { record.MyNode = keep_u32(value); });
-    all.optional("router_type", [&](const json_node &value) { record.RouterType = read_u32(value); });
-    all.optional("rp_plus_datapath",
-                 [&](const json_node &value) { record.RpPlusDatapath = reader_.read_boolean(value) ? 1 : 0; });
-    all.optional("active_rp", [&](const json_node &value) { record.ActiveRp = keep_u32(value); });
-    all.optional("process_group_partners", [&](const json_node &value) { load_partners(value, &record); });
-    stored(store_->put_platform(&record));
-}
-
-void dataset_loader::load_partners(const json_node &node, void *local_platform_record) {
-    auto *record = static_cast<local_platform *>(local_platform_record);
-    members(this, node, {CENTRAL_SERVICES}).optional(CENTRAL_SERVICES, [&](const json_node &value) {
-        auto *partner = reinterpret_cast<local_partner *>(memory_.allocate(sizeof(local_partner)));
-        partner->Group = CENTRAL_SERVICES;
-        partner->Node = *keep_u32(value);
-        record->Partners = {1, partner};
+    object_members members =
+        members_of(node, {"my_node", "router_type", "rp_plus_datapath", "active_rp", "process_group_partners"});
+    members.optional("my_node", [&](const json_node &value) { return keep_u32(value, &record.MyNode); });
+    members.optional("router_type",
+                     [&](const json_node &value) { return read_u32(value, NUMBER, &record.RouterType); });
+    members.optional("rp_plus_datapath", [&](const json_node &value) {
+        bool forwards = false;
+        pm_error error = reader_.read_boolean(value, &forwards);
+        record.RpPlusDatapath = forwards ? 1 : 0;
+        return error;
     });
+    members.optional("active_rp", [&](const json_node &value) { return keep_u32(value, &record.ActiveRp); });
+    members.optional("process_group_partners",
+                     [&](const json_node &value) { return read_partners(value, &record.Partners); });
+    return members.error() ? members.error() : stored(into_.put_platform(&record));
 }
 
-void dataset_loader::load_node(const json_node &node) {
+pm_error dataset_loader::load_node(const json_node &node) {
     local_node record{};
-    local_location location{};
     record.SwState = INVD_SW_STATE_UP;
-    const members all(this, node, {"id", "name", "sw_state", "location", "processor"});
-    all.required("id", [&](const json_node &value) { record.Id = record.Processor = *keep_u32(value); });
-    all.required("name", [&](const json_node &value) { record.Name = keep_text(value); });
-    all.optional("sw_state", [&](const json_node &value) { record.SwState = read_u32(value); });
-    all.optional("processor", [&](const json_node &value) { record.Processor = *keep_u32(value); });
-    all.optional("location", [&](const json_node &value) {
-        reader_.require(value, json_kind::array);
-        if (value.count != location.Numbers.size()) {
-            reader_.fail(value, "a location has three numbers");
-        }
-        const json_node *each = document_.inside(value);
-        for (std::uint32_t i = 0; i < value.count; ++i) {
-            path_.enter(i);
-            location.Numbers[i] = read_u32(*each);
-            path_.leave();
-            each = document_.behind(*each);
-        }
-        record.Location = &location;
-    });
-    stored(store_->put_node(record.Id, &record));
+    object_members members = members_of(node, {"id", "name", "sw_state", "location", "processor"});
+    members.required("id", [&](const json_node &value) { return read_new_node(value, &record.Id); });
+    record.Processor = record.Id;
+    members.required("name", [&](const json_node &value) { return reader_.keep_text(value, &record.Name); });
+    members.optional("sw_state", [&](const json_node &value) { return read_u32(value, NUMBER, &record.SwState); });
+    members.optional("processor",
+                     [&](const json_node &value) { return read_u32(value, NODE_NUMBER, &record.Processor); });
+    members.optional("location", [&](const json_node &value) { return read_location(value, &record.Location); });
+    ++nodes_;
+    return members.error() ? members.error() : stored(into_.put_node(record.Id, &record));
 }
 
-void dataset_loader::load_interface(const json_node &node) {
+pm_error dataset_loader::load_interface(const json_node &node) {
     local_interface record{};
     std::uint32_t handle = 0;
-    const members all(this, node, {"handle", "name"});
-    all.required("handle", [&](const json_node &value) { handle = read_u32(value); });
-    all.required("name", [&](const json_node &value) { record.Name = keep_text(value); });
-    stored(store_->put_interface(handle, &record));
+    object_members members = members_of(node, {"handle", "name"});
+    members.required("handle", [&](const json_node &value) { return read_u32(value, NUMBER, &handle); });
+    members.required("name", [&](const json_node &value) { return reader_.keep_text(value, &record.Name); });
+    return members.error() ? members.error() : stored(into_.put_interface(handle, &record));
 }
 
-void dataset_loader::load_item(const json_node &node) {
+pm_error dataset_loader::load_item(const json_node &node) {
     store::root root{};
     std::uint32_t node_id = 0;
     std::string_view path;
     const parcel_descriptor *type = nullptr;
-    const members all(this, node, {"root", "node", "path", "type", "record"});
-    all.required("root", [&](const json_node &value) { root = read_root(value); });
-    all.required("node", [&](const json_node &value) { node_id = *keep_u32(value); });
-    all.required("path", [&](const json_node &value) { path = read_path(value); });
-    all.required("type", [&](const json_node &value) {
-        type = pm_find_descriptor(reader_.read_text(value));
-        if (type == nullptr) {
-            reader_.fail(value, "unknown record type " + excerpt(value.text));
+    object_members members = members_of(node, {"root", "node", "path", "type", "record"});
+    members.required("root", [&](const json_node &value) { return read_root(value, &root); });
+    members.required("node", [&](const json_node &value) { return read_u32(value, NODE_NUMBER, &node_id); });
+    members.required("path", [&](const json_node &value) { return read_path(value, &path); });
+    members.required("type", [&](const json_node &value) { return read_type(value, &type); });
+    members.required("record", [&](const json_node &value) {
+        if (pm_error error = reader_.require(value, json_kind::object)) {
+            return error;
         }
-    });
-    all.required("record", [&](const json_node &value) {
-        reader_.require(value, json_kind::object);
-        const void *record = reader_.read(value, shape_of(type).record());
-        store::problem problem = store_->put_item(root, node_id, path, record, type);
-        if (problem == store::TOO_DEEP) {
-            reader_.fail(value, problem);
+        const void *record = nullptr;
+        if (pm_error error = reader_.read(value, type, &record)) {
+            return error;
         }
-        stored(problem);
+        const pm_error refused = into_.put_item({root, node_id}, path, record, type);
+        return refused.code() == ERRCODE_RANGE ? reader_.refuse(value, store::TOO_DEEP) : stored(refused);
     });
     ++items_;
+    return members.error();
 }
 
-void dataset_loader::load_publisher(const json_node &node) {
+pm_error dataset_loader::load_publisher(const json_node &node) {
     store::root root{};
     std::uint32_t node_id = 0;
-    const state_name *state = nullptr;
-    const members all(this, node, {"root", "node", "state"});
-    all.required("root", [&](const json_node &value) { root = read_root(value); });
-    all.required("node", [&](const json_node &value) { node_id = *keep_u32(value); });
-    all.required("state", [&](const json_node &value) {
-        state = find_word(PUBLISHER_STATES, reader_.read_text(value));
-        if (state == nullptr) {
-            reader_.fail(value, "unknown state " + excerpt(value.text));
-        }
+    store::publisher_state state{};
+    object_members members = members_of(node, {"root", "node", "state"});
+    members.required("root", [&](const json_node &value) { return read_root(value, &root); });
+    members.required("node", [&](const json_node &value) { return read_u32(value, NODE_NUMBER, &node_id); });
+    members.required("state", [&](const json_node &value) { return read_state(value, &state); });
+    return members.error() ? members.error() : stored(into_.put_publisher({root, node_id}, state));
+}
+
+// The id of a node that this set has not given yet.
+pm_error dataset_loader::read_new_node(const json_node &node, std::uint32_t *id) {
+    if (pm_error error = read_u32(node, NODE_NUMBER, id)) {
+        return error;
+    }
+    const auto [known, is_new] = given_.emplace(*id, stream_->line_of(node.offset));
+    return is_new ? pm_error()
+                  : reader_.refuse(node, "node " + excerpt(node.text) + " was already given in line " +
+                                             std::to_string(known->second));
+}
+
+pm_error dataset_loader::read_u32(const json_node &node, const char *type, std::uint32_t *value) {
+    std::uint64_t number = 0;
+    pm_error error = reader_.read_unsigned(node, MAX_U32, type, &number);
+    *value = static_cast<std::uint32_t>(number);
+    return error;
+}
+
+// A node id that a record points to, as it does to optional fields.
+pm_error dataset_loader::keep_u32(const json_node &node, std::uint32_t **value) {
+    *value = reinterpret_cast<std::uint32_t *>(memory_.allocate(sizeof(std::uint32_t)));
+    return read_u32(node, NODE_NUMBER, *value);
+}
+
+pm_error dataset_loader::read_partners(const json_node &node, parcel_array<local_partner> *partners) {
+    object_members members = members_of(node, {CENTRAL_SERVICES});
+    members.optional(CENTRAL_SERVICES, [&](const json_node &value) {
+        auto *partner = reinterpret_cast<local_partner *>(memory_.allocate(sizeof(local_partner)));
+        partner->Group = CENTRAL_SERVICES;
+        *partners = {1, partner};
+        return read_u32(value, NODE_NUMBER, &partner->Node);
     });
-    stored(store_->put_publisher(root, node_id, state->state));
+    return members.error();
+}
+
+pm_error dataset_loader::read_location(const json_node &node, local_location **location) {
+    if (pm_error error = reader_.require(node, json_kind::array)) {
+        return error;
+    }
+    auto *kept = reinterpret_cast<local_location *>(memory_.allocate(sizeof(local_location)));
+    if (node.count != kept->Numbers.size()) {
+        return reader_.refuse(node, "a location has three numbers");
+    }
+    const json_node *each = document_.inside(node);
+    for (std::uint32_t i = 0; i < node.count; ++i) {
+        path_.enter(i);
+        if (pm_error error = read_u32(*each, NUMBER, &kept->Numbers[i])) {
+            return error;
+        }
+        path_.leave();
+        each = document_.after(*each);
+    }
+    *location = kept;
+    return {};
+}
+
+pm_error dataset_loader::read_root(const json_node &node, store::root *root) {
+    std::string_view word;
+    if (pm_error error = reader_.read_text(node, &word)) {
+        return error;
+    }
+    const store::root_name *known = find_word(store::ROOTS, word);
+    if (known == nullptr) {
+        return reader_.refuse(node, "unknown root " + excerpt(word));
+    }
+    *root = known->id;
+    return {};
+}
+
+pm_error dataset_loader::read_path(const json_node &node, std::string_view *path) {
+    if (pm_error error = reader_.read_text(node, path)) {
+        return error;
+    }
+    if (path->empty()) {
+        return reader_.refuse(node, "an empty path");
+    }
+    if (path->front() == '/') {
+        return reader_.refuse(node, "a path begins below its branch, without '/'");
+    }
+    if (path->size() > store::MAX_PATH_LENGTH) {
+        return reader_.refuse(node, std::to_string(path->size()) + " bytes are too long for a path; the longest has " +
+                                        std::to_string(store::MAX_PATH_LENGTH));
+    }
+    return {};
+}
+
+pm_error dataset_loader::read_type(const json_node &node, const parcel_descriptor **type) {
+    std::string_view name;
+    if (pm_error error = reader_.read_text(node, &name)) {
+        return error;
+    }
+    *type = pm_find_descriptor(name);
+    return *type == nullptr ? reader_.refuse(node, "unknown record type " + excerpt(name)) : pm_error();
+}
+
+pm_error dataset_loader::read_state(const json_node &node, store::publisher_state *state) {
+    std::string_view word;
+    if (pm_error error = reader_.read_text(node, &word)) {
+        return error;
+    }
+    const state_name *known = find_word(PUBLISHER_STATES, word);
+    if (known == nullptr) {
+        return reader_.refuse(node, "unknown state " + excerpt(word));
+    }
+    *state = known->state;
+    return {};
 }
 
 }  // namespace perf_store

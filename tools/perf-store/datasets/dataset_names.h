@@ -1,13 +1,14 @@
 // The words of data sets.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
-#include "platform/local/lmdb_store/store.h"
+#include "platform/local/store/branch.h"
 
 namespace perf_store {
 
-inline constexpr unsigned DATASET_VERSION = 1;
+inline constexpr std::uint32_t DATASET_VERSION = 1;
 inline constexpr char CENTRAL_SERVICES[] = "central-services";
 
 struct state_name {

@@ -1,4 +1,4 @@
-// A data set's file as a stream of JSON documents, separated by white space. Memory holds a piece of the
+// A data set's file as a stream of JSON documents, separated by white space. Memory holds a part of the
 // file, as large as its largest document needs.
 #pragma once
 
@@ -6,11 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "base/pm_error.h"
 #include "perf-store/datasets/json_document.h"
 
 namespace perf_store {
-
-enum class stream_result { document, end, failure };
 
 class document_stream {
 public:
@@ -20,25 +19,29 @@ public:
     document_stream(const document_stream &) = delete;
     document_stream &operator=(const document_stream &) = delete;
 
-    // Reads the next document. On failure problem() is the whole message.
-    [[nodiscard]] stream_result next(json_document *document);
+    // Reads the next document; `*found` is false at the end of the file. The error is the whole message,
+    // "FILE:LINE: what" or, for a file that cannot be opened or read, "perf-store: FILE: why", and is given
+    // again by further calls.
+    [[nodiscard]] pm_error next(json_document *document, bool *found);
 
-    // "FILE:LINE: " of a place in the document read last: `offset` bytes from its start.
+    // The place in the document read last that is `offset` bytes from its start: its line, and "FILE:LINE: ".
+    [[nodiscard]] std::uint64_t line_of(std::size_t offset) const;
     [[nodiscard]] std::string place(std::size_t offset) const;
-    [[nodiscard]] const std::string &problem() const { return problem_; }
-    // Bytes of the file behind us, and in all where that is known (else 0).
+
+    // Bytes read so far, and in all where that is known (else 0).
     [[nodiscard]] std::uint64_t bytes_read() const { return bytes_read_; }
     [[nodiscard]] std::uint64_t bytes_in_all() const;
 
 private:
-    void unreadable(int failure);
-    [[nodiscard]] bool read_more();
+    [[nodiscard]] pm_error unreadable(int error_number) const;
+    [[nodiscard]] pm_error read_document(json_document *document, bool *found);
+    [[nodiscard]] pm_error read_more();
     void pass_document();
-    [[nodiscard]] bool pass_separator();
+    [[nodiscard]] pm_error pass_separator();
 
     std::string name_;
-    std::string problem_;
-    int file_ = -1;
+    pm_error error_;
+    int file_descriptor_ = -1;
     bool at_end_ = false;
     std::vector<char> buffer_;  // terminated
     std::size_t filled_ = 0;

@@ -1,4 +1,4 @@
-// See json_document.h. RapidJSON parses; its events build the nodes.
+// RapidJSON parses; its events build the nodes.
 #include "perf-store/datasets/json_document.h"
 
 #include <cstring>
@@ -125,29 +125,28 @@ private:
     std::vector<std::uint32_t> open_;
 };
 
-bool json_document::read(const char *begin, std::size_t *length, const char **problem) {
+pm_error json_document::read(const char *begin, std::size_t *length) {
     text_stream stream(begin);
     rapidjson::Reader reader;
     json_builder builder(this, stream);
     const rapidjson::ParseResult result = reader.Parse<PARSE_FLAGS>(stream, builder);
-    if (result.IsError()) {
-        // The parser calls a document empty also when it begins with stray punctuation.
-        const bool empty = result.Code() == rapidjson::kParseErrorDocumentEmpty;
-        const std::size_t start = std::strspn(begin, " \t\r\n");
-        if (empty && begin[start] == '\0') {
-            *length = 0;
-            return true;
-        }
-        *length = empty ? start : result.Offset();
-        const bool refused = result.Code() == rapidjson::kParseErrorTermination;  // by keep()
-        *problem = rapidjson::GetParseError_En(empty     ? rapidjson::kParseErrorValueInvalid
-                                               : refused ? rapidjson::kParseErrorStringInvalidEncoding
-                                                         : result.Code());
-        return false;
+    if (!result.IsError()) {
+        builder.settle();
+        *length = stream.Tell();
+        return {};
     }
-    builder.settle();
-    *length = stream.Tell();
-    return true;
+    // The parser calls a document empty also when it begins with stray punctuation.
+    const bool empty = result.Code() == rapidjson::kParseErrorDocumentEmpty;
+    const std::size_t start = std::strspn(begin, " \t\r\n");
+    if (empty && begin[start] == '\0') {
+        *length = 0;
+        return {};
+    }
+    *length = empty ? start : result.Offset();
+    const bool refused = result.Code() == rapidjson::kParseErrorTermination;  // by keep()
+    return pm_error(rapidjson::GetParseError_En(empty     ? rapidjson::kParseErrorValueInvalid
+                                                : refused ? rapidjson::kParseErrorStringInvalidEncoding
+                                                          : result.Code()));
 }
 
 }  // namespace perf_store

@@ -1,12 +1,14 @@
 // A JSON text read into a flat list of nodes, numbers kept as they are written.
 //
-// Beside its value each node knows where in the input it stands, so that an error can name the line.
+// Each node knows its place in the input, so that an error can name the line.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "base/pm_error.h"
 
 namespace perf_store {
 
@@ -19,7 +21,7 @@ struct json_node {
     json_kind kind{};
     bool value = false;        // of a boolean
     std::uint32_t count = 0;   // members of an object, elements of an array
-    std::uint32_t next = 0;    // index of the node behind this one and all that it holds
+    std::uint32_t next = 0;    // index of the node after this one and all that it holds
     std::uint32_t offset = 0;  // bytes from the start of the document to the token
     std::string_view text;     // of a text, a number as written
 };
@@ -28,19 +30,14 @@ struct json_node {
 // value's nodes; an array by its elements. Memory is kept from document to document.
 class json_document {
 public:
-    // Reads one document from the terminated text at `begin` and stops behind it. On success `*length`
-    // is the number of bytes read; 0 when there was nothing but white space. On failure `*problem` says
-    // what is wrong at byte `*length`.
-    [[nodiscard]] bool read(const char *begin, std::size_t *length, const char **problem);
+    // Reads one document from the terminated text at `begin` and stops after it. `*length` is the number of
+    // bytes read; 0 when there was nothing but white space. The error says what is wrong at byte `*length`.
+    [[nodiscard]] pm_error read(const char *begin, std::size_t *length);
 
     [[nodiscard]] const json_node &root() const { return nodes_.front(); }
-    [[nodiscard]] const json_node *node(std::uint32_t index) const { return &nodes_[index]; }
-    [[nodiscard]] std::uint32_t index_of(const json_node &node) const {
-        return static_cast<std::uint32_t>(&node - nodes_.data());
-    }
-    // The first node inside an object or array, and the node behind a value.
+    // The first node inside an object or array, and the node after a value.
     [[nodiscard]] const json_node *inside(const json_node &node) const { return &node + 1; }
-    [[nodiscard]] const json_node *behind(const json_node &node) const { return nodes_.data() + node.next; }
+    [[nodiscard]] const json_node *after(const json_node &node) const { return nodes_.data() + node.next; }
 
 private:
     friend class json_builder;

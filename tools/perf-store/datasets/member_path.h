@@ -1,27 +1,19 @@
-// Where in a document an error stands: "item.record.CandidatePaths[2].Preference".
+// The place of an error in a document: "item.record.CandidatePaths[2].Preference".
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "perf-store/datasets/value_text.h"
+#include "base/pm_error.h"
 
 namespace perf_store {
 
-// What is wrong with a document, and at which byte of it.
-class input_error : public std::runtime_error {
-public:
-    input_error(const std::string &what, std::size_t offset) : std::runtime_error(what), offset_(offset) {}
-    [[nodiscard]] std::size_t offset() const { return offset_; }
-
-private:
-    std::size_t offset_;
-};
-
-// The members that are being read, outermost first.
+// The members that are being read, outermost first. Names are not copied.
+//
+// Readers enter a member before they read its value and leave it when that went well; after an error the
+// path stays where it was until it is cleared.
 class member_path {
 public:
     void enter(std::string_view name) { steps_.push_back({name, 0, false}); }
@@ -29,10 +21,10 @@ public:
     void leave() { steps_.pop_back(); }
     void clear() { steps_.clear(); }
 
-    // Throws an input_error that names the path, on one line whatever the names hold.
-    [[noreturn]] void fail(const std::string &what, std::size_t offset) const {
-        throw input_error(on_one_line(text() + what), offset);
-    }
+    // An error whose text begins with the path and is on one line whatever the names hold. `offset` is the
+    // byte of the document that is wrong; it is kept for who wants to name the line.
+    [[nodiscard]] pm_error refuse(const std::string &what, std::size_t offset);
+    [[nodiscard]] std::size_t error_offset() const { return error_offset_; }
 
 private:
     struct step {
@@ -41,25 +33,10 @@ private:
         bool is_element;  // of an array
     };
 
-    // Of a path deeper than any that is meant, the middle is left out.
-    [[nodiscard]] std::string text() const {
-        constexpr std::size_t SHOWN_AT_EACH_END = 16;
-        std::string result;
-        for (std::size_t i = 0; i < steps_.size(); ++i) {
-            if (i == SHOWN_AT_EACH_END && steps_.size() > 2 * SHOWN_AT_EACH_END) {
-                i = steps_.size() - SHOWN_AT_EACH_END;
-                result += "...";
-            }
-            if (steps_[i].is_element) {
-                result += "[" + std::to_string(steps_[i].index) + "]";
-            } else {
-                result += (result.empty() ? "" : ".") + excerpt(steps_[i].name);
-            }
-        }
-        return result.empty() ? result : result + ": ";
-    }
+    [[nodiscard]] std::string text() const;
 
     std::vector<step> steps_;
+    std::size_t error_offset_ = 0;
 };
 
 }  // namespace perf_store

@@ -1,4 +1,4 @@
-// See value_text.h.
+// Numbers, addresses and JSON strings, read and written.
 #include "perf-store/datasets/value_text.h"
 
 #include <arpa/inet.h>
@@ -19,7 +19,7 @@ int hex_digit(char c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-bool read_address(int family, std::string_view text, std::uint8_t *octets) {
+bool parse_address(int family, std::string_view text, std::uint8_t *octets) {
     char terminated[INET6_ADDRSTRLEN];
     if (text.size() >= sizeof terminated || text.find('\0') != std::string_view::npos) {
         return false;
@@ -58,9 +58,19 @@ std::size_t utf8_length(std::string_view text) {
     return 0;
 }
 
+// Bytes at the front of `text` that are ASCII and stand for themselves in a JSON string.
+std::size_t plain_length(std::string_view text) {
+    std::size_t length = 0;
+    while (length < text.size() && text[length] >= ' ' && text[length] < '\x7F' && text[length] != '"' &&
+           text[length] != '\\') {
+        ++length;
+    }
+    return length;
+}
+
 }  // namespace
 
-number_result read_integer(std::string_view text, std::uint64_t *value, bool *negative) {
+number_result parse_integer(std::string_view text, std::uint64_t *value, bool *negative) {
     *negative = text.starts_with('-');
     text.remove_prefix(*negative ? 1 : 0);
     int base = 10;
@@ -72,11 +82,11 @@ number_result read_integer(std::string_view text, std::uint64_t *value, bool *ne
         text.remove_prefix(1);
     }
     const char *end = text.data() + text.size();
-    const auto [stop, failure] = std::from_chars(text.data(), end, *value, base);
-    if (failure == std::errc::invalid_argument || stop != end) {
+    const auto [stop, error] = std::from_chars(text.data(), end, *value, base);
+    if (error == std::errc::invalid_argument || stop != end) {
         return number_result::not_a_number;
     }
-    if (failure != std::errc{} || (*negative && *value > 1ULL << 63)) {
+    if (error != std::errc{} || (*negative && *value > 1ULL << 63)) {
         return number_result::out_of_range;
     }
     *value = *negative ? 0 - *value : *value;
@@ -84,10 +94,10 @@ number_result read_integer(std::string_view text, std::uint64_t *value, bool *ne
     return number_result::ok;
 }
 
-bool read_ipv4(std::string_view text, std::uint8_t *octets) { return read_address(AF_INET, text, octets); }
-bool read_ipv6(std::string_view text, std::uint8_t *octets) { return read_address(AF_INET6, text, octets); }
+bool parse_ipv4(std::string_view text, std::uint8_t *octets) { return parse_address(AF_INET, text, octets); }
+bool parse_ipv6(std::string_view text, std::uint8_t *octets) { return parse_address(AF_INET6, text, octets); }
 
-bool read_mac(std::string_view text, std::uint8_t *octets) {
+bool parse_mac(std::string_view text, std::uint8_t *octets) {
     const bool dotted = text.size() == 14;  // three groups of four digits, else six of two
     const std::size_t group = dotted ? 4 : 2;
     const char separator = dotted ? '.' : ':';
@@ -105,10 +115,10 @@ bool read_mac(std::string_view text, std::uint8_t *octets) {
             digits[count++] = text[i];
         }
     }
-    return read_hexadecimal({digits, count}, octets);
+    return parse_hexadecimal({digits, count}, octets);
 }
 
-bool read_hexadecimal(std::string_view text, std::uint8_t *octets) {
+bool parse_hexadecimal(std::string_view text, std::uint8_t *octets) {
     if (text.size() % 2 != 0) {
         return false;
     }
@@ -162,53 +172,33 @@ bool is_utf8(std::string_view text) {
     return true;
 }
 
-std::string excerpt(std::string_view text, std::size_t longest) {
-    if (text.size() <= longest) {
-        return std::string(text);
-    }
-    std::size_t length = longest;
-    while (length > 0 && (text[length] & 0xC0) == 0x80) {  // not within a character
-        --length;
-    }
-    return std::string(text.substr(0, length)) + "...";
-}
-
-std::string on_one_line(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        const auto byte = static_cast<std::uint8_t>(c);
-        if (byte >= 0x20 && byte != 0x7F) {
-            result.push_back(c);
-        } else {
-            result += "\\x";
-            append_hexadecimal(&byte, 1, &result);
-        }
-    }
-    return result;
-}
-
 bool append_json_text(std::string_view text, std::string *out) {
     const std::size_t begin = out->size();
     out->push_back('"');
     while (!text.empty()) {
-        const auto byte = static_cast<unsigned char>(text[0]);
+        const std::size_t plain = plain_length(text);
+        out->append(text, 0, plain);
+        text.remove_prefix(plain);
+        if (text.empty()) {
+            break;
+        }
+        const auto byte = static_cast<std::uint8_t>(text[0]);
+        std::size_t length = 1;
         if (byte == '"' || byte == '\\') {
             out->push_back('\\');
             out->push_back(text[0]);
-            text.remove_prefix(1);
         } else if (byte < 0x20 || byte == 0x7F) {
             out->append("\\u00");
             append_hexadecimal(&byte, 1, out);
-            text.remove_prefix(1);
         } else {
-            const std::size_t length = utf8_length(text);
+            length = utf8_length(text);
             if (length == 0) {
                 out->resize(begin);
                 return false;
             }
-            out->append(text.substr(0, length));
-            text.remove_prefix(length);
+            out->append(text, 0, length);
         }
+        text.remove_prefix(length);
     }
     out->push_back('"');
     return true;

@@ -13,15 +13,15 @@ enum class number_result { ok, not_a_number, out_of_range };
 
 // Reads an integer: decimal, 0x hexadecimal or 0 octal, with an optional minus. The value is the two's
 // complement; `*negative` tells a negative one. out_of_range beyond 64 bits.
-[[nodiscard]] number_result read_integer(std::string_view text, std::uint64_t *value, bool *negative);
+[[nodiscard]] number_result parse_integer(std::string_view text, std::uint64_t *value, bool *negative);
 
 // Dotted IPv4 text into 4 bytes, IPv6 text into 16, both in network byte order.
-[[nodiscard]] bool read_ipv4(std::string_view text, std::uint8_t *octets);
-[[nodiscard]] bool read_ipv6(std::string_view text, std::uint8_t *octets);
+[[nodiscard]] bool parse_ipv4(std::string_view text, std::uint8_t *octets);
+[[nodiscard]] bool parse_ipv6(std::string_view text, std::uint8_t *octets);
 // "00:11:22:33:44:55" or "0011.2233.4455" into 6 bytes.
-[[nodiscard]] bool read_mac(std::string_view text, std::uint8_t *octets);
+[[nodiscard]] bool parse_mac(std::string_view text, std::uint8_t *octets);
 // An even number of hexadecimal digits into half as many bytes.
-[[nodiscard]] bool read_hexadecimal(std::string_view text, std::uint8_t *octets);
+[[nodiscard]] bool parse_hexadecimal(std::string_view text, std::uint8_t *octets);
 
 template <class Integer>
 void append_number(Integer value, std::string *out) {
@@ -35,13 +35,6 @@ void append_mac(const std::uint8_t *octets, std::string *out);
 void append_hexadecimal(const std::uint8_t *octets, std::size_t count, std::string *out);
 
 [[nodiscard]] bool is_utf8(std::string_view text);
-
-// What a message repeats of a text: all of a short one, the beginning of a longer one and "..." behind it.
-inline constexpr std::size_t LONGEST_QUOTE = 100;
-[[nodiscard]] std::string excerpt(std::string_view text, std::size_t longest = LONGEST_QUOTE);
-
-// The text on one line: control characters as \xNN.
-[[nodiscard]] std::string on_one_line(std::string_view text);
 
 // Appends a JSON string with its quotes. False, with nothing appended, for a text that is not UTF-8.
 [[nodiscard]] bool append_json_text(std::string_view text, std::string *out);

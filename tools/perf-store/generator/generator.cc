@@ -1,16 +1,18 @@
-// The data set as a whole. See gen.h and generator.h.
+// The data set as a whole, and the inventory that it begins with.
 #include "perf-store/generator/generator.h"
 
 #include <algorithm>
 #include <charconv>
-#include <exception>
 
-#include "perf-store/command_line/commands.h"
+#include "paths/item_paths.h"
 #include "perf-store/datasets/dataset_names.h"
-#include "perf-store/generator/gen.h"
+#include "perf-store/generator/generate.h"
+#include "platform/inventory.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -48,40 +50,35 @@ std::vector<gen_node> inventory(std::uint32_t count) {
 }
 
 void write_platform(generation *set) {
-    std::string partner;
+    constexpr std::uint32_t ROUTER_TYPE = 9;
+    std::uint32_t active = set->route_processor().id;
+    local_partner partner{CENTRAL_SERVICES, 0};
+    local_platform record{&active, ROUTER_TYPE, set->first_card == 0 ? 1U : 0U, &active, {}};
     if (set->nodes.size() > 1) {
-        partner = gen_text(",\"process_group_partners\":{\"", CENTRAL_SERVICES, "\":", set->nodes[1].id, "}");
+        partner.Node = set->nodes[1].id;
+        record.Partners = {1, &partner};
     }
-    const std::uint32_t active = set->route_processor().id;
-    const char *const forwards = set->first_card == 0 ? "true" : "false";
-    set->writer.line(gen_text("{\"platform\":{\"my_node\":", active, ",\"router_type\":9,\"rp_plus_datapath\":",
-                              forwards, ",\"active_rp\":", active, partner, "}}"));
+    set->lines.platform(record);
     for (const gen_node &node : set->nodes) {
-        set->writer.line(gen_text("{\"node\":{\"id\":", node.id, ",\"name\":\"", node.name,
-                                  "\",\"sw_state\":6,\"location\":[0,", node.slot, ",0],\"processor\":", node.id,
-                                  "}}"));
+        local_location location{{0, node.slot, 0}};
+        set->lines.node({node.id, node.name.c_str(), INVD_SW_STATE_UP, &location, node.id});
     }
 }
 
 void write_interface(generation *set, std::uint32_t handle, const std::string &name) {
-    set->writer.line(gen_text("{\"interface\":{\"handle\":", handle, ",\"name\":\"", name, "\"}}"));
+    set->lines.interface(handle, name.c_str());
 }
 
 void write_interface_names(generation *set) {
-    for (std::uint32_t i = 0; i < set->options.interfaces; ++i) {
+    for (std::uint32_t i = 0; i < set->options.interfaces && set->lines.good(); ++i) {
         write_interface(set, gen_interface_handle(i), set->interface_name(i));
     }
-    for (std::uint32_t i = 0; i < set->options.tunnels; ++i) {
+    for (std::uint32_t i = 0; i < set->options.tunnels && set->lines.good(); ++i) {
         write_interface(set, gen_tunnel_handle(i), gen_tunnel_name(i));
     }
-    for (std::uint32_t i = 0; i < set->options.policies; ++i) {
+    for (std::uint32_t i = 0; i < set->options.policies && set->lines.good(); ++i) {
         write_interface(set, gen_policy_handle(i), gen_text("sr-policy", i + 1));
     }
-}
-
-bool within_limits(const gen_options &options) {
-    return options.nodes >= GEN_MIN_NODES && options.nodes <= GEN_MAX_NODES && options.paths <= GEN_MAX_PATHS &&
-           std::max({options.interfaces, options.policies, options.endpoints, options.tunnels}) <= GEN_MAX_OBJECTS;
 }
 
 }  // namespace
@@ -122,7 +119,8 @@ void generation::run(gen_node *node, random_source *random, session_state *sessi
 }
 
 void generation::write_session(const gen_node &node, const session_state &session, const pm_session_parcel &record) {
-    writer.item(node.id, gen_text("session/", gen_hexadecimal(session.id)), pm_session_parcel_descriptor(), &record);
+    lines.item(node.id, gen_text(path_of(place::session), gen_hexadecimal(session.id)), pm_session_parcel_descriptor(),
+               &record);
 }
 
 std::uint32_t gen_interface_handle(std::uint32_t interface) { return 0x08000010 + interface * HANDLE_STEP; }
@@ -137,30 +135,25 @@ std::string gen_hexadecimal(std::uint32_t number) {
     return std::string(static_cast<const char *>(digits), end);
 }
 
-int run_gen(const gen_options &options) {
-    if (!within_limits(options)) {
-        static_cast<void>(report("gen: a number is out of range"));
-        return EXIT_USAGE;
-    }
-    try {
-        generation set;
-        set.options = options;
-        set.nodes = inventory(options.nodes);
-        set.first_card = options.nodes > 2 ? 2 : 0;
-        set.writer.line(gen_text("{\"dataset\":{\"version\":", std::uint32_t{DATASET_VERSION}, "}}"));
-        write_platform(&set);
-        write_interface_names(&set);
-        gen_interfaces(&set);
-        gen_policies(&set);
-        gen_endpoints(&set);
-        gen_tunnels(&set);
-        gen_profiles(&set);
-        gen_summaries(&set);
-        set.writer.finish();
-    } catch (const std::exception &problem) {
-        return report(problem.what());
-    }
-    return EXIT_DONE;
+bool within_limits(const gen_options &options) {
+    return options.nodes >= GEN_MIN_NODES && options.nodes <= GEN_MAX_NODES && options.paths <= GEN_MAX_PATHS &&
+           std::max({options.interfaces, options.policies, options.endpoints, options.tunnels}) <= GEN_MAX_OBJECTS;
+}
+
+pm_error generate(const gen_options &options, output_file *out) {
+    generation set(options, out);
+    set.nodes = inventory(options.nodes);
+    set.first_card = options.nodes > 2 ? 2 : 0;
+    set.lines.version();
+    write_platform(&set);
+    write_interface_names(&set);
+    gen_interfaces(&set);
+    gen_policies(&set);
+    gen_endpoints(&set);
+    gen_tunnels(&set);
+    gen_profiles(&set);
+    gen_summaries(&set);
+    return set.lines.finish();
 }
 
 }  // namespace perf_store

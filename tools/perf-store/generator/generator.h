@@ -1,5 +1,5 @@
 // The parts of a synthetic data set, one routine a family, each in a file of its own
-// (generator_interfaces.cc and so on). They share the writer, the memory and the nodes' totals.
+// (generator_interfaces.cc and so on). They share the lines, the memory and the nodes' totals.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "perf-store/generator/gen_options.h"
+#include "perf-store/generator/generator_lines.h"
 #include "perf-store/generator/generator_random.h"
 #include "perf-store/generator/generator_record.h"
 #include "perf-store/generator/generator_session.h"
@@ -53,10 +54,12 @@ struct gen_node {
 
 // One data set under way. The first node is the active route processor.
 struct generation {
-    gen_options options;
+    generation(const gen_options &wanted, output_file *out) : options(wanted), lines(out) {}
+
+    const gen_options options;
     std::vector<gen_node> nodes;
     std::uint32_t first_card = 0;  // where the interfaces are: on the route processor without a card
-    dataset_writer writer;
+    generated_lines lines;
     item_memory memory;
 
     [[nodiscard]] gen_node &route_processor() { return nodes.front(); }

@@ -1,9 +1,12 @@
 // Endpoints: a delay or a liveness session each.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"
 #include "perf-store/generator/generator_parts.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -108,9 +111,9 @@ parcel_array<pm_endpoint_liveness> liveness_part(const endpoint_state &endpoint,
     return memory->array_of({liveness});
 }
 
-void write_item(generation *set, const endpoint_state &endpoint, const char *path, const parcel_descriptor *type,
+void write_item(generation *set, const endpoint_state &endpoint, std::string_view path, const parcel_descriptor *type,
                 const void *record) {
-    set->writer.item(set->route_processor().id, gen_text(path, endpoint.name), type, record);
+    set->lines.item(set->route_processor().id, gen_text(path, endpoint.name), type, record);
 }
 
 void write_detail(generation *set, const endpoint_state &endpoint) {
@@ -121,7 +124,7 @@ void write_detail(generation *set, const endpoint_state &endpoint) {
     } else {
         record->EndpointDelay = delay_part(endpoint, &set->memory);
     }
-    write_item(set, endpoint, "endpoint/detail/", pm_endpoint_common_descriptor(), record);
+    write_item(set, endpoint, path_of(place::endpoint_detail), pm_endpoint_common_descriptor(), record);
 }
 
 void write_counters(generation *set, const endpoint_state &endpoint) {
@@ -138,10 +141,10 @@ void write_counters(generation *set, const endpoint_state &endpoint) {
     auto *record = set->memory.make<pm_endpoint_counters_parcel>();
     record->EndpointName = endpoint.name;
     record->ConsolidatedCountersData = set->memory.array_of({consolidated});
-    write_item(set, endpoint, "endpoint/counters/", pm_endpoint_counters_parcel_descriptor(), record);
+    write_item(set, endpoint, path_of(place::endpoint_counters), pm_endpoint_counters_parcel_descriptor(), record);
 }
 
-void write_history(generation *set, const endpoint_state &endpoint, const char *path, pm_history_type_e type) {
+void write_history(generation *set, const endpoint_state &endpoint, std::string_view path, pm_history_type_e type) {
     pm_endpoint_history_segment_list_parcel list{};
     list.SegmentListName = endpoint.list;
     list.Segments = endpoint.segments;
@@ -158,12 +161,12 @@ void write_history(generation *set, const endpoint_state &endpoint, const char *
 
 void write_histories(generation *set, const endpoint_state &endpoint) {
     if (endpoint.session.is_liveness()) {
-        write_history(set, endpoint, "endpoint/delay/live-history/", PM_HISTORY_LIVENESS);
+        write_history(set, endpoint, path_of(place::endpoint_live_history), PM_HISTORY_LIVENESS);
         return;
     }
-    write_history(set, endpoint, "endpoint/delay/probe-history/", PM_HISTORY_DM_PROBE);
-    write_history(set, endpoint, "endpoint/delay/aggr-history/", PM_HISTORY_DM_AGGREGATION);
-    write_history(set, endpoint, "endpoint/delay/adv-history/", PM_HISTORY_DM_ADVERTISEMENT);
+    write_history(set, endpoint, path_of(place::endpoint_probe_history), PM_HISTORY_DM_PROBE);
+    write_history(set, endpoint, path_of(place::endpoint_aggr_history), PM_HISTORY_DM_AGGREGATION);
+    write_history(set, endpoint, path_of(place::endpoint_adv_history), PM_HISTORY_DM_ADVERTISEMENT);
 }
 
 void write_session(generation *set, const endpoint_state &endpoint) {
@@ -190,7 +193,7 @@ void write_session(generation *set, const endpoint_state &endpoint) {
 }  // namespace
 
 void gen_endpoints(generation *set) {
-    for (std::uint32_t index = 0; index < set->options.endpoints; ++index) {
+    for (std::uint32_t index = 0; index < set->options.endpoints && set->lines.good(); ++index) {
         set->memory.reset();
         const endpoint_state endpoint = make_endpoint(set, index);
         write_detail(set, endpoint);

@@ -1,4 +1,4 @@
-// Histories of sessions. See generator_parts.h.
+// Histories of sessions.
 #include <algorithm>
 
 #include "perf-store/generator/generator_parts.h"

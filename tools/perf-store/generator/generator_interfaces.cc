@@ -1,9 +1,12 @@
 // Interfaces: a delay and a loss session each, on the node of their card.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"
 #include "perf-store/generator/generator_parts.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -101,27 +104,28 @@ void write_detail(generation *set, const interface_state &interface) {
     record->PMCapsAdd = 1;
     record->IMAttributeRegistration = 1;
     record->KPKTAttach = 1;
-    set->writer.item(interface.card->id, "intf/detail/" + interface.name, pm_intf_parcel_descriptor(), record);
+    set->lines.item(interface.card->id, gen_text(path_of(place::intf_detail), interface.name),
+                    pm_intf_parcel_descriptor(), record);
 }
 
-void write_history(generation *set, const interface_state &interface, const char *path,
+void write_history(generation *set, const interface_state &interface, std::string_view path,
                    const pm_history_info &history) {
     auto *record = set->memory.make<pm_intf_history_parcel>();
     record->InterfaceName = set->memory.text(interface.name);
     record->InterfaceHandle = gen_interface_handle(interface.index);
     record->HistoryInfo = history;
-    set->writer.item(interface.card->id, path + interface.name, pm_intf_history_parcel_descriptor(), record);
+    set->lines.item(interface.card->id, gen_text(path, interface.name), pm_intf_history_parcel_descriptor(), record);
 }
 
 void write_histories(generation *set, const interface_state &interface) {
     const auto delay_history = [&](pm_history_type_e type) { return gen_history(type, interface.delay, &set->memory); };
-    write_history(set, interface, "intf/delay/probe-history/", delay_history(PM_HISTORY_DM_PROBE));
-    write_history(set, interface, "intf/delay/aggr-history/", delay_history(PM_HISTORY_DM_AGGREGATION));
-    write_history(set, interface, "intf/delay/adv-history/", delay_history(PM_HISTORY_DM_ADVERTISEMENT));
+    write_history(set, interface, path_of(place::intf_delay_probe_history), delay_history(PM_HISTORY_DM_PROBE));
+    write_history(set, interface, path_of(place::intf_delay_aggr_history), delay_history(PM_HISTORY_DM_AGGREGATION));
+    write_history(set, interface, path_of(place::intf_delay_adv_history), delay_history(PM_HISTORY_DM_ADVERTISEMENT));
     pm_history_info packets{};
     packets.HistoryType = PM_HISTORY_LM_PACKET;
     packets.LMPacketHistory = {interface.packets};
-    write_history(set, interface, "intf/loss/pkt-history/", packets);
+    write_history(set, interface, path_of(place::intf_loss_pkt_history), packets);
 }
 
 void write_session(generation *set, const interface_state &interface, const session_state &session) {
@@ -170,7 +174,7 @@ interface_state make_interface(generation *set, std::uint32_t index) {
 }  // namespace
 
 void gen_interfaces(generation *set) {
-    for (std::uint32_t index = 0; index < set->options.interfaces; ++index) {
+    for (std::uint32_t index = 0; index < set->options.interfaces && set->lines.good(); ++index) {
         set->memory.reset();
         const interface_state interface = make_interface(set, index);
         write_detail(set, interface);

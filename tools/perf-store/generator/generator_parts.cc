@@ -1,4 +1,4 @@
-// See generator_parts.h.
+// Parts of records that several kinds of objects share.
 #include "perf-store/generator/generator_parts.h"
 
 namespace perf_store {

@@ -164,7 +164,7 @@ void write_sessions(generation *set, const policy_state &policy) {
 }  // namespace
 
 void gen_policies(generation *set) {
-    for (std::uint32_t index = 0; index < set->options.policies; ++index) {
+    for (std::uint32_t index = 0; index < set->options.policies && set->lines.good(); ++index) {
         set->memory.reset();
         const policy_state policy = make_policy(set, index);
         ++set->route_processor().policies;

@@ -1,9 +1,12 @@
-// The counters record of an SR policy. See generator_policies.h.
+// The counters record of an SR policy.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator_parts.h"
 #include "perf-store/generator/generator_policies.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -56,8 +59,8 @@ void gen_policy_counters(generation *set, const policy_state &policy) {
     for (std::uint32_t i = 0; i < record->CandidateCounters.count; ++i) {
         fill_candidate(policy, policy.candidates[i], &record->CandidateCounters.elements[i], &set->memory);
     }
-    set->writer.item(set->route_processor().id, gen_text("srpolicy/counters/", policy.name),
-                     pm_srpolicy_counters_parcel_descriptor(), record);
+    set->lines.item(set->route_processor().id, gen_text(path_of(place::srpolicy_counters), policy.name),
+                    pm_srpolicy_counters_parcel_descriptor(), record);
 }
 
 }  // namespace perf_store

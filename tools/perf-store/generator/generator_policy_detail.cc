@@ -1,9 +1,12 @@
-// The detail record of an SR policy. See generator_policies.h.
+// The detail record of an SR policy.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator_parts.h"
 #include "perf-store/generator/generator_policies.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -94,8 +97,8 @@ void gen_policy_detail(generation *set, const policy_state &policy) {
     for (std::uint32_t i = 0; i < record->CandidatePaths.count; ++i) {
         fill_candidate(policy, policy.candidates[i], &record->CandidatePaths.elements[i], &set->memory);
     }
-    set->writer.item(set->route_processor().id, gen_text("srpolicy/detail/", policy.name),
-                     pm_srpolicy_parcel_descriptor(), record);
+    set->lines.item(set->route_processor().id, gen_text(path_of(place::srpolicy_detail), policy.name),
+                    pm_srpolicy_parcel_descriptor(), record);
 }
 
 }  // namespace perf_store

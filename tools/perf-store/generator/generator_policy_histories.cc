@@ -1,9 +1,12 @@
-// The histories of an SR policy: of delays, or of liveness. See generator_policies.h.
+// The histories of an SR policy: of delays, or of liveness.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator_parts.h"
 #include "perf-store/generator/generator_policies.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -34,7 +37,7 @@ void fill_candidate(pm_history_type_e type, const policy_state &policy, const po
     }
 }
 
-void write_history(generation *set, const policy_state &policy, const char *path, pm_history_type_e type) {
+void write_history(generation *set, const policy_state &policy, std::string_view path, pm_history_type_e type) {
     auto *record = set->memory.make<pm_srpolicy_history_parcel>();
     record->Color = policy.color;
     record->EndPointAddress = policy.endpoint;
@@ -44,20 +47,20 @@ void write_history(generation *set, const policy_state &policy, const char *path
     for (std::uint32_t i = 0; i < record->CandidatePathsHistory.count; ++i) {
         fill_candidate(type, policy, policy.candidates[i], &record->CandidatePathsHistory.elements[i], &set->memory);
     }
-    set->writer.item(set->route_processor().id, gen_text(path, policy.name), pm_srpolicy_history_parcel_descriptor(),
-                     record);
+    set->lines.item(set->route_processor().id, gen_text(path, policy.name), pm_srpolicy_history_parcel_descriptor(),
+                    record);
 }
 
 }  // namespace
 
 void gen_policy_histories(generation *set, const policy_state &policy) {
     if (policy.is_liveness) {
-        write_history(set, policy, "srpolicy/liveness/live-history/", PM_HISTORY_LIVENESS);
+        write_history(set, policy, path_of(place::srpolicy_live_history), PM_HISTORY_LIVENESS);
         return;
     }
-    write_history(set, policy, "srpolicy/delay/probe-history/", PM_HISTORY_DM_PROBE);
-    write_history(set, policy, "srpolicy/delay/aggr-history/", PM_HISTORY_DM_AGGREGATION);
-    write_history(set, policy, "srpolicy/delay/adv-history/", PM_HISTORY_DM_ADVERTISEMENT);
+    write_history(set, policy, path_of(place::srpolicy_probe_history), PM_HISTORY_DM_PROBE);
+    write_history(set, policy, path_of(place::srpolicy_aggr_history), PM_HISTORY_DM_AGGREGATION);
+    write_history(set, policy, path_of(place::srpolicy_adv_history), PM_HISTORY_DM_ADVERTISEMENT);
 }
 
 }  // namespace perf_store

@@ -1,8 +1,11 @@
 // Profiles of every node: the default ones in one record, the named ones in a record each.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -159,7 +162,7 @@ void write_default(generation *set, const gen_node &node) {
     record->LivenessProfile.EndpointLivenessProfile = liveness(PM_TRANSPORT_ENDPOINT);
     record->ProbeProfile.EndpointProbeProfile.TXInterval = memory->keep(GEN_TX_INTERVAL_USEC);
     record->ProbeProfile.EndpointProbeProfile.TXIntervalEndpointEffective = memory->keep(GEN_TX_INTERVAL_USEC);
-    set->writer.item(node.id, "profile", pm_profile_parcel_descriptor(), record);
+    set->lines.item(node.id, path_of(place::profile), pm_profile_parcel_descriptor(), record);
 }
 
 void write_named(generation *set, const gen_node &node, const named_profile &profile) {
@@ -175,9 +178,9 @@ void write_named(generation *set, const gen_node &node, const named_profile &pro
         record->Profile.Delay = delay_profile(profile.transport, sessions, &set->memory);
     }
     const std::string path =
-        gen_text("name-profile/0x", gen_hexadecimal(static_cast<std::uint32_t>(profile.kind)), "/0x",
+        gen_text(path_of(place::name_profile), "0x", gen_hexadecimal(static_cast<std::uint32_t>(profile.kind)), "/0x",
                  gen_hexadecimal(static_cast<std::uint32_t>(profile.transport)), "/", profile.name);
-    set->writer.item(node.id, path, pm_name_profile_parcel_descriptor(), record);
+    set->lines.item(node.id, path, pm_name_profile_parcel_descriptor(), record);
 }
 
 }  // namespace

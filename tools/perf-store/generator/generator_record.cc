@@ -1,22 +1,13 @@
-// See generator_record.h.
+// Addresses and texts of records.
 #include "perf-store/generator/generator_record.h"
 
 #include <cstring>
-#include <stdexcept>
 
-#include "perf-store/datasets/record_shape.h"
-#include "perf-store/datasets/record_writer.h"
 #include "perf-store/datasets/value_text.h"
 
 namespace perf_store {
 
 namespace {
-
-void require_written(const std::string &problem) {
-    if (!problem.empty()) {
-        throw std::runtime_error(problem);
-    }
-}
 
 template <class Integer>
 void put_big_endian(Integer value, std::uint8_t *to) {
@@ -76,31 +67,6 @@ std::string gen_address_text(const pm_record_address &address) {
     }
     return text;
 }
-
-void dataset_writer::end_line() {
-    out_.buffer().push_back('\n');
-    require_written(out_.flush_when_full());
-}
-
-void dataset_writer::line(std::string_view object) {
-    out_.buffer().append(object);
-    end_line();
-}
-
-// Paths are made of names that need no escapes in JSON.
-void dataset_writer::item(std::uint32_t node, std::string_view path, const parcel_descriptor *type,
-                          const void *record) {
-    std::string &to = out_.buffer();
-    to.append(R"({"item":{"root":"main","node":)");
-    append_number(node, &to);
-    to.append(R"(,"path":")").append(path);
-    to.append(R"(","type":")").append(type->name).append(R"(","record":)");
-    append_record(record, shape_of(type).record(), json_fields::set, &to);
-    to.append("}}");
-    end_line();
-}
-
-void dataset_writer::finish() { require_written(out_.flush()); }
 
 namespace detail {
 

@@ -1,4 +1,4 @@
-// Building records of a synthetic data set, and writing them.
+// Building records of a synthetic data set.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "perf-store/command_line/output_file.h"
-#include "perf-store/datasets/record_reader.h"
+#include "perf-store/datasets/record_memory.h"
 #include "platform/parcel.h"
 #include "schema/pm_records.h"
 
@@ -61,19 +60,6 @@ template <class... Parts>
 [[nodiscard]] pm_record_address gen_address(const pm_ipv6 &address);
 [[nodiscard]] pm_record_address gen_no_address();
 [[nodiscard]] std::string gen_address_text(const pm_record_address &address);
-
-// The lines of the data set. What fails throws std::runtime_error.
-class dataset_writer {
-public:
-    void line(std::string_view object);
-    void item(std::uint32_t node, std::string_view path, const parcel_descriptor *type, const void *record);
-    void finish();
-
-private:
-    void end_line();
-
-    output_file out_;
-};
 
 namespace detail {
 void append_part(std::string_view part, std::string *out);

@@ -1,4 +1,4 @@
-// See generator_session.h.
+// What happens to a session: packets, delays, advertisements, liveness.
 #include "perf-store/generator/generator_session.h"
 
 #include <algorithm>

@@ -1,9 +1,12 @@
 // One summary a node: what the generated sessions add up to.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"
 #include "perf-store/generator/generator_parts.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -99,7 +102,7 @@ void write_summary(generation *set, const gen_node &node) {
     if (&node == set->nodes.data()) {
         fill_processor(*set, record, &set->memory);
     }
-    set->writer.item(node.id, "summary", pm_summary_parcel_descriptor(), record);
+    set->lines.item(node.id, path_of(place::summary), pm_summary_parcel_descriptor(), record);
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
 // RSVP-TE tunnels: a delay session for the LSP of each.
+#include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"
 #include "perf-store/generator/generator_parts.h"
 #include "schema/pm_descriptors.h"
 
 namespace perf_store {
+
+using path_grammar::place;
 
 namespace {
 
@@ -35,9 +38,9 @@ pm_rsvpte_lsp_delay_parcel lsp_session(const tunnel_state &tunnel, item_memory *
     return lsp;
 }
 
-void write_item(generation *set, const tunnel_state &tunnel, const char *path, const parcel_descriptor *type,
+void write_item(generation *set, const tunnel_state &tunnel, std::string_view path, const parcel_descriptor *type,
                 const void *record) {
-    set->writer.item(set->route_processor().id, gen_text(path, tunnel.name), type, record);
+    set->lines.item(set->route_processor().id, gen_text(path, tunnel.name), type, record);
 }
 
 void write_detail(generation *set, const tunnel_state &tunnel) {
@@ -46,7 +49,7 @@ void write_detail(generation *set, const tunnel_state &tunnel) {
     record->InterfaceHandle = gen_tunnel_handle(tunnel.index);
     record->TunnelDestinationIPv4Address = gen_ipv4(DESTINATION_IPV4 + tunnel.index + 1);
     record->RSVPTELSPDelaySessions = set->memory.array_of({lsp_session(tunnel, &set->memory)});
-    write_item(set, tunnel, "rsvpte/detail/", pm_rsvpte_parcel_descriptor(), record);
+    write_item(set, tunnel, path_of(place::rsvpte_detail), pm_rsvpte_parcel_descriptor(), record);
 }
 
 void write_counters(generation *set, const tunnel_state &tunnel) {
@@ -54,10 +57,10 @@ void write_counters(generation *set, const tunnel_state &tunnel) {
     record->TunnelName = tunnel.name;
     record->RSVPTELSPDelayCounters =
         set->memory.array_of({pm_rsvpte_lsp_delay_counters_parcel{tunnel.lsp, gen_delay_counters(tunnel.session)}});
-    write_item(set, tunnel, "rsvpte/counters/", pm_rsvpte_counters_parcel_descriptor(), record);
+    write_item(set, tunnel, path_of(place::rsvpte_counters), pm_rsvpte_counters_parcel_descriptor(), record);
 }
 
-void write_history(generation *set, const tunnel_state &tunnel, const char *path, pm_history_type_e type) {
+void write_history(generation *set, const tunnel_state &tunnel, std::string_view path, pm_history_type_e type) {
     auto *record = set->memory.make<pm_rsvpte_history_parcel>();
     record->TunnelName = tunnel.name;
     record->LSPList = set->memory.array_of(
@@ -94,14 +97,14 @@ tunnel_state make_tunnel(generation *set, std::uint32_t index) {
 }  // namespace
 
 void gen_tunnels(generation *set) {
-    for (std::uint32_t index = 0; index < set->options.tunnels; ++index) {
+    for (std::uint32_t index = 0; index < set->options.tunnels && set->lines.good(); ++index) {
         set->memory.reset();
         const tunnel_state tunnel = make_tunnel(set, index);
         write_detail(set, tunnel);
         write_counters(set, tunnel);
-        write_history(set, tunnel, "rsvpte/delay/probe-history/", PM_HISTORY_DM_PROBE);
-        write_history(set, tunnel, "rsvpte/delay/aggr-history/", PM_HISTORY_DM_AGGREGATION);
-        write_history(set, tunnel, "rsvpte/delay/adv-history/", PM_HISTORY_DM_ADVERTISEMENT);
+        write_history(set, tunnel, path_of(place::rsvpte_probe_history), PM_HISTORY_DM_PROBE);
+        write_history(set, tunnel, path_of(place::rsvpte_aggr_history), PM_HISTORY_DM_AGGREGATION);
+        write_history(set, tunnel, path_of(place::rsvpte_adv_history), PM_HISTORY_DM_ADVERTISEMENT);
         write_session(set, tunnel);
     }
 }

@@ -1,4 +1,4 @@
-// The error type inside the program. At the platform's own boundary an errcode stands for it.
+// The error type inside the program. At the platform's own boundary an errcode takes its place.
 //
 //     if (pm_error error = store.commit()) {
 //         return error;

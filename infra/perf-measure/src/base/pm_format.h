@@ -3,8 +3,8 @@
 // A format is a template argument: pm_format_text<"%-34s: %u\n">(buffer, size, label, value). The
 // conversions are those the displays need, with printf's meaning: %s %c %d %u %x (32 bits of the
 // argument), %ld %lu %lx %llu (64 bits), %%; flags '-' and '0'; width and precision as a number or
-// '*'. Anything else, or arguments of the wrong number or kind, does not compile. A null text
-// prints "(null)". Nothing is allocated.
+// '*'. Anything else, or arguments of the wrong number or kind, does not compile, and the compiler
+// says why. A null text prints "(null)". Nothing is allocated.
 #pragma once
 
 #include <algorithm>
@@ -15,117 +15,13 @@
 #include <tuple>
 #include <type_traits>
 
-// A format literal as a template argument.
-template <std::size_t Size>
-struct pm_format_literal {
-    char text[Size]{};
-
-    consteval pm_format_literal(const char (&literal)[Size]) { std::copy_n(literal, Size, text); }
-    [[nodiscard]] static constexpr std::size_t length() { return Size - 1; }
-};
+#include "base/pm_format_parser.h"
 
 namespace pm_format_detail {
 
-inline constexpr int NONE = -1;      // no width or precision
-inline constexpr int ARGUMENT = -2;  // '*': taken from the arguments
-
-// One piece of a format: a run of literal text or one conversion.
-struct piece {
-    char conversion = 0;  // 0: literal text
-    bool is_long = false;
-    bool left = false;
-    bool zero = false;
-    int width = NONE;
-    int precision = NONE;
-    std::size_t begin = 0;  // literal text: where it stands in the format
-    std::size_t length = 0;
-    std::size_t argument = 0;  // index of the first argument that the conversion takes
-};
-
-// A format taken apart. `error` is where it cannot be understood, as a text for the compiler.
-template <std::size_t Capacity>
-struct parsed {
-    std::array<piece, Capacity> pieces{};
-    std::size_t count = 0;
-    std::size_t arguments = 0;
-    const char *error = nullptr;
-};
-
-template <pm_format_literal Format>
-consteval auto parse() {
-    parsed<Format.length() + 1> result{};
-    const char *text = Format.text;
-    std::size_t at = 0;
-    while (at < Format.length()) {
-        piece next;
-        if (text[at] != '%' || text[at + 1] == '%') {
-            next.begin = at;
-            if (text[at] == '%') {  // "%%" stands for its first character
-                next.length = 1;
-                at += 2;
-            } else {
-                while (at < Format.length() && text[at] != '%') {
-                    ++at;
-                }
-                next.length = at - next.begin;
-            }
-            result.pieces[result.count++] = next;
-            continue;
-        }
-        ++at;
-        next.argument = result.arguments;
-        for (; text[at] == '-' || text[at] == '0'; ++at) {
-            (text[at] == '-' ? next.left : next.zero) = true;
-        }
-        auto number = [&](int absent) {
-            if (text[at] == '*') {
-                ++at;
-                ++result.arguments;
-                return ARGUMENT;
-            }
-            int value = absent;
-            for (; text[at] >= '0' && text[at] <= '9'; ++at) {
-                value = std::max(value, 0) * 10 + (text[at] - '0');
-            }
-            return value;
-        };
-        next.width = number(NONE);
-        if (text[at] == '.') {
-            ++at;
-            next.precision = number(0);
-        }
-        for (; text[at] == 'l'; ++at) {
-            next.is_long = true;
-        }
-        next.conversion = text[at++];
-        ++result.arguments;
-        switch (next.conversion) {
-        case 's':
-        case 'c':
-            if (next.is_long || next.zero) {
-                result.error = "a text takes no length modifier and no zero flag";
-            }
-            break;
-        case 'd':
-        case 'u':
-        case 'x':
-            if (next.precision != NONE) {
-                result.error = "a number takes no precision here";
-            }
-            break;
-        default: result.error = "unknown conversion";
-        }
-        result.pieces[result.count++] = next;
-    }
-    return result;
-}
-
-template <pm_format_literal Format>
-inline constexpr auto parsed_format = parse<Format>();
-
 inline constexpr std::size_t MAX_DIGITS = 20;  // of a 64-bit number, its sign included
 
-inline constexpr auto digit_pairs = [] {
+inline constexpr auto DIGIT_PAIRS = [] {
     std::array<char, 200> pairs{};
     for (std::size_t number = 0; number < 100; ++number) {
         pairs[2 * number] = static_cast<char>('0' + number / 10);
@@ -139,12 +35,12 @@ template <class Unsigned>
 inline char *write_decimal(char *end, Unsigned value) {
     while (value >= 100) {
         end -= 2;
-        std::memcpy(end, &digit_pairs[static_cast<std::size_t>(value % 100) * 2], 2);
+        std::memcpy(end, &DIGIT_PAIRS[static_cast<std::size_t>(value % 100) * 2], 2);
         value /= 100;
     }
     if (value >= 10) {
         end -= 2;
-        std::memcpy(end, &digit_pairs[static_cast<std::size_t>(value) * 2], 2);
+        std::memcpy(end, &DIGIT_PAIRS[static_cast<std::size_t>(value) * 2], 2);
         return end;
     }
     *--end = static_cast<char>('0' + value);
@@ -165,16 +61,16 @@ struct field {
     const char *bytes;
     std::size_t length;
     std::size_t blanks_before;
-    std::size_t zeros_before;  // behind the sign
+    std::size_t zeros_before;  // after the sign
     std::size_t blanks_after;
     bool negative;
     std::array<char, MAX_DIGITS> digits;
 };
 
-template <piece Piece, class Argument>
+template <segment Segment, class Argument>
 inline void convert(field &out, Argument argument, int precision) {
     out.negative = false;
-    if constexpr (Piece.conversion == 's') {
+    if constexpr (Segment.conversion == 's') {
         static_assert(std::is_convertible_v<Argument, const char *>, "%s takes a text");
         const char *text = argument;
         if (text == nullptr) {  // as the C library: a precision too small for the word prints nothing
@@ -190,19 +86,19 @@ inline void convert(field &out, Argument argument, int precision) {
         const auto value = static_cast<std::uint64_t>(argument);
         char *end = out.digits.data() + out.digits.size();
         char *begin = end;
-        if constexpr (Piece.conversion == 'c') {
+        if constexpr (Segment.conversion == 'c') {
             *--begin = static_cast<char>(value);
-        } else if constexpr (Piece.conversion == 'x') {
-            begin = Piece.is_long ? write_hexadecimal(end, value)
-                                  : write_hexadecimal(end, static_cast<std::uint32_t>(value));
-        } else if constexpr (Piece.conversion == 'd') {
-            const auto number = Piece.is_long ? static_cast<std::int64_t>(value)
-                                              : static_cast<std::int64_t>(static_cast<std::int32_t>(value));
+        } else if constexpr (Segment.conversion == 'x') {
+            begin = Segment.is_long ? write_hexadecimal(end, value)
+                                    : write_hexadecimal(end, static_cast<std::uint32_t>(value));
+        } else if constexpr (Segment.conversion == 'd') {
+            const auto number = Segment.is_long ? static_cast<std::int64_t>(value)
+                                                : static_cast<std::int64_t>(static_cast<std::int32_t>(value));
             out.negative = number < 0;
             begin = write_decimal(
                 end, number < 0 ? 0 - static_cast<std::uint64_t>(number) : static_cast<std::uint64_t>(number));
         } else {
-            begin = Piece.is_long ? write_decimal(end, value) : write_decimal(end, static_cast<std::uint32_t>(value));
+            begin = Segment.is_long ? write_decimal(end, value) : write_decimal(end, static_cast<std::uint32_t>(value));
         }
         out.bytes = begin;
         out.length = static_cast<std::size_t>(end - begin);
@@ -210,19 +106,19 @@ inline void convert(field &out, Argument argument, int precision) {
 }
 
 // Pads a converted field to its width; returns how many bytes it prints in all.
-template <piece Piece>
+template <segment Segment>
 inline std::size_t pad(field &out, int width) {
-    bool left = Piece.left;
+    bool left = Segment.left;
     std::size_t columns = 0;
-    if constexpr (Piece.width == ARGUMENT) {
+    if constexpr (Segment.width == ARGUMENT) {
         left = left || width < 0;  // a negative width from the arguments means the '-' flag
         columns = static_cast<std::size_t>(width < 0 ? -static_cast<std::int64_t>(width) : width);
-    } else if constexpr (Piece.width != NONE) {
-        columns = static_cast<std::size_t>(Piece.width);
+    } else if constexpr (Segment.width != NONE) {
+        columns = static_cast<std::size_t>(Segment.width);
     }
     const std::size_t used = out.length + (out.negative ? 1 : 0);
     const std::size_t padding = columns > used ? columns - used : 0;
-    const bool zeros = Piece.zero && !left;
+    const bool zeros = Segment.zero && !left;
     out.blanks_before = left || zeros ? 0 : padding;
     out.zeros_before = zeros ? padding : 0;
     out.blanks_after = left ? padding : 0;
@@ -232,62 +128,61 @@ inline std::size_t pad(field &out, int width) {
 // What a format prints of given arguments: its conversions, and the bytes in all.
 template <pm_format_literal Format>
 struct prepared {
-    std::array<field, parsed_format<Format>.count> fields;
+    std::array<field, PARSED_FORMAT<Format>.count> fields;
     std::size_t size;
 };
 
 template <pm_format_literal Format, std::size_t Index, class Arguments>
-inline void prepare_piece(prepared<Format> &out, const Arguments &arguments) {
-    constexpr piece Piece = parsed_format<Format>.pieces[Index];
-    if constexpr (Piece.conversion == 0) {
-        out.size += Piece.length;
+inline void prepare_segment(prepared<Format> &out, const Arguments &arguments) {
+    constexpr segment Segment = PARSED_FORMAT<Format>.segments[Index];
+    if constexpr (Segment.conversion == 0) {
+        out.size += Segment.length;
     } else {
-        constexpr std::size_t after_width = Piece.argument + (Piece.width == ARGUMENT ? 1 : 0);
-        constexpr std::size_t after_precision = after_width + (Piece.precision == ARGUMENT ? 1 : 0);
-        int width = Piece.width;
-        int precision = Piece.precision;
-        if constexpr (Piece.width == ARGUMENT) {
-            width = static_cast<int>(std::get<Piece.argument>(arguments));
+        constexpr std::size_t after_width = Segment.argument + (Segment.width == ARGUMENT ? 1 : 0);
+        constexpr std::size_t after_precision = after_width + (Segment.precision == ARGUMENT ? 1 : 0);
+        int width = Segment.width;
+        int precision = Segment.precision;
+        if constexpr (Segment.width == ARGUMENT) {
+            width = static_cast<int>(std::get<Segment.argument>(arguments));
         }
-        if constexpr (Piece.precision == ARGUMENT) {
+        if constexpr (Segment.precision == ARGUMENT) {
             precision = static_cast<int>(std::get<after_width>(arguments));
         }
-        convert<Piece>(out.fields[Index], std::get<after_precision>(arguments), precision);
-        out.size += pad<Piece>(out.fields[Index], width);
+        convert<Segment>(out.fields[Index], std::get<after_precision>(arguments), precision);
+        out.size += pad<Segment>(out.fields[Index], width);
     }
 }
 
-// Converts the arguments. Number texts stand inside the result, which must not move.
+// Converts the arguments. Texts of numbers are kept inside the result, which must not move.
 template <pm_format_literal Format, class... Arguments>
 inline void prepare(prepared<Format> &out, Arguments... arguments) {
-    constexpr auto &parsed = parsed_format<Format>;
-    static_assert(parsed.error == nullptr, "this format is not one the formatter knows");
-    static_assert(parsed.arguments == sizeof...(Arguments), "the format takes another number of arguments");
+    constexpr auto &format = PARSED_FORMAT<Format>;
+    static_assert(format.arguments == sizeof...(Arguments), "the format takes another number of arguments");
     out.size = 0;
     const std::tuple<Arguments...> tuple{arguments...};
-    [&]<std::size_t... Index>(std::index_sequence<Index...>) { (prepare_piece<Format, Index>(out, tuple), ...); }
-    (std::make_index_sequence<parsed.count>{});
+    [&]<std::size_t... Index>(std::index_sequence<Index...>) { (prepare_segment<Format, Index>(out, tuple), ...); }
+    (std::make_index_sequence<format.count>{});
 }
 
 template <pm_format_literal Format, std::size_t Index, class Writer>
-inline void write_piece(Writer &writer, const prepared<Format> &text) {
-    constexpr piece Piece = parsed_format<Format>.pieces[Index];
-    if constexpr (Piece.conversion == 0) {
-        writer.put(Format.text + Piece.begin, Piece.length);
+inline void write_segment(Writer &writer, const prepared<Format> &text) {
+    constexpr segment Segment = PARSED_FORMAT<Format>.segments[Index];
+    if constexpr (Segment.conversion == 0) {
+        writer.put(Format.text + Segment.begin, Segment.length);
     } else {
-        const field &field = text.fields[Index];
-        if constexpr (Piece.width != NONE && !Piece.left) {
-            writer.fill(' ', field.blanks_before);
+        const field &converted = text.fields[Index];
+        if constexpr (Segment.width != NONE && !Segment.left) {
+            writer.fill(' ', converted.blanks_before);
         }
-        if constexpr (Piece.conversion == 'd') {
-            writer.fill('-', field.negative ? 1 : 0);
+        if constexpr (Segment.conversion == 'd') {
+            writer.fill('-', converted.negative ? 1 : 0);
         }
-        if constexpr (Piece.zero) {
-            writer.fill('0', field.zeros_before);
+        if constexpr (Segment.zero) {
+            writer.fill('0', converted.zeros_before);
         }
-        writer.put(field.bytes, field.length);
-        if constexpr (Piece.width == ARGUMENT || Piece.left) {
-            writer.fill(' ', field.blanks_after);
+        writer.put(converted.bytes, converted.length);
+        if constexpr (Segment.width == ARGUMENT || Segment.left) {
+            writer.fill(' ', converted.blanks_after);
         }
     }
 }
@@ -295,8 +190,8 @@ inline void write_piece(Writer &writer, const prepared<Format> &text) {
 // Writes a prepared text: to anything with put(bytes, length) and fill(byte, length).
 template <pm_format_literal Format, class Writer>
 inline void write(Writer &writer, const prepared<Format> &text) {
-    [&]<std::size_t... Index>(std::index_sequence<Index...>) { (write_piece<Format, Index>(writer, text), ...); }
-    (std::make_index_sequence<parsed_format<Format>.count>{});
+    [&]<std::size_t... Index>(std::index_sequence<Index...>) { (write_segment<Format, Index>(writer, text), ...); }
+    (std::make_index_sequence<PARSED_FORMAT<Format>.count>{});
 }
 
 // Copies of the few bytes that most texts have, without a call.

@@ -1,8 +1,7 @@
-// The output buffer. See pm_output.h.
+// The output buffer: how it is emptied, and what is said when nobody takes its bytes.
 #include "base/pm_output.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -60,13 +59,9 @@ int write_all(int descriptor, const char *bytes, std::size_t length) {
 
 }  // namespace
 
-}  // namespace pm_output_detail
-
-using pm_output_detail::out;
-
-void pm_output_writer::put(const char *bytes, std::size_t length) {
+void long_text_writer::put(const char *bytes, std::size_t length) {
     while (length > 0) {
-        const std::size_t part = std::min(length, pm_output_detail::room());
+        const std::size_t part = std::min(length, room());
         std::memcpy(out.cursor, bytes, part);
         out.cursor += part;
         bytes += part;
@@ -77,9 +72,9 @@ void pm_output_writer::put(const char *bytes, std::size_t length) {
     }
 }
 
-void pm_output_writer::fill(char byte, std::size_t length) {
+void long_text_writer::fill(char byte, std::size_t length) {
     while (length > 0) {
-        const std::size_t part = std::min(length, pm_output_detail::room());
+        const std::size_t part = std::min(length, room());
         std::memset(out.cursor, byte, part);
         out.cursor += part;
         length -= part;
@@ -89,22 +84,23 @@ void pm_output_writer::fill(char byte, std::size_t length) {
     }
 }
 
+}  // namespace pm_output_detail
+
+using pm_output_detail::out;
+
 void pm_output_flush() {
-    if constexpr (pm_prints_with_printf) {
-        std::fflush(stdout);
-    }
     const auto length = static_cast<std::size_t>(out.cursor - out.bytes);
     out.cursor = out.bytes;
-    const int failure = pm_output_detail::write_all(STDOUT_FILENO, out.bytes, length);
-    if (failure == 0) {
+    const int error = pm_output_detail::write_all(STDOUT_FILENO, out.bytes, length);
+    if (error == 0) {
         return;
     }
-    if (failure == EPIPE) {  // the reader has seen enough
+    if (error == EPIPE) {  // the reader has seen enough
         std::_Exit(0);
     }
     char message[256];
     const std::size_t cut = pm_format_text<"perf-show: cannot write to standard output: %s\n">(
-        message, sizeof message, static_cast<const char *>(std::strerror(failure)));
+        message, sizeof message, static_cast<const char *>(std::strerror(error)));
     static_cast<void>(pm_output_detail::write_all(STDERR_FILENO, message, cut));
     std::_Exit(1);
 }

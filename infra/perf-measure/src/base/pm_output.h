@@ -5,16 +5,16 @@
 // other failure to write is reported once on standard error and ends it with status 1.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 
 #include "base/pm_format.h"
-#include "base/pm_printf.h"
 
 inline constexpr std::size_t PM_OUTPUT_BUFFER_SIZE = 128 * 1024;
 
 namespace pm_output_detail {
 
-// The buffer. The cursor stands where the next byte goes. The bytes beyond the buffer's size are never
+// The buffer. The cursor is where the next byte goes. The bytes beyond the buffer's size are never
 // written out: a fast writer may touch them.
 struct buffer {
     char bytes[PM_OUTPUT_BUFFER_SIZE + PM_WRITER_SLACK];
@@ -29,42 +29,62 @@ extern buffer out;
 // Makes room for `size` bytes in a row; false when they are more than the whole buffer.
 [[nodiscard]] bool make_room(std::size_t size);
 
-}  // namespace pm_output_detail
-
-// Writes texts of any length to standard output, through the buffer.
-class pm_output_writer {
+// Writes texts of any length, through the buffer.
+class long_text_writer {
 public:
     void put(const char *bytes, std::size_t length);
     void fill(char byte, std::size_t length);
 };
 
-// Prints to standard output after `indent` blanks.
+// Prints `indent` blanks and a prepared text of any length.
 template <pm_format_literal Format>
-inline void pm_output_write(const pm_format_detail::prepared<Format> &text, std::size_t indent = 0) {
+inline void write_text(const pm_format_detail::prepared<Format> &text, std::size_t indent) {
     const std::size_t size = indent + text.size;
-    if (size > pm_output_detail::room() && !pm_output_detail::make_room(size)) {
-        pm_output_writer writer;
+    if (size > room() && !make_room(size)) {
+        long_text_writer writer;
         writer.fill(' ', indent);
         pm_format_detail::write<Format>(writer, text);
         return;
     }
-    pm_fast_writer writer(pm_output_detail::out.cursor);
+    pm_fast_writer writer(out.cursor);
     if (indent != 0) {
         writer.fill(' ', indent);
     }
     pm_format_detail::write<Format>(writer, text);
-    pm_output_detail::out.cursor = writer.cursor();
+    out.cursor = writer.cursor();
 }
+
+// Prints `indent` blanks and the first `Length` bytes of a prepared text that is longer.
+template <std::size_t Length, pm_format_literal Format>
+void write_cut_text(const pm_format_detail::prepared<Format> &text, std::size_t indent) {
+    char line[Length];
+    pm_text_writer cut(line, line + Length);
+    pm_format_detail::write<Format>(cut, text);
+    long_text_writer writer;
+    writer.fill(' ', indent);
+    writer.put(line, Length);
+}
+
+}  // namespace pm_output_detail
 
 // Prints to standard output.
 template <pm_format_literal Format, class... Arguments>
 inline void pm_print(Arguments... arguments) {
-    if constexpr (pm_prints_with_printf) {
-        pm_printf<Format>(arguments...);
+    pm_format_detail::prepared<Format> text;
+    pm_format_detail::prepare<Format>(text, arguments...);
+    pm_output_detail::write_text<Format>(text, 0);
+}
+
+// Prints `indent` blanks, none if it is negative, and a text of which at most `Longest` bytes are printed.
+template <pm_format_literal Format, std::size_t Longest, class... Arguments>
+inline void pm_print_cut(int indent, Arguments... arguments) {
+    pm_format_detail::prepared<Format> text;
+    pm_format_detail::prepare<Format>(text, arguments...);
+    const auto blanks = static_cast<std::size_t>(std::max(indent, 0));
+    if (text.size > Longest) {
+        pm_output_detail::write_cut_text<Longest, Format>(text, blanks);
     } else {
-        pm_format_detail::prepared<Format> text;
-        pm_format_detail::prepare<Format>(text, arguments...);
-        pm_output_write<Format>(text);
+        pm_output_detail::write_text<Format>(text, blanks);
     }
 }
 

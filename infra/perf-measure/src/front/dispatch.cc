@@ -1,7 +1,9 @@
-// Requests from rows of the command table. See dispatch.h.
+// From the options to a row of the command table, and from the row to a request.
 #include "front/dispatch.h"
 
-#include "base/pm_assert.h"
+#include <algorithm>
+#include <span>
+
 #include "base/pm_output.h"
 #include "front/command_table.h"
 #include "front/resolve_node.h"
@@ -9,44 +11,49 @@
 
 namespace {
 
-const pm_show_command *find_subtype() {
-    const std::uint32_t type = pm_show_options.command_type;
-    const std::uint32_t subtype = pm_show_options.subtype;
-    const pm_show_command *const command = pm_show_find_subtype(type, subtype);
-    if (command == nullptr && type == PM_SHOW_LIVE_HISTORY) {
-        pm_print_error<"Liveness history only supported for SR Policy and Endpoint">();
-    } else if (command == nullptr) {
-        pm_print_error<"Show command subtype invalid %u\n">(subtype);
+// Which row of the command's type is meant; `subtyped` says that -t tells.
+pm_show_variant wanted_variant(bool subtyped) {
+    if (subtyped) {
+        return static_cast<pm_show_variant>(pm_show_options.subtype);
     }
-    return command;
+    if (pm_show_options.named_profile) {
+        return pm_show_variant::named_profile;
+    }
+    return pm_show_options.global_profile ? pm_show_variant::global_profile : pm_show_variant::all_profiles;
 }
 
-const pm_show_command *find_profile() {
-    if (pm_show_options.named_profile) {
-        return &pm_show_named_profile_command();
+void report_invalid_subtype() {
+    if (pm_show_options.command_type == PM_SHOW_LIVE_HISTORY) {
+        pm_print_error<"Liveness history only supported for SR Policy and Endpoint">();
+    } else {
+        pm_print_error<"Show command subtype invalid %u\n">(pm_show_options.subtype);
     }
-    return pm_show_options.global_profile ? &pm_show_global_profile_command() : &pm_show_all_profiles_command();
 }
 
 // The row that says what to read; null when the command or its subtype is invalid, reported.
 const pm_show_command *find_command() {
-    const pm_show_command *const command = pm_show_find_command(pm_show_options.command_type);
-    if (command == nullptr) {
+    const std::span<const pm_show_command> rows = pm_show_commands_of(pm_show_options.command_type);
+    if (rows.empty()) {
         pm_print_error<"Show command type invalid %u\n">(pm_show_options.command_type);
         return nullptr;
     }
-    switch (command->path.form) {
-    case pm_show_path_form::BY_SUBTYPE: return find_subtype();
-    case pm_show_path_form::BY_PROFILE: return find_profile();
-    default: return command;
+    if (rows.front().variant == pm_show_variant::only) {
+        return &rows.front();
     }
+    const bool subtyped = rows.front().variant <= pm_show_variant::of_endpoint;
+    const auto found = std::ranges::find(rows, wanted_variant(subtyped), &pm_show_command::variant);
+    if (found == rows.end()) {
+        report_invalid_subtype();
+        return nullptr;
+    }
+    return &*found;
 }
 
 void choose_nodes(pm_show_nodes nodes) {
-    if (nodes == pm_show_nodes::LOCAL) {
+    if (nodes == pm_show_nodes::local) {
         pm_show_options.local_node_only = true;
     }
-    if (nodes == pm_show_nodes::INTERFACE) {
+    if (nodes == pm_show_nodes::hosting) {
         static_cast<void>(pm_show_resolve_node());  // without an interface, or its node, all nodes are read
     }
 }
@@ -55,32 +62,25 @@ void choose_nodes(pm_show_nodes nodes) {
 // decides that. Fails, reported, when a name cannot be encoded.
 errcode compose(const pm_show_path_rule &rule, pm_show_path &path, bool *single_path) {
     switch (rule.form) {
-    case pm_show_path_form::FIXED: pm_snprintf(path, sizeof path, "%s", rule.prefix); break;
-    case pm_show_path_form::NAME: pm_show_compose_plain(path, rule.prefix); break;
+    case pm_show_path_form::FIXED: pm_snprintf(path, sizeof path, "%s", path_of(rule.where).data()); break;
+    case pm_show_path_form::NAME: pm_show_compose_plain(path, rule.where); break;
     case pm_show_path_form::NAME_BY_KIND:
-        pm_show_compose_plain(path, pm_show_options.loss_kind ? rule.other_prefix : rule.prefix);
+        pm_show_compose_plain(path, pm_show_options.loss_kind ? rule.where_for_loss : rule.where);
         break;
-    case pm_show_path_form::SESSION: pm_show_compose_session(path, rule.prefix); break;
-    case pm_show_path_form::SRPOLICY: pm_show_compose_srpolicy(path, rule.prefix, rule.other_prefix); break;
-    case pm_show_path_form::ENDPOINT: pm_show_compose_endpoint(path, rule.prefix, rule.other_prefix); break;
-    case pm_show_path_form::RSVPTE: pm_show_compose_rsvpte(path, rule.prefix, rule.other_prefix); break;
+    case pm_show_path_form::SESSION: pm_show_compose_session(path, rule.where); break;
+    case pm_show_path_form::FILTERED: pm_show_compose_filtered(path, rule.where); break;
     case pm_show_path_form::NAMED_PROFILE: return pm_show_compose_named_profile(path, single_path);
-    case pm_show_path_form::INVALID:
-    case pm_show_path_form::BY_SUBTYPE:
-    case pm_show_path_form::BY_PROFILE:
-        PM_ASSERT(false, "the row says what to read", "front",
-                  "compose(const pm_show_path_rule &, pm_show_path &, bool *)");
     }
     return ERRCODE_SUCCESS;
 }
 
 bool is_single(pm_show_single rule, bool single_path) {
     switch (rule) {
-    case pm_show_single::NEVER: return false;
-    case pm_show_single::ALWAYS: return true;
-    case pm_show_single::WITH_NAME: return pm_show_options.name != nullptr;
-    case pm_show_single::WITH_SESSION_ID: return pm_show_options.session_id != 0;
-    case pm_show_single::BY_PATH: break;
+    case pm_show_single::never: return false;
+    case pm_show_single::always: return true;
+    case pm_show_single::by_name: return pm_show_options.name != nullptr;
+    case pm_show_single::by_session_id: return pm_show_options.session_id != 0;
+    case pm_show_single::by_path: break;
     }
     return single_path;
 }
@@ -90,33 +90,36 @@ bool is_single(pm_show_single rule, bool single_path) {
 pm_show_build pm_show_build_request(pm_show_request *request, pm_show_path &item_path) {
     const pm_show_command *const command = find_command();
     if (command == nullptr) {
-        return pm_show_build::REFUSED;
+        return pm_show_build::refused;
     }
     choose_nodes(command->nodes);
     bool single_path = false;
     if (compose(command->path, item_path, &single_path) != ERRCODE_SUCCESS) {
-        return pm_show_build::NOTHING;
+        return pm_show_build::nothing;
     }
+    const parcel_descriptor *const record = command->record();
     *request = {
         .base_path = command->root,
         .item_path = item_path,
         .start_key = "",
         .display = command->display,
-        .parcel_desc = command->record.descriptor(),
-        .decoded_size = command->record.size,
-        .batch_size = command->batch_size,
+        .parcel_desc = record,
+        .decoded_size = static_cast<std::uint32_t>(record->layout->size),
+        .batch_size = command->single == pm_show_single::always ? 0 : PM_SHOW_BATCH_SIZE,
         .single_item = is_single(command->single, single_path) ? 1U : 0U,
+        .spacing = command->spacing,
+        .legend = command->legend,
     };
-    return pm_show_build::READY;
+    return pm_show_build::ready;
 }
 
 int pm_show_dispatch() {
     pm_show_request request;
     pm_show_path item_path;
     switch (pm_show_build_request(&request, item_path)) {
-    case pm_show_build::REFUSED: return -1;
-    case pm_show_build::NOTHING: return 0;
-    case pm_show_build::READY: break;
+    case pm_show_build::refused: return -1;
+    case pm_show_build::nothing: return 0;
+    case pm_show_build::ready: break;
     }
     generic_show_node_walker(&request);
     return 0;

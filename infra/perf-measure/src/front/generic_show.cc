@@ -1,4 +1,4 @@
-// The read of one node. See generic_show.h.
+// The read of one node: its listings in batches, its single items, and what is said when the store has none.
 #include "front/generic_show.h"
 
 #include <cstddef>
@@ -8,35 +8,35 @@
 #include "front/heap_block.h"
 #include "platform/bounded.h"
 #include "platform/node.h"
+#include "pm_show_client/pm_show_headers.h"
+#include "pm_show_client/pm_show_options.h"
 
 opstore_handle pm_show_opstore_handle = nullptr;
 std::uint8_t pm_show_opstore_present = 0;
 
 namespace {
 
-constexpr std::uint32_t COMMAND_CHECKPOINTED_SESSIONS = 12;  // listed without blank lines
-
 constexpr std::size_t NODE_NAME_SIZE = 32;
 constexpr std::uint32_t UNLIMITED_BATCH = 0xFFFFFFFF;
 
 // Where an answer of the store that nobody expects is reported to come from: fixed texts, whatever
 // this file is called and however long it is.
-constexpr char reported_source[] = "infra/perf-measure/src/pm_show_client";
+constexpr char REPORTED_SOURCE[] = "infra/perf-measure/src/pm_show_client";
 constexpr int REPORTED_LISTING_LINE = 589;
 constexpr int REPORTED_ITEM_LINE = 732;
 
-constexpr char listing_routine[] = "generic_datalist_show";  // the name that messages give to the listing
+constexpr char LISTING_ROUTINE[] = "generic_datalist_show";  // the name that messages give to the listing
 
 void report_undecodable(errcode code) {
     pm_print_error<"%s: Cannot decode the requested information from system database: %s (0x%x)\n">(
-        listing_routine, errcode_strerror(code), code);
+        LISTING_ROUTINE, errcode_strerror(code), code);
 }
 
 // The store's answers other than an item go to standard output, as what the show has to say.
 void print_not_running() { pm_print<"PM process is not running\n">(); }
 
 void print_unexpected(int line, errcode code) {
-    pm_print<"%s:%d, (%s)\n">(reported_source, line, errcode_strerror(code));
+    pm_print<"%s:%d, (%s)\n">(REPORTED_SOURCE, line, errcode_strerror(code));
 }
 
 // The record that items are decoded into; reports when there is no memory.
@@ -64,7 +64,7 @@ void free_batch(listing &state) {
     const errcode code = opstore_datalist_free(state.batch);
     state.batch = nullptr;
     if (code != ERRCODE_SUCCESS) {
-        pm_print_error<"%s: Cannot free the data from system database: %s (0x%x)\n">(listing_routine,
+        pm_print_error<"%s: Cannot free the data from system database: %s (0x%x)\n">(LISTING_ROUTINE,
                                                                                      errcode_strerror(code), code);
     }
 }
@@ -87,7 +87,7 @@ bool show_next_item(listing &state, const char **key) {
         report_undecodable(code);
         return false;
     }
-    if (state.display_result == 0 && pm_show_options.command_type != COMMAND_CHECKPOINTED_SESSIONS) {
+    if (state.display_result == PM_SHOW_PRINTED && state.request.spacing == pm_show_spacing::spaced) {
         pm_print<"\n">();
     }
     state.display_result = state.request.display(state.record);

@@ -5,7 +5,16 @@
 
 #include "platform/opstore.h"
 #include "platform/parcel.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_display.h"
+
+// Whether a blank line goes before each item of a listing.
+enum class pm_show_spacing : std::uint8_t {
+    spaced,  // yes, unless the display of the item before printed nothing
+    dense,   // no
+};
+
+// Prints what comes before all nodes; null for nothing.
+using pm_show_legend = void (*)();
 
 // What to read and who prints it. The texts are the caller's.
 struct pm_show_request {
@@ -17,6 +26,8 @@ struct pm_show_request {
     std::uint32_t decoded_size;            // bytes of one decoded record
     std::uint32_t batch_size;              // most items of one listing request; 0 for a single item
     std::uint32_t single_item;             // 1: the item at item_path; 0: the items under it
+    pm_show_spacing spacing = pm_show_spacing::spaced;
+    pm_show_legend legend = nullptr;
 };
 
 // The bind handle, one at a time.

@@ -6,7 +6,7 @@
 #include "front/dispatch.h"
 #include "front/options.h"
 #include "platform/kal_time.h"
-#include "pm_show_client/pm_show_options.h"
+#include "pm_show_client/pm_show_clock.h"
 
 int main(int argc, char **argv) {
     std::timespec now;

@@ -1,4 +1,4 @@
-// The option table and its getopt loop. See options.h.
+// The option table and its getopt loop.
 #include "front/options.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 
 using record = pm_show_options_record;
 
-constexpr char option_letters[] = "a:bc:de:f:l:g:h:i:k:m:n:o:ps:t:vAOD:L:M:W:PQ:SN:T:V:rju:";
+constexpr char OPTION_LETTERS[] = "a:bc:de:f:l:g:h:i:k:m:n:o:ps:t:vAOD:L:M:W:PQ:SN:T:V:rju:";
 
 // What one letter sets: its flag, and its argument as a number or as a text. Null for none.
 struct option {
@@ -26,7 +26,7 @@ struct option {
 };
 
 // -e, -j and -r also store what is no plain argument; see apply().
-constexpr option options[] = {
+constexpr option OPTIONS[] = {
     {'c', nullptr, &record::command_type},
     {'t', nullptr, &record::subtype},
     {'l', nullptr, &record::history_limit},
@@ -64,8 +64,8 @@ constexpr option options[] = {
 
 // Sets what `letter` stands for; `argument` is null for options without one.
 void apply(int letter, const char *argument) {
-    const option *const found = std::ranges::find(options, letter, &option::letter);
-    if (found == std::end(options)) {
+    const option *const found = std::ranges::find(OPTIONS, letter, &option::letter);
+    if (found == std::end(OPTIONS)) {
         pm_print_error<"Unrecognised argument %u">(letter);
         return;
     }
@@ -91,8 +91,8 @@ void apply(int letter, const char *argument) {
 void pm_show_parse_options(int argc, char **argv) {
     pm_show_options = {};
     ::opterr = 0;  // the only message on a bad option is ours
-    ::optind = 0;  // start afresh, whatever was parsed before
-    for (int letter = 0; (letter = ::getopt(argc, argv, option_letters)) != -1;) {
+    ::optind = 0;  // begin again, whatever was parsed before
+    for (int letter = 0; (letter = ::getopt(argc, argv, OPTION_LETTERS)) != -1;) {
         apply(letter, ::optarg);
     }
 }

@@ -1,4 +1,4 @@
-// Node resolution. See resolve_node.h.
+// The node of an interface: its card where that keeps measurements, else the active route processor.
 #include "front/resolve_node.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The node walk and the advertisement-reason legend. See walker.h.
+// Which nodes a show reads, in which order, and what is printed between them.
 #include "front/walker.h"
 
 #include <cstdint>
@@ -6,43 +6,10 @@
 #include "base/pm_output.h"
 #include "platform/inventory.h"
 #include "platform/node.h"
+#include "pm_show_client/pm_show_headers.h"
 #include "pm_show_client/pm_show_options.h"
-#include "pm_utils/advert_reason.h"
 
 namespace {
-
-constexpr std::uint32_t COMMAND_ADVERTISEMENT_HISTORY = 20;
-
-// In the legend's own order, which is not numeric; the reasons without a line here are left out.
-constexpr pm_advert_reason_e legend_reasons[] = {
-    PM_ADVERT_REASON_FIRST,                // 20
-    PM_ADVERT_REASON_NEW_CHILD_SESSION,    // 22
-    PM_ADVERT_REASON_PERIODIC_AVERAGE,     // 1
-    PM_ADVERT_REASON_PERIODIC_MINIMUM,     // 2
-    PM_ADVERT_REASON_PERIODIC_MAXIMUM,     // 3
-    PM_ADVERT_REASON_ACCELERATED_AVERAGE,  // 5
-    PM_ADVERT_REASON_ACCELERATED_MINIMUM,  // 6
-    PM_ADVERT_REASON_ACCELERATED_MAXIMUM,  // 7
-    PM_ADVERT_REASON_ENABLED,              // 13
-    PM_ADVERT_REASON_DISABLED,             // 14
-    PM_ADVERT_REASON_LINK_DOWN,            // 21
-    PM_ADVERT_REASON_SESSION_DELETED,      // 15
-    PM_ADVERT_REASON_CONTROL_CODE_ERROR,   // 19
-    PM_ADVERT_REASON_DYNAMIC_DELAY,        // 24
-    PM_ADVERT_REASON_DELAY_CONFIG,         // 17
-    PM_ADVERT_REASON_DELAY_UNCONFIG,       // 18
-    PM_ADVERT_REASON_EXEC_CLEAR,           // 16
-    PM_ADVERT_REASON_SESSION_ERROR,        // 23
-    PM_ADVERT_REASON_ANOMALY_DYNAMIC,      // 11
-    PM_ADVERT_REASON_ANOMALY_STATIC,       // 12
-};
-
-void print_legend() {
-    pm_print<"\n">();
-    for (const pm_advert_reason_e reason : legend_reasons) {
-        pm_print<" %-12.12s: %-25.70s\n">(pm_advert_reason_short_str(reason), pm_advert_reason_str(reason));
-    }
-}
 
 void report_failure(const char *what, errcode code) {
     pm_print_error<" %s: %s: %s (0x%x)\n">("generic_show_node_walker", what, errcode_strerror(code), code);
@@ -120,8 +87,8 @@ void show_inventory(const pm_show_request *request) {
 }  // namespace
 
 void generic_show_node_walker(const pm_show_request *request) {
-    if (pm_show_options.command_type == COMMAND_ADVERTISEMENT_HISTORY) {
-        print_legend();
+    if (request->legend != nullptr) {
+        request->legend();
     }
     pm_show_header_pending = true;
     if (pm_show_options.node_id != PM_SHOW_ALL_NODES) {

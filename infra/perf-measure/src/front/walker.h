@@ -5,8 +5,8 @@
 
 // Reads the node given by -N, else the local node when pm_show_options.local_node_only, else every
 // node of the inventory whose software is up; without -A the standby partner of the central
-// services is left out. pm_show_header_pending is set before each node. The advertisement history
-// begins with a legend of its reasons.
+// services is left out. pm_show_header_pending is set before each node. The request's legend is
+// printed before all.
 //
 // All failures are printed: one on a node does not stop the walk over the others, one of the
 // inventory does.

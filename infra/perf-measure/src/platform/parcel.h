@@ -1,7 +1,7 @@
 // Parcels: self-describing encoded records, and the descriptors that say how a record type looks.
 //
 // A descriptor carries a type's schema text and the C layout of its structure; the codec works
-// from the descriptor alone. The wire form is stated in docs/parcel-encoding.md.
+// from the descriptor alone. The wire form is given in docs/parcel-encoding.md.
 #pragma once
 
 #include <cstdint>
@@ -51,8 +51,10 @@ struct parcel_mac {
     std::uint8_t octets[6];
 };
 
-// Registration, for processes that serve records: start, one parcel_register per type, then end.
-// parcel_register_abort discards all types registered since the start.
+// Registration, for processes that serve records: start, one parcel_register per type, then end, which commits
+// them. parcel_register_abort discards all types registered since the start. ERRCODE_INVALID_ARGUMENT for a start
+// within a transaction, any other call but abort outside of one, a null descriptor, or a name that another
+// descriptor has; the same descriptor again is no error. PARCEL_BAD_DESCRIPTOR.
 [[nodiscard]] errcode parcel_register_start();
 [[nodiscard]] errcode parcel_register(const parcel_descriptor *descriptor);
 [[nodiscard]] errcode parcel_register_end();

@@ -1,7 +1,4 @@
-// What the command line asked for, and the few values that live for the whole command.
-//
-// The front end fills them (front/options.h); the displays only read them, except that a table
-// display clears pm_show_header_pending once it has printed its header.
+// What the command line asked for. The front end fills it (front/options.h); displays only read it.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +22,9 @@ struct pm_show_options_record {
     std::uint32_t node_id = PM_SHOW_ALL_NODES;  // -N
     bool all_nodes = false;                     // -A
 
-    // Components of the filter keys; they mean nothing here beyond their position in a key.
+    // Components of the filter keys. Three of them also select what the displays of SR policies and endpoints
+    // print: the measurement kind in h_value, and the segment list that n_set and n_text name. The others mean
+    // nothing here beyond their position in a key.
     bool f_set = false;
     std::uint32_t f_value = 0;
     bool address_set = false;  // -e
@@ -55,6 +54,7 @@ struct pm_show_options_record {
     const char *profile_name = nullptr;  // -Q
     bool global_profile = false;         // -S
 
+    // More components of the filter keys.
     bool V_set = false;
     const char *V_text = nullptr;
     bool h_set = false;
@@ -70,30 +70,3 @@ struct pm_show_options_record {
 };
 
 extern pm_show_options_record pm_show_options;
-
-// Wall-clock milliseconds since the epoch, taken once at start. Every age is computed from it.
-extern std::uint64_t pm_show_now_msec;
-
-// Set before each node is read; a table display prints its column header while it is set.
-extern bool pm_show_header_pending;
-
-// 160 '-' and a newline, around node headers.
-inline constexpr char pm_show_separator[] =
-    "--------------------------------------------------------------------------------"
-    "--------------------------------------------------------------------------------\n";
-
-// A blank, 158 '-', a blank and a newline, under the column headers of tables.
-inline constexpr char pm_show_table_rule[] =
-    " -------------------------------------------------------------------------------"
-    "------------------------------------------------------------------------------- \n";
-
-static_assert(sizeof pm_show_separator == 161 + 1 && sizeof pm_show_table_rule == 161 + 1);
-
-// Results of a display.
-inline constexpr int PM_SHOW_PRINTED = 0;
-inline constexpr int PM_SHOW_NO_RECORD = 22;  // called without a record
-inline constexpr int PM_SHOW_NOTHING = 125;   // printed nothing: no blank line before the next item
-
-// Prints one decoded record and returns one of the results above. The record is the caller's and
-// valid during the call only; null once for an empty listing.
-using pm_show_display = int (*)(const void *decoded_parcel);

@@ -1,4 +1,5 @@
-// Texts of addresses, MAC addresses and prefixes.
+// Texts of MAC addresses and prefixes. Those of the addresses of the measurement engine are in
+// unshown_address_text.h.
 //
 // Unless stated otherwise a result is borrowed from the rotating slots (text_ring.h): the tenth
 // result after it, of whatever routine that uses the slots, overwrites it. A routine takes its slot
@@ -8,26 +9,15 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "pm_utils/address.h"
+#include "platform/address.h"
 
-// Kind and value, "IPv4 10.1.1.1" or "Ethernet 0011.2233.4455"; the kind alone when there is no
-// value, "Unknown" for null. Overwrites the result of pm_mac_to_dotted_str for Ethernet.
-[[nodiscard]] const char *pm_address_to_str(const pm_address_type *address);
+inline constexpr std::size_t PM_MAC_SIZE = 6;
 
-// The value alone. Null for null and for an address without a value. IP texts are borrowed from
-// the platform (platform/address.h) and take no slot.
-[[nodiscard]] const char *pm_address_value_str(const pm_address_type *address);
+using pm_prefix_t = ip_prefix;
 
-// "0011.2233.4455" of 6 bytes, which are never null.
-[[nodiscard]] const char *pm_mac_str(const std::uint8_t *mac);
-
-// The same grouping for the first `length` bytes, at most 6, in a buffer of its own that the next
+// "0011.2233.4455" of `length` bytes, of which at most 6 are read, in a buffer of its own that the next
 // call overwrites. A length below 1 returns the text of the call before.
 [[nodiscard]] const char *pm_mac_to_dotted_str(const std::uint8_t *bytes, std::int32_t length);
-
-// Writes "IPv4-10.0.0.1-vrf-default" into `dst` of `n` bytes, cut to fit and terminated. Does
-// nothing for a null pointer or no room.
-void pm_endpoint_key_str(const pm_address_type *addr, const char *vrf, char *dst, std::size_t n);
 
 // "10.1.0.0/16"; "Empty prefix" for null.
 [[nodiscard]] const char *pm_prefix_str(const pm_prefix_t *prefix);

@@ -1,4 +1,3 @@
-// Why values were advertised. See advert_reason.h.
 #include "pm_utils/advert_reason.h"
 
 #include "pm_utils/name_table.h"
@@ -58,10 +57,4 @@ bool pm_advert_reason_withdraws_values(pm_advert_reason_e reason) {
     case PM_ADVERT_REASON_SESSION_ERROR: return true;
     default: return false;
     }
-}
-
-bool pm_advert_reason_is_triggered(pm_advert_reason_e reason) {
-    const bool is_threshold_or_anomaly =
-        reason >= PM_ADVERT_REASON_PERIODIC_AVERAGE && reason <= PM_ADVERT_REASON_ANOMALY_STATIC;
-    return is_threshold_or_anomaly || reason == PM_ADVERT_REASON_FIRST || reason == PM_ADVERT_REASON_NEW_CHILD_SESSION;
 }

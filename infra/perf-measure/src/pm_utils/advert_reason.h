@@ -12,7 +12,3 @@
 // Whether the advertisement took values back, so that the record's values mean nothing. Displays
 // print advertised values only when this is false.
 [[nodiscard]] bool pm_advert_reason_withdraws_values(pm_advert_reason_e reason);
-
-// Whether measured values triggered the advertisement: a crossed threshold, an anomaly, a first
-// result or a new child session.
-[[nodiscard]] bool pm_advert_reason_is_triggered(pm_advert_reason_e reason);

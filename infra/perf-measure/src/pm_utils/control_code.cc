@@ -1,4 +1,3 @@
-// Words for control codes. See control_code.h.
 #include "pm_utils/control_code.h"
 
 #include "pm_utils/name_table.h"

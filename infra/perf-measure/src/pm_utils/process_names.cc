@@ -1,4 +1,3 @@
-// Words for the measurement process's own life. See process_names.h.
 #include "pm_utils/process_names.h"
 
 #include "pm_utils/name_table.h"

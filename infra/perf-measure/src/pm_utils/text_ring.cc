@@ -1,4 +1,3 @@
-// The rotating text slots. See text_ring.h.
 #include "pm_utils/text_ring.h"
 
 char *pm_next_text_slot() {

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-// Kind of address in a record. Not the numbering of pm_utils/address.h, where IPv4 is 2.
+// Kind of address in a record. Not the numbering of pm_utils/unshown_address.h, where IPv4 is 2.
 enum pm_addr_type_e : std::int32_t {
     PM_RECORD_ADDRESS_IPV4 = 0,
     PM_RECORD_ADDRESS_IPV6 = 1,

@@ -10,7 +10,7 @@
 
 #include "platform/ifnx.h"
 #include "platform/inventory.h"
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/back_ends/writers.h"
 #include "platform/local/store/local_store_records.h"
 #include "platform/node.h"
 #include "platform/parcel.h"
@@ -33,8 +33,8 @@ std::string numbered(const std::string &prefix, unsigned number) {
 std::string long_name(unsigned number) { return std::string(200, 'n') + numbered("-", number); }
 
 bool fill_store(const char *url) {
-    store::writer store;
-    if (!store.begin(url).empty()) {
+    std::unique_ptr<store::writer> writer;
+    if (store::open_writer(url, store::missing_store::make, &writer)) {
         return false;
     }
     bool good = true;
@@ -42,7 +42,7 @@ bool fill_store(const char *url) {
         pm_chkpt_scb_parcel record{};
         auto bytes = std::vector<std::uint8_t>(path.begin(), path.end());
         record.buf = {static_cast<std::uint32_t>(bytes.size()), bytes.data()};
-        good = good && store.put_item(root, node, path, &record, pm_chkpt_scb_parcel_descriptor()).empty();
+        good = good && !writer->put_item({root, node}, path, &record, pm_chkpt_scb_parcel_descriptor());
     };
     for (unsigned i = 0; i < LISTED; ++i) {
         put(store::root::main, 1, numbered("intf/detail/eth", i));
@@ -59,9 +59,8 @@ bool fill_store(const char *url) {
     std::vector<std::uint8_t> large(100'000, 7);
     const pm_chkpt_scb_parcel record{{static_cast<std::uint32_t>(large.size()), large.data()}};
     for (unsigned i = 0; i < 10; ++i) {
-        good = good &&
-               store.put_item(store::root::main, 2, numbered("large/", i), &record, pm_chkpt_scb_parcel_descriptor())
-                   .empty();
+        good = good && !writer->put_item({store::root::main, 2}, numbered("large/", i), &record,
+                                         pm_chkpt_scb_parcel_descriptor());
     }
     std::uint32_t nodes[] = {1, 0x10};
     local_partner partner{"central-services", 0x10};
@@ -76,20 +75,20 @@ bool fill_store(const char *url) {
     const local_node lc1{0x10, "lc1", 4, &location, 0x11};
     const local_interface eth{"eth0/1/0/4"};
     using state = store::publisher_state;
-    good = good && store.put_platform(&platform).empty() && store.put_node(1, &rp0).empty() &&
-           store.put_node(0x10, &lc1).empty() && store.put_interface(0x8000120, &eth).empty();
-    good = good && store.put_publisher(store::root::responder, 1, state::stopped).empty() &&
-           store.put_publisher(store::root::responder, 2, state::unreachable).empty() &&
-           store.put_publisher(store::root::responder, 3, state::starting).empty() &&
-           store.put_publisher(store::root::responder, 4, state::running).empty();
-    return good && store.commit().empty();
+    good = good && !writer->put_platform(&platform) && !writer->put_node(1, &rp0) && !writer->put_node(0x10, &lc1) &&
+           !writer->put_interface(0x8000120, &eth);
+    good = good && !writer->put_publisher({store::root::responder, 1}, state::stopped) &&
+           !writer->put_publisher({store::root::responder, 2}, state::unreachable) &&
+           !writer->put_publisher({store::root::responder, 3}, state::starting) &&
+           !writer->put_publisher({store::root::responder, 4}, state::running);
+    return good && !writer->commit();
 }
 
 class Opstore : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        char name[] = "/tmp/opstore-test-XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
+        std::string name = (std::filesystem::temp_directory_path() / "opstore-test-XXXXXX").string();
+        ASSERT_NE(mkdtemp(name.data()), nullptr);
         folder_ = name;
         const std::string url = "lmdb:" + folder_;
         setenv("OPSTORE_URL", url.c_str(), 1);

@@ -72,10 +72,10 @@ TEST_P(EveryType, AllocatesInProportionToItsEncoding) {
     // Every element takes so many bytes on the wire at the least that its structure stays within
     // the bound; so no legitimate record is ever refused for it.
     const parcel_descriptor *descriptor = GetParam();
-    parcel_plan::plan plan;
+    parcel_plan::record_plan plan;
     ASSERT_EQ(parcel_plan::compile(descriptor, descriptor->schema, &plan), ERRCODE_SUCCESS);
-    for (const parcel_plan::program &program : plan.programs) {
-        for (const parcel_plan::step &step : plan.steps_of(program)) {
+    for (const parcel_plan::plan_program &program : plan.programs) {
+        for (const parcel_plan::plan_step &step : plan.steps_of(program)) {
             if (step.kind == parcel_plan::step_kind::array) {
                 EXPECT_LE(step.size, PARCEL_GROWTH * plan.programs[step.program].least_wire);
             } else if (step.kind == parcel_plan::step_kind::optional) {
@@ -140,7 +140,7 @@ TEST(Codec, AnArrayWithACountAndNoElementsIsNotEncoded) {
     EXPECT_EQ(bytes, (parcel{1, 2}));
 }
 
-TEST(Codec, BytesBehindTheRecordAreRefused) {
+TEST(Codec, BytesAfterTheRecordAreRefused) {
     const pm_values_parcel values{};
     parcel bytes = encode(&values, pm_values_parcel_descriptor());
     bytes.push_back(0);
@@ -244,8 +244,8 @@ TEST(Header, SaysTypeVersionAndSchema) {
     EXPECT_EQ(header.fingerprint, parcel_fingerprint(pm_values_parcel_descriptor()));
 }
 
-// The wire form byte by byte, as docs/parcel-encoding.md states it.
-TEST(Header, AndFieldsStandWhereTheDocumentSays) {
+// The wire form byte by byte, as docs/parcel-encoding.md gives it.
+TEST(Header, AndFieldsAreWhereTheDocumentSays) {
     pm_sl_session_info info{};
     info.SegmentListName = "sl";
     info.LivenessSessionStateUp = 1;

@@ -1,6 +1,7 @@
 // Records that were written with another version of their type's schema.
 #include <cstring>
 #include <gtest/gtest.h>
+#include <string>
 #include <vector>
 
 #include "schema/pm_descriptors.h"
@@ -120,6 +121,36 @@ TEST(Evolution, GrowthBeyondItsBoundIsRefused) {
     EXPECT_EQ(decoded_record(encode(&few, writer), reader).code(), ERRCODE_SUCCESS);
 }
 
+// "$1=" what is given with the next number for every @, and so on to `last`, which is defined as `end`.
+std::string chain(std::string_view body, int last, const std::string &end) {
+    std::string text;
+    for (int number = 1; number < last; ++number) {
+        text += "$" + std::to_string(number) + "=";
+        for (const char c : body) {
+            text += c == '@' ? "$" + std::to_string(number + 1) : std::string(1, c);
+        }
+        text += ";";
+    }
+    return text + "$" + std::to_string(last) + "=" + end + ";";
+}
+
+errcode compile(const std::string &schema) {
+    parcel_plan::record_plan plan;
+    return parcel_plan::compile(pm_values_parcel_descriptor(), schema, &plan);
+}
+
+TEST(Evolution, EmptyRecordsThatDoubleWithoutEndAreRefused) {
+    EXPECT_EQ(compile(chain("{A}@{B}@", 10, "")), ERRCODE_SUCCESS);
+    EXPECT_EQ(compile(chain("{A}@{B}@", 60, "")), PARCEL_UNKNOWN_SCHEMA);
+    EXPECT_EQ(compile(chain("{A}a(@){B}@{C}@", 60, "{A}D")), PARCEL_UNKNOWN_SCHEMA);
+}
+
+TEST(Evolution, AsManyTypesWithinArraysAsASchemaMayHaveAreCompiled) {
+    EXPECT_EQ(compile(chain("{A}a(@)", 4096, "{A}D")), ERRCODE_SUCCESS);
+    EXPECT_EQ(compile(chain("{A}16A(16A(@))", 4096, "{A}D")), PARCEL_UNKNOWN_SCHEMA);
+    EXPECT_EQ(compile(chain("{A}a(@)", 4097, "{A}D")), PARCEL_UNKNOWN_SCHEMA);
+}
+
 TEST(Evolution, HostileSchemasAreRefused) {
     const char *hostile[] = {
         "",
@@ -128,6 +159,16 @@ TEST(Evolution, HostileSchemasAreRefused) {
         "$1=",
         "$1={A}D",
         "$1={A}Q;",
+        "$1={D;",  // names that do not end
+        "$1={A}[e;",
+        "$1={}D;",  // names that are empty
+        "$1={A}[]e;",
+        "$1=?(<K,k_e;",
+        "$1=?(<K;",
+        "$1=?(<K,k_e>,0:{A;",
+        "$1=$2;$2={A}D;",  // neither a record, a union nor a scalar
+        "$1={A}$2;$2=s;",
+        "$1=?(<Average,k_e>,0:{Average}D);",  // a union for the reader's record
         "$1={A}$2;",
         "$1={A}D;$1={B}D;",
         "$1={A}D{A}H;",
@@ -146,7 +187,7 @@ TEST(Evolution, HostileSchemasAreRefused) {
         "$14={A}$15{B}$15;$15={A}$16{B}$16;$16={A}$17{B}$17;$17={A}$18{B}$18;$18={A}$19{B}$19;$19={A}s{B}s;",
     };
     for (const char *schema : hostile) {
-        parcel_plan::plan plan;
+        parcel_plan::record_plan plan;
         EXPECT_NE(parcel_plan::compile(pm_values_parcel_descriptor(), schema, &plan), ERRCODE_SUCCESS) << schema;
     }
 }

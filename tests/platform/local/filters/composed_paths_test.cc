@@ -75,7 +75,7 @@ protected:
                 return std::string("(no output)\n");
             }
             pm_show_parse_options(static_cast<int>(words.size()), argv.data());
-            if (pm_show_build_request(&request, path) != pm_show_build::READY) {
+            if (pm_show_build_request(&request, path) != pm_show_build::ready) {
                 return std::string("(no request)\n");
             }
             request.display = display_of(request.parcel_desc);

@@ -4,7 +4,7 @@
 #include <arpa/inet.h>
 #include <deque>
 
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/back_ends/writers.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 
@@ -44,18 +44,18 @@ pm_record_address no_address() {
 
 class filler {
 public:
-    explicit filler(const char *url) : good_(store_.begin(url).empty()) {}
+    explicit filler(const char *url) : good_(!store::open_writer(url, store::missing_store::make, &writer_)) {}
 
     void put(std::uint32_t node, const std::string &path, const void *record, const parcel_descriptor *type) {
-        good_ = good_ && store_.put_item(root::main, node, path, record, type).empty();
+        good_ = good_ && !writer_->put_item({root::main, node}, path, record, type);
     }
     void publisher(std::uint32_t node, store::publisher_state state) {
-        good_ = good_ && store_.put_publisher(root::main, node, state).empty();
+        good_ = good_ && !writer_->put_publisher({root::main, node}, state);
     }
-    bool commit() { return good_ && store_.commit().empty(); }
+    bool commit() { return good_ && !writer_->commit(); }
 
 private:
-    store::writer store_;
+    std::unique_ptr<store::writer> writer_;
     bool good_;
 };
 
@@ -300,6 +300,24 @@ void put_odd_names(filler *store) {
     store->put(ODD_NODE, "name-profile/0x0/0x2", &profile, pm_name_profile_parcel_descriptor());
 }
 
+// A policy as an older engine wrote it, with fewer fields and in another order.
+struct older_policy {
+    const char *PolicyName;
+    std::uint32_t Color;
+};
+constexpr std::uint64_t OLDER_OFFSETS[] = {0, 8};
+constexpr parcel_layout OLDER_LAYOUT[] = {{0, sizeof(older_policy), OLDER_OFFSETS}};
+constexpr parcel_descriptor OLDER_POLICY{
+    1, "pm_srpolicy_parcel", 18, 0, "test", OLDER_LAYOUT, "$1={PolicyName}s{Color}D;", "$1=sD;"};
+
+void put_foreign_details(filler *store) {
+    const older_policy older{"older", 10};
+    store->put(FOREIGN_NODE, "srpolicy/detail/older", &older, &OLDER_POLICY);
+    const pm_srpolicy_counters_parcel counters{};
+    store->put(FOREIGN_NODE, "srpolicy/detail/other-type", &counters, pm_srpolicy_counters_parcel_descriptor());
+    put_detail(store, FOREIGN_NODE, policy("recent", 10, no_address(), {}));
+}
+
 }  // namespace
 
 std::string long_name(unsigned number) {
@@ -316,6 +334,7 @@ bool fill_store(const char *url) {
     put_tunnels(&store);
     put_profiles(&store);
     put_odd_names(&store);
+    put_foreign_details(&store);
     for (const std::uint32_t node : {STOPPED_NODE, UNREACHABLE_NODE, STARTING_NODE}) {
         put_detail(&store, node, policy("a", 10, no_address(), {}));
     }

@@ -30,9 +30,10 @@ inline constexpr std::uint32_t LARGE_NODE = 3;  // MANY policies with long names
 inline constexpr std::uint32_t STOPPED_NODE = 4;
 inline constexpr std::uint32_t UNREACHABLE_NODE = 5;
 inline constexpr std::uint32_t STARTING_NODE = 6;
-inline constexpr std::uint32_t EMPTY_NODE = 7;    // a running publisher without items
-inline constexpr std::uint32_t UNKNOWN_NODE = 8;  // no publisher ever
-inline constexpr std::uint32_t ODD_NODE = 9;      // names that look like parts of derived paths
+inline constexpr std::uint32_t EMPTY_NODE = 7;     // a running publisher without items
+inline constexpr std::uint32_t UNKNOWN_NODE = 8;   // no publisher ever
+inline constexpr std::uint32_t ODD_NODE = 9;       // names that look like parts of derived paths
+inline constexpr std::uint32_t FOREIGN_NODE = 10;  // details of an older schema, and of another type
 
 inline constexpr unsigned MANY = 1000;
 inline constexpr unsigned EVERY = 4;  // every fourth of MANY has MANY_COLOR
@@ -78,6 +79,8 @@ protected:
         delete folder_;
         folder_ = nullptr;
     }
+
+    [[nodiscard]] static const std::string &store_folder() { return folder_->path(); }
 
     // Runs `read` in a child; the lines that it writes.
     static names lines_of_child(const std::function<std::string()> &read) {

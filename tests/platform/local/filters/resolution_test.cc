@@ -8,7 +8,7 @@
 #include "front/options.h"
 #include "front/resolve_node.h"
 #include "platform/inventory.h"
-#include "platform/local/lmdb_store/store_writer.h"
+#include "platform/local/back_ends/writers.h"
 #include "platform/local/store/local_store_records.h"
 #include "pm_show_client/pm_show_options.h"
 #include "tests/support/child_process.h"
@@ -41,7 +41,7 @@ std::ostream &operator<<(std::ostream &out, const resolution &what) {
 }
 
 bool fill(const char *url, const router &what) {
-    store::writer store;
+    std::unique_ptr<store::writer> writer;
     std::uint32_t active_rp = what.active_rp.value_or(0);
     local_platform platform{};
     platform.RouterType = what.type;
@@ -54,11 +54,11 @@ bool fill(const char *url, const router &what) {
         {CARD_PROCESSOR, "lc1-cpu", 6, &places[2], CARD_PROCESSOR},
         {0x20, "lc2", 6, &places[3], NODEID_NONE},
     };
-    bool good = store.begin(url).empty() && store.put_platform(&platform).empty();
+    bool good = !store::open_writer(url, store::missing_store::make, &writer) && !writer->put_platform(&platform);
     for (const local_node &node : nodes) {
-        good = good && store.put_node(node.Id, &node).empty();
+        good = good && !writer->put_node(node.Id, &node);
     }
-    return good && store.commit().empty();
+    return good && !writer->commit();
 }
 
 // What `resolve` leaves on a router of its own, each time in a new process.
@@ -95,7 +95,7 @@ std::uint32_t requested(const router &what, const std::vector<std::string> &word
               [] {
                   pm_show_request request{};
                   pm_show_path path;
-                  return pm_show_build_request(&request, path) == pm_show_build::READY ? ERRCODE_SUCCESS : ~0U;
+                  return pm_show_build_request(&request, path) == pm_show_build::ready ? ERRCODE_SUCCESS : ~0U;
               })
         .node;
 }

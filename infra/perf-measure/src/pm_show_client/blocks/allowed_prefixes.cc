@@ -1,28 +1,24 @@
-// See allowed_prefixes.h.
 #include "pm_show_client/blocks/allowed_prefixes.h"
 
 #include <cstdint>
 #include <cstring>
 
 #include "base/pm_assert.h"
+#include "pm_show_client/blocks/label_lines.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/blocks/time_text.h"
+#include "pm_show_client/pm_show_options.h"
 #include "pm_utils/address_text.h"
 
 namespace {
 
-// Assertions report these lines, wherever the checks stand.
+// Assertions report these lines, wherever the checks are.
 constexpr char NO_PARCEL[] = "NULL != parcel";
 constexpr char SOURCE[] = "pm_show_client";
 constexpr int REPORTED_COUNTER_LINE = 9859;
 constexpr int REPORTED_ENTRY_LINE = 9882;
 
-void print_text(int indent, const char *label, const char *text) {
-    pm_print_label_str(PM_ALLOWED_COLON, indent, label, text);
-}
-
-void print_number(int indent, const char *label, std::uint32_t number) {
-    pm_print_label_u32(PM_ALLOWED_COLON, indent, label, number, "");
-}
+[[nodiscard]] constexpr pm_lines lines_at(int indent) { return {indent, 60}; }
 
 // Prefixes ----------------------------------------------------------------------------------------
 
@@ -72,11 +68,11 @@ void print_prefix(const pm_prefix_entry_parcel &entry, int indent) {
 
 // Ports -------------------------------------------------------------------------------------------
 
-void print_port(int indent, const char *label, std::uint16_t port) {
+void print_port(const pm_lines &lines, const char *label, std::uint16_t port) {
     if (port == 0) {
-        print_text(indent, label, "N/A");
+        lines.text(label, "N/A");
     } else {
-        print_number(indent, label, port);
+        lines.number(label, port);
     }
 }
 
@@ -90,14 +86,15 @@ void print_prefix_counter_generic(const pm_prefix_reference_counters *parcel, in
                             "void print_prefix_counter_generic(const pm_prefix_reference_counters *, uint32_t, "
                             "uint32_t)");
     }
-    print_number(indent, "Configured counter", parcel->ConfiguredCounter);
-    print_number(indent, "SRPolicy reference counter", parcel->SRPolicyCount);
-    print_number(indent, "Endpoint reference counter", parcel->EndpointCount);
+    const pm_lines lines = lines_at(indent);
+    lines.number("Configured counter", parcel->ConfiguredCounter);
+    lines.number("SRPolicy reference counter", parcel->SRPolicyCount);
+    lines.number("Endpoint reference counter", parcel->EndpointCount);
 }
 
 void pm_print_allowed_prefixes(const char *label, const pm_prefixes_info &prefixes) {
     const bool internal = pm_show_options.internal;
-    print_number(0, label, prefixes.PrefixList.count);
+    lines_at(0).number(label, prefixes.PrefixList.count);
     if (internal) {
         pm_print_heading(2, "Reference counter summary");
         print_prefix_counter_generic(&prefixes.ReferenceCounters, 4);
@@ -126,17 +123,18 @@ void pm_print_port_status(const char *label, const pm_udp_port_rxpol_prefix_stat
     if (status == nullptr) {
         return;
     }
-    print_port(2, label, status->PortNumber);
+    print_port(lines_at(2), label, status->PortNumber);
     pm_print_port_detail(*status, 4);
 }
 
 void pm_print_port_detail(const pm_udp_port_rxpol_prefix_status &status, int indent) {
     if (status.NpuId != nullptr) {
-        print_number(indent, "NPU ID", *status.NpuId);
+        lines_at(indent).number("NPU ID", *status.NpuId);
         indent += 2;
     }
-    print_port(indent, "Opened IPv4 port", status.IPv4Status.PortNumber);
-    print_text(indent, "IPv4 Port Update Time", pm_time_str(status.IPv4Status.InstallTime));
-    print_port(indent, "Opened IPv6 port", status.IPv6Status.PortNumber);
-    print_text(indent, "IPv6 Port Update Time", pm_time_str(status.IPv6Status.InstallTime));
+    const pm_lines lines = lines_at(indent);
+    print_port(lines, "Opened IPv4 port", status.IPv4Status.PortNumber);
+    lines.text("IPv4 Port Update Time", pm_time_str(status.IPv4Status.InstallTime));
+    print_port(lines, "Opened IPv6 port", status.IPv6Status.PortNumber);
+    lines.text("IPv6 Port Update Time", pm_time_str(status.IPv6Status.InstallTime));
 }

@@ -1,11 +1,8 @@
-// What the displays of allowed queriers (allowed_queriers.h) and of allowed responders
-// (allowed_responders.h) have in common: the prefixes from which packets are accepted, and the UDP
-// ports that are open for them.
+// What the displays of allowed queriers and of allowed responders have in common: the prefixes from which packets are
+// accepted, and the UDP ports that are open for them.
 #pragma once
 
 #include "schema/pm_records.h"
-
-inline constexpr int PM_ALLOWED_COLON = 60;  // column of all colons
 
 // Says that no port is open.
 void pm_print_no_applicable_port();

@@ -3,6 +3,6 @@
 
 #include "schema/pm_records.h"
 
-// A heading at `indent`, the lines two further in, the colons at `width`. `running` tells whether the probe
-// that measures the path runs.
+// A heading at `indent`, the lines indented by two more, the colons in column `width`. `running` tells whether the
+// probe that measures the path runs.
 void pm_show_atomic_path(const pm_srpolicy_atomic_path_parcel *path, bool running, int indent, int width);

@@ -13,7 +13,7 @@ template <class Parcel>
     return parcel != nullptr && parcel->buf.elements != nullptr && parcel->buf.count != 0;
 }
 
-// The record that a blob decodes into. A damaged blob gives what stands before the damage. The memory
+// The record that a blob decodes into. A damaged blob gives what is before the damage. The memory
 // of texts and arrays is never freed: the program ends with its display.
 template <class Record>
 [[nodiscard]] Record pm_decode_blob(const parcel_array<std::uint8_t> &blob,

@@ -1,6 +1,6 @@
-// See counters.h.
 #include "pm_show_client/blocks/counters.h"
 
+#include "pm_show_client/blocks/label_lines.h"
 #include "pm_show_client/blocks/lines.h"
 #include "pm_show_client/pm_show_options.h"
 
@@ -13,37 +13,40 @@ constexpr int STEP = 2;  // indent of a group's lines within it
 template <class Counters>
 void print_packets(const Counters &counters, int indent) {
     pm_print_heading(indent, "Packets");
-    pm_print_counter(indent + STEP, "Total sent", counters.QueryPacketsSent);
-    pm_print_counter(indent + STEP, "Total received", counters.QueryPacketsReceived);
+    const pm_lines lines = pm_lines_at(indent + STEP);
+    lines.number("Total sent", counters.QueryPacketsSent);
+    lines.number("Total received", counters.QueryPacketsReceived);
 }
 
 void print_error_totals(std::uint64_t sent, std::uint64_t received, int indent) {
-    pm_print_counter(indent + STEP, "Total sent errors", sent);
-    pm_print_counter(indent + STEP, "Total received errors", received);
+    const pm_lines lines = pm_lines_at(indent + STEP);
+    lines.number("Total sent errors", sent);
+    lines.number("Total received errors", received);
 }
 
 template <class Counters>
 void print_probes(const Counters &counters, int indent) {
     pm_print_heading(indent, "Probes");
-    pm_print_counter(indent + STEP, "Total started", counters.ProbesStarted);
-    pm_print_counter(indent + STEP, "Total completed", counters.ProbesComplete);
-    pm_print_counter(indent + STEP, "Total incomplete", counters.ProbesIncomplete);
-    pm_print_counter(indent + STEP, "Total advertisements", counters.Advertisement);
+    const pm_lines lines = pm_lines_at(indent + STEP);
+    lines.number("Total started", counters.ProbesStarted);
+    lines.number("Total completed", counters.ProbesComplete);
+    lines.number("Total incomplete", counters.ProbesIncomplete);
+    lines.number("Total advertisements", counters.Advertisement);
 }
 
 void print_liveness_missed(std::uint64_t missed, int indent) {
-    pm_print_counter(indent + STEP, "Total liveness missed count", missed);
+    pm_lines_at(indent + STEP).number("Total liveness missed count", missed);
 }
 
 // The six reasons for which any kind of session drops a received packet.
 template <class Counters>
-void print_probe_rx_reasons(const Counters &counters, int indent) {
-    pm_print_counter(indent, "Reason negative delay", counters.ReceivedPacketErrorNegativeDelay);
-    pm_print_counter(indent, "Reason delay threshold exceeded", counters.ReceivedPacketErrorDelayExceedsThreshold);
-    pm_print_counter(indent, "Reason missing TX timestamp", counters.ReceivedPacketErrorMissingTxTimestamp);
-    pm_print_counter(indent, "Reason missing RX timestamp", counters.ReceivedPacketErrorMissingRxTimestamp);
-    pm_print_counter(indent, "Reason probe full", counters.ReceivedPacketErrorProbeFull);
-    pm_print_counter(indent, "Reason probe not started", counters.ReceivedPacketErrorProbeNotStarted);
+void print_probe_rx_reasons(const Counters &counters, const pm_lines &lines) {
+    lines.number("Reason negative delay", counters.ReceivedPacketErrorNegativeDelay);
+    lines.number("Reason delay threshold exceeded", counters.ReceivedPacketErrorDelayExceedsThreshold);
+    lines.number("Reason missing TX timestamp", counters.ReceivedPacketErrorMissingTxTimestamp);
+    lines.number("Reason missing RX timestamp", counters.ReceivedPacketErrorMissingRxTimestamp);
+    lines.number("Reason probe full", counters.ReceivedPacketErrorProbeFull);
+    lines.number("Reason probe not started", counters.ReceivedPacketErrorProbeNotStarted);
 }
 
 template <class Counters>
@@ -80,60 +83,58 @@ std::uint64_t delay_tx_errors(const pm_delay_counters_info_parcel &counters) {
     }
 }
 
-void print_interface_tx_reasons(const pm_intf_exclusive_delay_counters_info_parcel &counters, int indent) {
-    pm_print_counter(indent, "Reason interface down", counters.QueryPacketSentErrorInterfaceDown);
-    pm_print_counter(indent, "Reason no MPLS caps", counters.QueryPacketSentErrorNoMPLSCaps);
-    pm_print_counter(indent, "Reason IPv4 protocol down", counters.QueryPacketSentErrorIPv4DownWithV4NextHop);
-    pm_print_counter(indent, "Reason IPv6 protocol down", counters.QueryPacketSentErrorIPv6DownWithV6NextHop);
-    pm_print_counter(indent, "Reason IPv4 and IPv6 protocol down",
-                     counters.QueryPacketSentErrorIPv4IPv6DownWithoutNextHop);
-    pm_print_counter(indent, "Reason next hop MAC missing", counters.QueryPacketSentErrorNextHopMACMissing);
+void print_interface_tx_reasons(const pm_intf_exclusive_delay_counters_info_parcel &counters, const pm_lines &lines) {
+    lines.number("Reason interface down", counters.QueryPacketSentErrorInterfaceDown);
+    lines.number("Reason no MPLS caps", counters.QueryPacketSentErrorNoMPLSCaps);
+    lines.number("Reason IPv4 protocol down", counters.QueryPacketSentErrorIPv4DownWithV4NextHop);
+    lines.number("Reason IPv6 protocol down", counters.QueryPacketSentErrorIPv6DownWithV6NextHop);
+    lines.number("Reason IPv4 and IPv6 protocol down", counters.QueryPacketSentErrorIPv4IPv6DownWithoutNextHop);
+    lines.number("Reason next hop MAC missing", counters.QueryPacketSentErrorNextHopMACMissing);
 }
 
-void print_missing_labels(std::uint64_t missing, int indent) {
-    pm_print_counter(indent, "Reason missing segment list labels", missing);
+void print_missing_labels(std::uint64_t missing, const pm_lines &lines) {
+    lines.number("Reason missing segment list labels", missing);
 }
 
-void print_other_reason(std::uint64_t other, int indent) { pm_print_counter(indent, "Reason other", other); }
+void print_other_reason(std::uint64_t other, const pm_lines &lines) { lines.number("Reason other", other); }
 
 // Why packets were not sent, one overload for each kind of session.
 
-void print_tx_reasons(const pm_delay_counters_info_parcel &counters, int indent) {
+void print_tx_reasons(const pm_delay_counters_info_parcel &counters, const pm_lines &lines) {
     switch (counters.ExclusiveCounters.TransportType) {
     case PM_TRANSPORT_INTERFACE:
-        print_interface_tx_reasons(counters.ExclusiveCounters.InterfaceExclusiveCounters, indent);
+        print_interface_tx_reasons(counters.ExclusiveCounters.InterfaceExclusiveCounters, lines);
         break;
     case PM_TRANSPORT_ENDPOINT:  // an endpoint's list ends here
         print_missing_labels(counters.ExclusiveCounters.EndpointExclusiveCounters.QueryPacketsSentErrorSlLabelMissing,
-                             indent);
+                             lines);
         return;
     default: break;
     }
-    pm_print_counter(indent, "Reason no IP address", counters.GenericCounters.QueryPacketSentErrorNoIPAddress);
-    print_other_reason(counters.GenericCounters.QueryPacketSentErrors, indent);
+    lines.number("Reason no IP address", counters.GenericCounters.QueryPacketSentErrorNoIPAddress);
+    print_other_reason(counters.GenericCounters.QueryPacketSentErrors, lines);
 }
 
-void print_tx_reasons(const pm_srpolicy_liveness_counters_info_parcel &counters, int indent) {
-    print_other_reason(counters.QueryPacketSentErrors, indent);
+void print_tx_reasons(const pm_srpolicy_liveness_counters_info_parcel &counters, const pm_lines &lines) {
+    print_other_reason(counters.QueryPacketSentErrors, lines);
 }
 
-void print_tx_reasons(const pm_endpoint_liveness_counters_info_parcel &counters, int indent) {
-    print_missing_labels(counters.QueryPacketsSentErrorSlLabelMissing, indent);
-    print_other_reason(counters.QueryPacketSentErrors, indent);
+void print_tx_reasons(const pm_endpoint_liveness_counters_info_parcel &counters, const pm_lines &lines) {
+    print_missing_labels(counters.QueryPacketsSentErrorSlLabelMissing, lines);
+    print_other_reason(counters.QueryPacketSentErrors, lines);
 }
 
 // Why received packets were not used.
 
-void print_rx_reasons(const pm_delay_counters_info_parcel &counters, int indent) {
-    print_probe_rx_reasons(counters.GenericCounters, indent);
-    pm_print_counter(indent, "Reason control code error", counters.GenericCounters.ReceivedPacketControlCodeError);
-    pm_print_counter(indent, "Reason control code notif",
-                     counters.GenericCounters.ReceivedPacketControlCodeNotification);
+void print_rx_reasons(const pm_delay_counters_info_parcel &counters, const pm_lines &lines) {
+    print_probe_rx_reasons(counters.GenericCounters, lines);
+    lines.number("Reason control code error", counters.GenericCounters.ReceivedPacketControlCodeError);
+    lines.number("Reason control code notif", counters.GenericCounters.ReceivedPacketControlCodeNotification);
 }
 
 template <class LivenessCounters>
-void print_rx_reasons(const LivenessCounters &counters, int indent) {
-    print_probe_rx_reasons(counters, indent);
+void print_rx_reasons(const LivenessCounters &counters, const pm_lines &lines) {
+    print_probe_rx_reasons(counters, lines);
 }
 
 template <class Counters>
@@ -143,10 +144,10 @@ void print_reasons(const Counters *counters, int direction, int indent) {
     }
     if (direction == PM_DIRECTION_RX) {
         pm_print_heading(indent, "RX");
-        print_rx_reasons(*counters, indent + STEP);
+        print_rx_reasons(*counters, pm_lines_at(indent + STEP));
     } else if (direction == PM_DIRECTION_TX) {
         pm_print_heading(indent, "TX");
-        print_tx_reasons(*counters, indent + STEP);
+        print_tx_reasons(*counters, pm_lines_at(indent + STEP));
     }
 }
 
@@ -203,6 +204,6 @@ void pm_show_srpolicy_liveness_counters(const pm_srpolicy_liveness_counters_info
 }
 
 void pm_show_endpoint_liveness_counters(const pm_endpoint_liveness_counters_info_parcel *counters, int indent) {
-    // The received errors stand in both lines; an endpoint's sent errors have none of their own.
+    // The received errors are in both lines; an endpoint's sent errors have none of their own.
     print_liveness(*counters, probe_rx_errors(*counters), indent);
 }

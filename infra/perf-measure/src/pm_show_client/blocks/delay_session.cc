@@ -1,24 +1,28 @@
-// See delay_session.h.
 #include "pm_show_client/blocks/delay_session.h"
 
-#include "pm_show_client/blocks/session_blocks.h"
+#include "pm_show_client/blocks/advertisement.h"
+#include "pm_show_client/blocks/control_codes.h"
+#include "pm_show_client/blocks/label_lines.h"
+#include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/blocks/probe.h"
+#include "pm_show_client/blocks/profile_keys.h"
+#include "pm_show_client/blocks/responder.h"
 #include "pm_show_client/blocks/session_lines.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/measurement_names.h"
-
-using namespace pm_session_lines;
 
 namespace {
 
 constexpr int RESPONDER_WIDTH = 30;
 
 void print_identity(const pm_scb_parcel &session, int indent) {
-    print_number(indent, "Session ID", session.SessionId);
+    const pm_lines lines = pm_session_lines::identity_lines(indent);
+    lines.number("Session ID", session.SessionId);
     if (session.IsSrv6 == 1) {
-        print_number(indent, "Flow-label", session.FlowLabel);
+        lines.number("Flow-label", session.FlowLabel);
     }
     if (pm_show_options.internal) {
-        print_number(indent, "Trace ID", session.TraceId);
+        lines.number("Trace ID", session.TraceId);
     }
     if (session.TransportType != PM_TRANSPORT_ENDPOINT) {
         pm_show_profile_keys(&session.ProfileKey, session.ProfileName, indent, PM_PROFILE_WIDTH);

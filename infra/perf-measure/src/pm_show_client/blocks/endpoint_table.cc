@@ -1,12 +1,14 @@
-// See endpoint_table.h.
 #include "pm_show_client/blocks/endpoint_table.h"
 
 #include <cstring>
 
 #include "platform/bounded.h"
+#include "pm_show_client/blocks/lines.h"
 #include "pm_show_client/blocks/segment_list_filter.h"
 #include "pm_show_client/blocks/session_lines.h"
 #include "pm_show_client/blocks/tables.h"
+#include "pm_show_client/blocks/time_text.h"
+#include "pm_show_client/pm_show_options.h"
 #include "pm_utils/not_running_reason.h"
 #include "pm_utils/value_text.h"
 
@@ -53,7 +55,7 @@ void print_state_header() {
     pm_print<"%-13.13s %-30.30s\n">("Session State", "TimeStamp");  // "Timestamp" in the table of SR policies
 }
 
-// Calls `print_rows` for each list that the filter wants, with a line break behind the rows unless the list is
+// Calls `print_rows` for each list that the filter wants, with a line break after the rows unless the list is
 // the last of its profile or the one before it was skipped.
 template <class SegmentList, class PrintRows>
 void for_each_wanted_list(const parcel_array<SegmentList> &lists, PrintRows print_rows) {
@@ -130,7 +132,7 @@ void pm_show_endpoint_delay_rows(const pm_endpoint_detail &endpoint) {
         pm_print_no_session();
         return;
     }
-    // No line break stands between two profiles: the next one's first row continues the line.
+    // There is no line break between two profiles: the next one's first row continues the line.
     for (const pm_endpoint_consolidated_detail_parcel &profile : endpoint.EP_Consolidated_Detail) {
         for_each_wanted_list(profile.EP_SegmentLists,
                              [&](const pm_endpoint_detail_segment_list_parcel &list) { print_delay_list(list, name); });
@@ -171,7 +173,7 @@ void pm_show_endpoint_probe_rows(const pm_endpoint_probe &endpoint) {
         if (!is_wanted(session)) {
             continue;
         }
-        // The name stands in the row of the first session only, and nowhere when the filter skips that.
+        // The name is in the row of the first session only, and nowhere when the filter skips that.
         if (&session == endpoint.Sessions.begin()) {
             print_name(name);
         } else {

@@ -1,9 +1,9 @@
-// The tables of endpoints. See endpoint.h.
+// The tables of endpoints: delays, liveness states and probes.
 #pragma once
 
 #include "schema/pm_records.h"
 
-// A row for each session of an endpoint that the filter wants, behind the header when it is still to come.
+// A row for each session of an endpoint that the filter wants, after the header when that is still to come.
 void pm_show_endpoint_delay_rows(const pm_endpoint_detail &endpoint);
 void pm_show_endpoint_liveness_rows(const pm_endpoint_liveness &endpoint);
 void pm_show_endpoint_probe_rows(const pm_endpoint_probe &endpoint);

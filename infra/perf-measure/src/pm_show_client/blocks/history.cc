@@ -1,15 +1,15 @@
-// See history.h.
-//
-// A kind of history is a function that prints one: title, and either a sentence for an empty list or a
-// header and rows. Header and row formats of a kind stand next to each other; the columns must agree.
 #include "pm_show_client/blocks/history.h"
 
 #include <algorithm>
 
 #include "base/pm_assert.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/blocks/time_text.h"
 #include "pm_show_client/pm_show_options.h"
 #include "pm_utils/advert_reason.h"
+
+// A kind of history is a function that prints one: a title, and either a sentence for an empty list or a header and
+// rows. The header and row formats of a kind are next to each other; their columns must agree.
 
 namespace {
 
@@ -29,7 +29,7 @@ pair_text pair_of(std::uint64_t first, std::uint64_t second) {
 }
 
 // Prints title, header and as many rows as the limit allows; an empty list has a sentence instead. The table
-// stands at `indent`, two further in than the title.
+// is at `indent`, the title two less.
 template <class Sample, class PrintHeader, class PrintRow>
 void print_table(const parcel_array<Sample> &samples, int indent, const char *title, const char *empty_text,
                  PrintHeader print_header, PrintRow print_row) {

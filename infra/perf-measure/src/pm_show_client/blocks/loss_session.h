@@ -3,7 +3,7 @@
 
 #include "schema/pm_records.h"
 
-// The session behind an empty line, its heading at indent 2.
+// The session after an empty line, its heading at indent 2.
 void pm_show_intf_loss_session(const pm_intf_loss_session_parcel &session);
 
 // Packets and loss of a window at `indent`. The counters of the last packet belong to the probe window of a

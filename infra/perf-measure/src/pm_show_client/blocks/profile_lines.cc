@@ -1,5 +1,8 @@
-// See profile_lines.h.
 #include "pm_show_client/blocks/profile_lines.h"
+
+#include "pm_show_client/blocks/label_lines.h"
+#include "pm_show_client/blocks/lines.h"
+#include "pm_utils/measurement_names.h"
 
 namespace {
 
@@ -11,40 +14,39 @@ void pm_profile_heading() { pm_print_heading(2, "Profile configuration"); }
 
 void pm_profile_interval(int indent, const char *label, std::uint32_t value, std::uint32_t effective,
                          const char *unit) {
-    pm_print_indented<"%-*s: %u (effective: %u) %s\n">(indent, PM_COUNTER_WIDTH - indent, label, value, effective,
-                                                       unit);
+    pm_print_indented<"%-*s: %u (effective: %u) %s\n">(indent, PM_COLON - indent, label, value, effective, unit);
 }
 
-void pm_profile_enabled(int indent, const char *label, bool enabled) {
-    pm_print_column_str(indent, label, enabled ? "Enabled" : "Disabled");
+void pm_profile_default_title(pm_transport_type_e transport, const char *kind) {
+    pm_print_indented<"%s %s (default)\n">(0, pm_transport_type_str(transport), kind);
 }
 
 void pm_profile_enabled_default(int indent, const char *label, bool enabled) {
-    pm_print_column_str(indent, label, enabled ? "Enabled" : "Disabled (default)");
+    pm_lines_at(indent).text(label, enabled ? "Enabled" : "Disabled (default)");
 }
 
 void pm_profile_optional(int indent, const char *label, const std::uint32_t *value) {
     if (value != nullptr) {
-        pm_print_column_u32(indent, label, *value);
+        pm_lines_at(indent).number(label, *value);
     }
 }
 
 void pm_profile_accelerated(bool enabled) {
-    pm_profile_enabled(4, enabled ? "Accelerated advertisement" : "Advertisement accelerated", enabled);
+    pm_lines_at(4).enabled(enabled ? "Accelerated advertisement" : "Advertisement accelerated", enabled);
 }
 
 void pm_profile_sweeping(bool enabled, const pm_record_address &start, std::uint32_t range) {
-    pm_profile_enabled(4, "Destination sweeping mode", enabled);
+    pm_lines_at(4).enabled("Destination sweeping mode", enabled);
     if (enabled) {
         // These labels have a colon of their own before the one in the column.
-        pm_print_label_address("Starting address:", start, 6, PM_COUNTER_WIDTH);
-        pm_print_column_u32(6, "Sweeping range:", range);
+        pm_lines_at(6).address("Starting address:", start);
+        pm_lines_at(6).number("Sweeping range:", range);
     }
 }
 
 void pm_profile_list(const char *count_label, const char *list_label, int continuation,
                      const parcel_array<std::uint32_t> &values) {
-    pm_print_column_u32(4, count_label, values.count);
+    pm_lines_at(4).number(count_label, values.count);
     if (values.count == 0) {
         return;
     }

@@ -1,8 +1,9 @@
-// The lines that profiles of all kinds are made of. The colons stand at PM_COUNTER_WIDTH whatever the
-// indent; a profile's own lines stand at indent 4, what belongs to one of them further in.
+// The lines that profiles of all kinds are made of. The colons are in column PM_COLON whatever
+// the indent; a profile's own lines are at indent 4, what belongs to one of them is further in.
 #pragma once
 
 #include "pm_show_client/blocks/lines.h"
+#include "schema/pm_records.h"
 
 // "Profile configuration:", which every profile begins with.
 void pm_profile_heading();
@@ -10,8 +11,10 @@ void pm_profile_heading();
 // "10 (effective: 12) uSec".
 void pm_profile_interval(int indent, const char *label, std::uint32_t value, std::uint32_t effective, const char *unit);
 
-// "Enabled" or "Disabled", and with the default marked "Enabled" or "Disabled (default)".
-void pm_profile_enabled(int indent, const char *label, bool enabled);
+// "SR Policy Delay Measurement (default)", the title of a profile without a name.
+void pm_profile_default_title(pm_transport_type_e transport, const char *kind);
+
+// "Enabled" or "Disabled (default)".
 void pm_profile_enabled_default(int indent, const char *label, bool enabled);
 
 // A number that may be absent, which prints nothing.
@@ -42,7 +45,7 @@ void pm_profile_tx_intervals(const Profile &profile, std::uint32_t effective_tx_
 }
 
 // How many sessions the route processor runs: for SR policies a line, for a generic profile a heading
-// that stands also without a line, for other transports nothing.
+// that is printed also without a line, for other transports nothing.
 template <class Profile>
 void pm_profile_cpu_sessions(const Profile &profile, pm_transport_type_e transport) {
     if (transport == PM_TRANSPORT_SR_POLICY) {

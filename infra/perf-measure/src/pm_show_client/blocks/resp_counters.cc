@@ -1,7 +1,6 @@
-// See resp_counters.h.
 #include "pm_show_client/blocks/resp_counters.h"
 
-#include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/blocks/label_lines.h"
 
 namespace {
 
@@ -11,7 +10,7 @@ struct counter_line {
 };
 
 // Queries come first, although the record begins with the replies.
-constexpr counter_line lines[] = {
+constexpr counter_line COUNTERS[] = {
     {"Total query packets received", &pm_counter_resp_parcel::QueryPacketReceived},
     {"Total reply packets sent", &pm_counter_resp_parcel::ReplyPacketSent},
     {"Total reply packets sent errors", &pm_counter_resp_parcel::ReplyPacketSentError},
@@ -31,7 +30,8 @@ constexpr counter_line lines[] = {
 }  // namespace
 
 void pm_show_resp_counters(const pm_counter_resp_parcel *counters, int indent) {
-    for (const counter_line &line : lines) {
-        pm_print_indented<"%-46s: %lu\n">(indent, line.label, counters->*line.counter);
+    const pm_lines lines{indent, indent + 46};
+    for (const counter_line &line : COUNTERS) {
+        lines.number(line.label, counters->*line.counter);
     }
 }

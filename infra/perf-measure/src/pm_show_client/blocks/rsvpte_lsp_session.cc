@@ -1,27 +1,29 @@
-// See rsvpte_lsp_session.h.
 #include "pm_show_client/blocks/rsvpte_lsp_session.h"
 
 #include "platform/address.h"
-#include "pm_show_client/blocks/lines.h"
-#include "pm_show_client/blocks/session_blocks.h"
+#include "pm_show_client/blocks/advertisement.h"
+#include "pm_show_client/blocks/control_codes.h"
+#include "pm_show_client/blocks/label_lines.h"
+#include "pm_show_client/blocks/probe.h"
+#include "pm_show_client/blocks/responder.h"
 #include "pm_show_client/pm_show_options.h"
 
 namespace {
 
-void print_identity(const pm_rsvpte_lsp_delay_parcel &session, int indent, int width) {
-    pm_print_label_u32(width, indent, "LSP ID", session.LSP_ID, "");
-    pm_print_label_str(width, indent, "Source address", inet_ntoa_r(session.LSPSourceIPv4Address));
-    pm_print_label_u32(width, indent, "Session ID", session.SessionId, "");
+void print_identity(const pm_rsvpte_lsp_delay_parcel &session, const pm_lines &lines) {
+    lines.number("LSP ID", session.LSP_ID);
+    lines.text("Source address", inet_ntoa_r(session.LSPSourceIPv4Address));
+    lines.number("Session ID", session.SessionId);
     if (pm_show_options.internal) {
-        pm_print_label_u32(width, indent, "Trace ID", session.TraceId, "");
-        pm_print_label_u32(width, indent, "Local label", session.LocalLabel, "");
+        lines.number("Trace ID", session.TraceId);
+        lines.number("Local label", session.LocalLabel);
     }
 }
 
 }  // namespace
 
 void pm_show_rsvpte_lsp_session(const pm_rsvpte_lsp_delay_parcel *session, int indent, int width) {
-    print_identity(*session, indent, width);
+    print_identity(*session, {indent, width});
     pm_show_last_advertisement(&session->LastAdvertisementInformation, indent, true);
     pm_show_next_advertisement_of_probe(&session->CurrentProbe, &session->NextAdvertisementInformation,
                                         session->PeriodicAdvertisementIntervalInSec, indent);

@@ -3,5 +3,5 @@
 
 #include "schema/pm_records.h"
 
-// All lines at `indent`, the colons at `width`.
+// All lines at `indent`, the colons in column `width`.
 void pm_show_rsvpte_lsp_session(const pm_rsvpte_lsp_delay_parcel *session, int indent, int width);

@@ -1,4 +1,3 @@
-// See segments.h.
 #include "pm_show_client/blocks/segments.h"
 
 #include <algorithm>
@@ -6,6 +5,7 @@
 
 #include "platform/address.h"
 #include "platform/srv6_util.h"
+#include "pm_show_client/blocks/label_lines.h"
 #include "pm_show_client/blocks/lines.h"
 
 namespace {
@@ -40,7 +40,7 @@ std::uint32_t first_four_bytes(const pm_record_address &address) {
 // Prints values a few to a line; only the first line carries the label. `write` writes one value to a
 // pm_text_writer.
 template <class Value, class Write>
-void print_packed(const parcel_array<Value> &values, std::uint32_t per_line, const char *label, int indent, int width,
+void print_packed(const parcel_array<Value> &values, std::uint32_t per_line, const char *label, const pm_lines &lines,
                   Write write) {
     char line[PM_LINE_SIZE];
     for (std::uint32_t begin = 0; begin < values.count; begin += per_line) {
@@ -51,7 +51,7 @@ void print_packed(const parcel_array<Value> &values, std::uint32_t per_line, con
             write(writer, values.elements[i]);
         }
         *writer.cursor() = '\0';
-        pm_print_label_str(width, indent, begin == 0 ? label : "", line);
+        lines.text(begin == 0 ? label : "", line);
     }
 }
 
@@ -71,12 +71,13 @@ void pm_show_segments(const parcel_array<pm_segment_parcel> &segments, const pm_
 }
 
 void pm_show_hops(const parcel_array<pm_record_address> &hops, int indent, int width) {
-    print_packed(hops, HOPS_PER_LINE, "Hops", indent, width, [](pm_text_writer &writer, const pm_record_address &hop) {
-        pm_format<"%s">(writer, inet_ntoa_r(first_four_bytes(hop)));
-    });
+    print_packed(hops, HOPS_PER_LINE, "Hops", {indent, width},
+                 [](pm_text_writer &writer, const pm_record_address &hop) {
+                     pm_format<"%s">(writer, inet_ntoa_r(first_four_bytes(hop)));
+                 });
 }
 
 void pm_show_labels(const parcel_array<std::uint32_t> &labels, int indent, int width) {
-    print_packed(labels, LABELS_PER_LINE, "Labels", indent, width,
+    print_packed(labels, LABELS_PER_LINE, "Labels", {indent, width},
                  [](pm_text_writer &writer, std::uint32_t label) { pm_format<"%u">(writer, label); });
 }

@@ -1,25 +1,28 @@
-// Lines that many blocks of a session share, each with its one wording. For the files of this folder.
+// Lines that many blocks of a session share, each with its one wording.
 #pragma once
 
 #include <cstdint>
 
+#include "pm_show_client/blocks/label_lines.h"
 #include "pm_show_client/blocks/lines.h"
+#include "pm_show_client/blocks/time_text.h"
+#include "pm_show_client/pm_show_clock.h"
+#include "schema/pm_records.h"
 
 namespace pm_session_lines {
 
 // Whether a text is absent or empty.
-inline bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
+[[nodiscard]] inline bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
 
-// A line of text, and one of a label and a text without a column.
-inline void print_text(int indent, const char *text) { pm_print_indented<"%s\n">(indent, text); }
-inline void print_labelled(int indent, const char *label, const char *text) {
-    pm_print_indented<"%s: %s\n">(indent, label, text);
-}
+inline void print_sentence(int indent, const char *sentence) { pm_print_indented<"%s\n">(indent, sentence); }
+
+// The lines of a session's identifiers.
+[[nodiscard]] constexpr pm_lines identity_lines(int indent) { return {indent, indent + 20}; }
 
 // "Advertised at: <time> (<age> seconds ago)". The time stamp is in milliseconds since the epoch.
-inline void print_since(int indent, const char *what, std::uint64_t timestamp_msec) {
+inline void print_since(int indent, const char *event, std::uint64_t timestamp_msec) {
     const pm_duration age = pm_age_of(timestamp_msec);
-    pm_print_indented<"%s at: %s (%u.%u seconds ago)\n">(indent, what, pm_time_str(timestamp_msec), age.seconds,
+    pm_print_indented<"%s at: %s (%u.%u seconds ago)\n">(indent, event, pm_time_str(timestamp_msec), age.seconds,
                                                          age.msec);
 }
 
@@ -37,9 +40,9 @@ inline void print_packets(int indent, std::uint32_t sent, std::uint32_t received
 inline constexpr char PROBE_WILL_START[] = "Probe will start in";
 inline constexpr char NEXT_PACKET[] = "Next packet will be sent in";
 
-inline void print_wait(int indent, const char *what, std::uint32_t remaining_msec) {
+inline void print_wait(int indent, const char *event, std::uint32_t remaining_msec) {
     const pm_duration wait = pm_duration_of(remaining_msec);
-    pm_print_indented<"%s %u.%u seconds\n">(indent, what, wait.seconds, wait.msec);
+    pm_print_indented<"%s %u.%u seconds\n">(indent, event, wait.seconds, wait.msec);
 }
 
 inline void print_next_probe(int indent, std::uint32_t remaining_msec) {
@@ -53,15 +56,6 @@ inline void print_packet_interval(int indent, std::uint32_t interval_usec, std::
     pm_print_indented<"Packet sent every %u.%u seconds %s\n">(
         indent, interval_usec / 1000000, interval_usec % 1000000,
         is_stretched != 0 ? "(value stretched for rate-limiting)" : "");
-}
-
-inline void print_liveness_detection(int indent, bool enabled) {
-    pm_print<"%*sLiveness Detection: %s\n">(indent, "", enabled ? "Enabled" : "Disabled");
-}
-
-// A number behind a label of 20 columns.
-inline void print_number(int indent, const char *label, std::uint32_t value) {
-    pm_print_indented<"%-20s: %u\n">(indent, label, value);
 }
 
 }  // namespace pm_session_lines

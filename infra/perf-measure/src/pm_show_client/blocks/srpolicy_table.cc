@@ -1,7 +1,8 @@
-// See srpolicy_table.h.
 #include "pm_show_client/blocks/srpolicy_table.h"
 
+#include "pm_show_client/blocks/lines.h"
 #include "pm_show_client/blocks/tables.h"
+#include "pm_show_client/blocks/time_text.h"
 #include "pm_utils/value_text.h"
 
 namespace {
@@ -46,7 +47,7 @@ void print_state(const pm_srpolicy_candidate_path_parcel &path) {
     }
 }
 
-// Prints the rows of a policy; `print_columns` prints the columns of one path behind those of both tables.
+// Prints the rows of a policy; `print_columns` prints the columns of one path after those of both tables.
 template <class PrintHeader, class PrintColumns>
 void print_rows(const pm_srpolicy_parcel &policy, PrintHeader print_header, PrintColumns print_columns) {
     pm_print_table_header(print_header);

@@ -1,7 +1,8 @@
-// See tables.h.
 #include "pm_show_client/blocks/tables.h"
 
+#include "base/pm_output.h"
 #include "pm_show_client/blocks/session_lines.h"
+#include "pm_show_client/blocks/time_text.h"
 #include "pm_utils/not_running_reason.h"
 
 namespace {

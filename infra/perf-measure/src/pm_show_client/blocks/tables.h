@@ -4,8 +4,9 @@
 
 #include <cstdint>
 
-#include "pm_show_client/blocks/lines.h"
-#include "pm_show_client/pm_show_options.h"
+#include "base/pm_output.h"
+#include "pm_show_client/pm_show_headers.h"
+#include "schema/pm_records.h"
 
 // Prints a table's column headers with `print_header` and the rule under them, once for each node.
 template <class PrintHeader>
@@ -17,10 +18,10 @@ void pm_print_table_header(PrintHeader print_header) {
     }
 }
 
-// In place of the columns behind the name.
+// In place of the columns after the name.
 void pm_print_no_session();
 
-// What stands in place of the columns of a probe that does not run, or not yet.
+// The text in place of the columns of a probe that does not run, or not yet.
 struct pm_idle_text {
     char text[64];
 };

@@ -65,7 +65,7 @@ errcode code_of_state(store::known_state state) {
 // How the store is asked for the items of a path.
 store::selection store_selection(const item_filter::selection &wanted, const item_filter::matcher &matcher) {
     store::selection which;
-    if (wanted.what != item_filter::family::everything) {
+    if (wanted.filter != nullptr) {
         which.predicate = &matcher;
         which.companion = item_filter::companions_of(wanted);
     }

@@ -1,4 +1,4 @@
-// See checksum.h. The algorithm is the library's; which of its forms runs depends on the machine.
+// The checksum by the form of the library's algorithm that this machine runs best.
 #include "platform/local/codec/checksum.h"
 
 #define XXH_INLINE_ALL

@@ -1,4 +1,4 @@
-// See checksum_avx2.h. This file alone is compiled for AVX2.
+// The checksum compiled for AVX2, which only this file is.
 #include "platform/local/codec/checksum_avx2.h"
 
 #define XXH_INLINE_ALL

@@ -1,7 +1,6 @@
-// The codec's entry points: headers, plans and registration. See parcel_codec.h.
+// The codec's entry points: parcels with their headers, and the plans made so far.
 #include "platform/local/codec/parcel_codec.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -14,23 +13,20 @@
 
 namespace {
 
-using parcel_plan::plan;
+using parcel_plan::record_plan;
 using parcel_wire::load;
+using parcel_wire::put;
 using parcel_wire::read_varint;
-using parcel_wire::store;
 
 constexpr std::uint8_t MAGIC[4] = {'P', 'M', 'P', 1};  // the last byte is the version of the encoding
 constexpr std::size_t CHECKSUM_AT = sizeof MAGIC;
 constexpr std::size_t FINGERPRINT_AT = CHECKSUM_AT + sizeof(std::uint64_t);
 constexpr std::size_t VERSION_AT = FINGERPRINT_AT + sizeof(std::uint64_t);
 
-// The process-wide state of the codec: plans made so far, registered types, where schemas come from.
+// The process-wide state of the codec: plans made so far, and where schemas come from.
 struct codec_state {
-    std::vector<std::unique_ptr<plan>> plans;
-    const plan *last = nullptr;
-    std::vector<const parcel_descriptor *> registered;
-    std::vector<const parcel_descriptor *> pending;
-    bool registering = false;
+    std::vector<std::unique_ptr<record_plan>> plans;
+    const record_plan *last = nullptr;
     parcel_schema_source source = nullptr;
 };
 
@@ -39,8 +35,8 @@ codec_state &state() {
     return the_state;
 }
 
-const plan *known_plan(const parcel_descriptor *descriptor, const std::uint64_t *fingerprint) {
-    const auto fits = [&](const plan &each) {
+const record_plan *known_plan(const parcel_descriptor *descriptor, const std::uint64_t *fingerprint) {
+    const auto fits = [&](const record_plan &each) {
         return each.descriptor == descriptor &&
                (fingerprint != nullptr ? each.fingerprint == *fingerprint : each.native);
     };
@@ -55,29 +51,29 @@ const plan *known_plan(const parcel_descriptor *descriptor, const std::uint64_t 
     return nullptr;
 }
 
-errcode make_plan(const parcel_descriptor *descriptor, std::string_view schema, const plan **out) {
-    auto next = std::make_unique<plan>();
-    const errcode failure = parcel_plan::compile(descriptor, schema, next.get());
-    if (failure == ERRCODE_SUCCESS) {
+errcode make_plan(const parcel_descriptor *descriptor, std::string_view schema, const record_plan **out) {
+    auto next = std::make_unique<record_plan>();
+    const errcode error = parcel_plan::compile(descriptor, schema, next.get());
+    if (error == ERRCODE_SUCCESS) {
         *out = state().last = next.get();
         state().plans.push_back(std::move(next));
     }
-    return failure;
+    return error;
 }
 
-errcode native_plan(const parcel_descriptor *descriptor, const plan **out) {
+errcode native_plan(const parcel_descriptor *descriptor, const record_plan **out) {
     *out = known_plan(descriptor, nullptr);
     return *out != nullptr ? ERRCODE_SUCCESS : make_plan(descriptor, descriptor->schema, out);
 }
 
 // The plan for records of a schema: the descriptor's own, or one that the schema source knows.
-errcode plan_for(const parcel_descriptor *descriptor, std::uint64_t fingerprint, const plan **out) {
+errcode plan_for(const parcel_descriptor *descriptor, std::uint64_t fingerprint, const record_plan **out) {
     *out = known_plan(descriptor, &fingerprint);
     if (*out != nullptr) {
         return ERRCODE_SUCCESS;
     }
-    if (const errcode failure = native_plan(descriptor, out); failure != ERRCODE_SUCCESS) {
-        return failure;
+    if (const errcode error = native_plan(descriptor, out); error != ERRCODE_SUCCESS) {
+        return error;
     }
     if ((*out)->fingerprint == fingerprint) {
         return ERRCODE_SUCCESS;
@@ -149,28 +145,28 @@ errcode parcel_decode(const void *data, std::uint32_t length, void *record, cons
         return ERRCODE_INVALID_ARGUMENT;
     }
     parcel_header header{};
-    if (const errcode failure = parcel_read_header(data, length, &header); failure != ERRCODE_SUCCESS) {
-        return failure;
+    if (const errcode error = parcel_read_header(data, length, &header); error != ERRCODE_SUCCESS) {
+        return error;
     }
     if (header.type != descriptor->name) {
         return PARCEL_OTHER_TYPE;
     }
-    const plan *plan = nullptr;
-    if (const errcode failure = plan_for(descriptor, header.fingerprint, &plan); failure != ERRCODE_SUCCESS) {
-        return failure;
+    const record_plan *plan = nullptr;
+    if (const errcode error = plan_for(descriptor, header.fingerprint, &plan); error != ERRCODE_SUCCESS) {
+        return error;
     }
     const auto *bytes = static_cast<const std::uint8_t *>(data);
     const std::size_t growth = plan->native ? PARCEL_GROWTH : PARCEL_GROWTH_CONVERTED;
-    const errcode failure = parcel_decode_fields(*plan, bytes + header.size, bytes + length, growth * length,
-                                                 static_cast<std::uint8_t *>(record));
-    if (failure != ERRCODE_SUCCESS) {
+    const errcode error = parcel_decode_fields(*plan, bytes + header.size, bytes + length, growth * length,
+                                               static_cast<std::uint8_t *>(record));
+    if (error != ERRCODE_SUCCESS) {
         std::memset(record, 0, descriptor->layout[0].size);
     }
-    return failure;
+    return error;
 }
 
 void parcel_free_indirections(void *record, const parcel_descriptor *descriptor) {
-    const plan *plan = nullptr;
+    const record_plan *plan = nullptr;
     if (record == nullptr || descriptor == nullptr || native_plan(descriptor, &plan) != ERRCODE_SUCCESS) {
         return;
     }
@@ -182,22 +178,22 @@ errcode parcel_encode(const void *record, const parcel_descriptor *descriptor, s
     if (record == nullptr || descriptor == nullptr || out == nullptr) {
         return ERRCODE_INVALID_ARGUMENT;
     }
-    const plan *plan = nullptr;
-    if (const errcode failure = native_plan(descriptor, &plan); failure != ERRCODE_SUCCESS) {
-        return failure;
+    const record_plan *plan = nullptr;
+    if (const errcode error = native_plan(descriptor, &plan); error != ERRCODE_SUCCESS) {
+        return error;
     }
     const std::size_t begin = out->size();
     append_header(descriptor, plan->fingerprint, out);
-    errcode failure = parcel_encode_fields(*plan, static_cast<const std::uint8_t *>(record), out);
+    errcode error = parcel_encode_fields(*plan, static_cast<const std::uint8_t *>(record), out);
     const std::size_t length = out->size() - begin;
-    if (failure == ERRCODE_SUCCESS && length > 0xFFFFFFFF) {
-        failure = ERRCODE_RANGE;
+    if (error == ERRCODE_SUCCESS && length > 0xFFFFFFFF) {
+        error = ERRCODE_RANGE;
     }
-    if (failure != ERRCODE_SUCCESS) {
+    if (error != ERRCODE_SUCCESS) {
         out->resize(begin);
-        return failure;
+        return error;
     }
-    store(out->data() + begin + CHECKSUM_AT, checksum_of(out->data() + begin, length));
+    put(out->data() + begin + CHECKSUM_AT, checksum_of(out->data() + begin, length));
     return ERRCODE_SUCCESS;
 }
 
@@ -207,41 +203,7 @@ std::uint64_t parcel_fingerprint(const parcel_descriptor *descriptor) {
 
 void parcel_set_schema_source(parcel_schema_source source) { state().source = source; }
 
-errcode parcel_register_start() {
-    if (state().registering) {
-        return ERRCODE_INVALID_ARGUMENT;
-    }
-    state().registering = true;
-    return ERRCODE_SUCCESS;
-}
-
-errcode parcel_register(const parcel_descriptor *descriptor) {
-    const plan *plan = nullptr;
-    if (!state().registering || descriptor == nullptr) {
-        return ERRCODE_INVALID_ARGUMENT;
-    }
-    if (const errcode failure = native_plan(descriptor, &plan); failure != ERRCODE_SUCCESS) {
-        return failure;
-    }
-    state().pending.push_back(descriptor);
-    return ERRCODE_SUCCESS;
-}
-
-errcode parcel_register_end() {
-    if (!state().registering) {
-        return ERRCODE_INVALID_ARGUMENT;
-    }
-    state().registered.insert(state().registered.end(), state().pending.begin(), state().pending.end());
-    parcel_register_abort();
-    return ERRCODE_SUCCESS;
-}
-
-void parcel_register_abort() {
-    state().pending.clear();
-    state().registering = false;
-}
-
-bool parcel_registered(std::string_view name) {
-    return std::any_of(state().registered.begin(), state().registered.end(),
-                       [&](const parcel_descriptor *each) { return name == each->name; });
+errcode parcel_prepare(const parcel_descriptor *descriptor) {
+    const record_plan *plan = nullptr;
+    return native_plan(descriptor, &plan);
 }

@@ -1,5 +1,5 @@
 // The local platform's parcel codec beyond platform/parcel.h: encoding, for the serving side, and
-// the schemas of records that were written by another version. docs/parcel-encoding.md states the
+// the schemas of records that were written by another version. docs/parcel-encoding.md gives the
 // wire form.
 #pragma once
 
@@ -45,5 +45,8 @@ struct parcel_header {
 using parcel_schema_source = bool (*)(std::uint64_t fingerprint, std::string *schema);
 void parcel_set_schema_source(parcel_schema_source source);
 
-// Whether a type is registered (see parcel_register).
-[[nodiscard]] bool parcel_registered(std::string_view name);
+// Makes what decoding and encoding of a type need, ahead of its first record. PARCEL_BAD_DESCRIPTOR.
+[[nodiscard]] errcode parcel_prepare(const parcel_descriptor *descriptor);
+
+// The registered type of that name (see parcel_register); null when there is none.
+[[nodiscard]] const parcel_descriptor *parcel_registered(std::string_view name);

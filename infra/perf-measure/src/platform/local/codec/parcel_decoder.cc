@@ -1,4 +1,4 @@
-// See parcel_decoder.h.
+// The decoder: a walk over the steps of a plan, from the bytes of a parcel into a structure.
 #include "platform/local/codec/parcel_decoder.h"
 
 #include <algorithm>
@@ -10,16 +10,16 @@
 
 namespace {
 
-using parcel_plan::arm;
-using parcel_plan::plan;
-using parcel_plan::program;
-using parcel_plan::step;
+using parcel_plan::plan_arm;
+using parcel_plan::plan_program;
+using parcel_plan::plan_step;
+using parcel_plan::record_plan;
 using parcel_plan::step_kind;
 using parcel_wire::find_arm;
 using parcel_wire::generic_array;
 using parcel_wire::load;
+using parcel_wire::put;
 using parcel_wire::read_varint;
-using parcel_wire::store;
 
 // Small copies without a call.
 inline void copy_bytes(std::uint8_t *to, const std::uint8_t *from, std::size_t length) {
@@ -34,7 +34,7 @@ inline void copy_bytes(std::uint8_t *to, const std::uint8_t *from, std::size_t l
     }
 }
 
-// The one block that holds all indirections of a record. Its first allocation stands at its start,
+// The one block that holds all indirections of a record. Its first allocation is at its start,
 // which is how the block is found again when it is to be freed.
 class arena {
 public:
@@ -67,13 +67,13 @@ private:
     bool out_of_memory_ = false;
 };
 
-// Where reading stands, or null once it has failed. It is handed from step to step rather than kept in
+// What is to be read next, or null once reading has failed. It is handed from step to step rather than kept in
 // the decoder, so that it stays in a register between the stores into the record.
 using position = const std::uint8_t *;
 
 class decoder {
 public:
-    decoder(const plan &plan, position end, std::size_t limit)
+    decoder(const record_plan &plan, position end, std::size_t limit)
         : plan_(plan), programs_(plan.programs.data()), end_(end), arena_(limit) {}
 
     errcode run(position begin, std::uint8_t *record) {
@@ -87,8 +87,9 @@ public:
 private:
     [[nodiscard]] std::size_t left(position at) const { return static_cast<std::size_t>(end_ - at); }
 
-    // Decodes `count` values of `size` bytes each, one behind the other.
-    position decode(const program &program, position at, std::uint8_t *record, std::uint32_t count, std::size_t size) {
+    // Decodes `count` values of `size` bytes each, one after the other.
+    position decode(const plan_program &program, position at, std::uint8_t *record, std::uint32_t count,
+                    std::size_t size) {
         if (++depth_ > PARCEL_MAX_DEPTH) {
             return nullptr;
         }
@@ -99,9 +100,9 @@ private:
         return at;
     }
 
-    position decode_one(const program &program, position at, std::uint8_t *record) {
+    position decode_one(const plan_program &program, position at, std::uint8_t *record) {
         const position end = end_;
-        for (const step &step : plan_.steps_of(program)) {
+        for (const plan_step &step : plan_.steps_of(program)) {
             std::uint8_t *to = record + step.offset;
             switch (step.kind) {
             case step_kind::copy:
@@ -120,8 +121,14 @@ private:
                 }
                 at = decode_indirection(step, at, to);
                 break;
-            case step_kind::choice: at = decode_choice(step, at, to, record); break;
+            case step_kind::tagged_union: at = decode_union(step, at, to, record); break;
             case step_kind::fixed_array: at = decode_elements(step, at, to, step.count); break;
+            case step_kind::pass:
+                if (step.count > static_cast<std::size_t>(end - at)) {
+                    return nullptr;
+                }
+                at += step.count;
+                continue;
             case step_kind::skip: at = skip(programs_[step.program], at); break;
             }
             if (at == nullptr) {
@@ -131,7 +138,7 @@ private:
         return at;
     }
 
-    position decode_indirection(const step &step, position at, std::uint8_t *to) {
+    position decode_indirection(const plan_step &step, position at, std::uint8_t *to) {
         switch (step.kind) {
         case step_kind::text: return decode_text(at, to);
         case step_kind::optional: return decode_optional(step, at, to);
@@ -152,11 +159,11 @@ private:
         }
         std::memcpy(text, at, length);
         text[length] = '\0';
-        store(to, text);
+        put(to, text);
         return at + length;
     }
 
-    position decode_optional(const step &step, position at, std::uint8_t *to) {
+    position decode_optional(const plan_step &step, position at, std::uint8_t *to) {
         if (at == end_ || *at != 1) {
             return nullptr;
         }
@@ -164,11 +171,11 @@ private:
         if (value == nullptr) {
             return nullptr;
         }
-        store(to, value);
+        put(to, value);
         return decode_elements(step, at + 1, value, 1);
     }
 
-    position decode_array(const step &step, position at, std::uint8_t *to) {
+    position decode_array(const plan_step &step, position at, std::uint8_t *to) {
         std::uint32_t count = 0;
         at = read_varint(at, end_, &count);
         if (at == nullptr || count == 0) {
@@ -182,12 +189,12 @@ private:
         if (elements == nullptr) {
             return nullptr;
         }
-        store(to, generic_array{count, elements});
+        put(to, generic_array{count, elements});
         return decode_elements(step, at, elements, count);
     }
 
-    position decode_elements(const step &step, position at, std::uint8_t *elements, std::uint32_t count) {
-        const program &element = programs_[step.program];
+    position decode_elements(const plan_step &step, position at, std::uint8_t *elements, std::uint32_t count) {
+        const plan_program &element = programs_[step.program];
         const std::size_t size = std::size_t{count} * step.size;
         if (element.flat != 0) {
             if (size > left(at)) {
@@ -200,18 +207,18 @@ private:
         return decode(element, at, elements, count, step.size);
     }
 
-    position decode_choice(const step &step, position at, std::uint8_t *to, std::uint8_t *record) {
+    position decode_union(const plan_step &step, position at, std::uint8_t *to, std::uint8_t *record) {
         if (left(at) < sizeof(std::uint32_t)) {
             return nullptr;
         }
         const auto value = load<std::uint32_t>(at);
-        store(to, value);
+        put(to, value);
         at += sizeof value;
-        const arm *chosen = find_arm(plan_, step, value);
+        const plan_arm *chosen = find_arm(plan_, step, value);
         if (chosen == nullptr || chosen->program == parcel_plan::NO_PROGRAM) {
             return at;
         }
-        const program &content = programs_[chosen->program];
+        const plan_program &content = programs_[chosen->program];
         if (!chosen->known) {
             return skip(content, at);
         }
@@ -226,11 +233,11 @@ private:
     }
 
     // Passes over a value that the reader does not know.
-    position skip(const program &program, position at) {
+    position skip(const plan_program &program, position at) {
         if (++depth_ > PARCEL_MAX_DEPTH) {
             return nullptr;
         }
-        for (const step &step : plan_.steps_of(program)) {
+        for (const plan_step &step : plan_.steps_of(program)) {
             at = skip(step, at);
             if (at == nullptr) {
                 return nullptr;
@@ -240,17 +247,18 @@ private:
         return at;
     }
 
-    position skip(const step &step, position at) {
+    position skip(const plan_step &step, position at) {
         std::uint32_t count = step.count;
         switch (step.kind) {
-        case step_kind::copy: return count <= left(at) ? at + count : nullptr;
+        case step_kind::copy:
+        case step_kind::pass: return count <= left(at) ? at + count : nullptr;
         case step_kind::text:
             at = read_varint(at, end_, &count);
             if (at == nullptr || count == 0) {
                 return at;
             }
             return count - 1 <= left(at) ? at + (count - 1) : nullptr;
-        case step_kind::choice: return skip_choice(step, at);
+        case step_kind::tagged_union: return skip_union(step, at);
         case step_kind::optional:
         case step_kind::array:
             at = read_varint(at, end_, &count);
@@ -261,24 +269,32 @@ private:
         case step_kind::fixed_array: break;
         case step_kind::skip: count = 1; break;
         }
+        return at != nullptr ? skip_values(programs_[step.program], at, count) : nullptr;
+    }
+
+    position skip_values(const plan_program &program, position at, std::uint32_t count) {
+        if (program.flat != 0) {
+            const std::uint64_t size = std::uint64_t{count} * program.flat;
+            return size <= left(at) ? at + size : nullptr;
+        }
         for (; count > 0 && at != nullptr; --count) {
-            at = skip(programs_[step.program], at);
+            at = skip(program, at);
         }
         return at;
     }
 
-    position skip_choice(const step &step, position at) {
+    position skip_union(const plan_step &step, position at) {
         if (left(at) < sizeof(std::uint32_t)) {
             return nullptr;
         }
-        const arm *chosen = find_arm(plan_, step, load<std::uint32_t>(at));
+        const plan_arm *chosen = find_arm(plan_, step, load<std::uint32_t>(at));
         at += sizeof(std::uint32_t);
         return chosen == nullptr || chosen->program == parcel_plan::NO_PROGRAM ? at
                                                                                : skip(programs_[chosen->program], at);
     }
 
-    const plan &plan_;
-    const program *programs_;
+    const record_plan &plan_;
+    const plan_program *programs_;
     position end_;
     arena arena_;
     std::uint32_t depth_ = 0;
@@ -287,13 +303,13 @@ private:
 // The lowest address that a structure points to from inside itself: the start of the arena, whose
 // first allocation always belongs to the record and not to something that hangs off it.
 template <class Steps>
-void lowest_pointer(const plan &plan, const Steps &steps, const std::uint8_t *record, std::uint8_t **lowest) {
+void lowest_pointer(const record_plan &plan, const Steps &steps, const std::uint8_t *record, std::uint8_t **lowest) {
     const auto consider = [&](std::uint8_t *pointer) {
         if (pointer != nullptr && (*lowest == nullptr || pointer < *lowest)) {
             *lowest = pointer;
         }
     };
-    for (const step &step : steps) {
+    for (const plan_step &step : steps) {
         const std::uint8_t *at = record + step.offset;
         switch (step.kind) {
         case step_kind::text:
@@ -305,8 +321,8 @@ void lowest_pointer(const plan &plan, const Steps &steps, const std::uint8_t *re
                                lowest);
             }
             break;
-        case step_kind::choice:
-            if (const arm *chosen = find_arm(plan, step, load<std::uint32_t>(at));
+        case step_kind::tagged_union:
+            if (const plan_arm *chosen = find_arm(plan, step, load<std::uint32_t>(at));
                 chosen != nullptr && chosen->program != parcel_plan::NO_PROGRAM && chosen->known) {
                 lowest_pointer(plan, plan.steps_of(plan.programs[chosen->program]), record + chosen->offset, lowest);
             }
@@ -318,12 +334,12 @@ void lowest_pointer(const plan &plan, const Steps &steps, const std::uint8_t *re
 
 }  // namespace
 
-errcode parcel_decode_fields(const plan &plan, const std::uint8_t *begin, const std::uint8_t *end, std::size_t limit,
-                             std::uint8_t *record) {
+errcode parcel_decode_fields(const record_plan &plan, const std::uint8_t *begin, const std::uint8_t *end,
+                             std::size_t limit, std::uint8_t *record) {
     return decoder(plan, end, limit).run(begin, record);
 }
 
-void *parcel_indirections(const plan &plan, const std::uint8_t *record) {
+void *parcel_indirections(const record_plan &plan, const std::uint8_t *record) {
     std::uint8_t *lowest = nullptr;
     lowest_pointer(plan, plan.owners, record, &lowest);
     return lowest;

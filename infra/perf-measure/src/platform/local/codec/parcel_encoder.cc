@@ -1,4 +1,4 @@
-// See parcel_encoder.h.
+// The encoder: a walk over the steps of a plan, from a structure to the bytes of a parcel.
 #include "platform/local/codec/parcel_encoder.h"
 
 #include <cstring>
@@ -8,10 +8,10 @@
 
 namespace {
 
-using parcel_plan::arm;
-using parcel_plan::plan;
-using parcel_plan::program;
-using parcel_plan::step;
+using parcel_plan::plan_arm;
+using parcel_plan::plan_program;
+using parcel_plan::plan_step;
+using parcel_plan::record_plan;
 using parcel_plan::step_kind;
 using parcel_wire::find_arm;
 using parcel_wire::generic_array;
@@ -19,15 +19,15 @@ using parcel_wire::load;
 
 class encoder {
 public:
-    encoder(const plan &plan, std::vector<std::uint8_t> *out) : plan_(plan), out_(out) {}
+    encoder(const record_plan &plan, std::vector<std::uint8_t> *out) : plan_(plan), out_(out) {}
 
-    errcode encode(const program &program, const std::uint8_t *record) {
+    errcode encode(const plan_program &program, const std::uint8_t *record) {
         if (++depth_ > PARCEL_MAX_DEPTH) {
             return ERRCODE_RANGE;
         }
-        for (const step &step : plan_.steps_of(program)) {
-            if (const errcode failure = encode(step, record); failure != ERRCODE_SUCCESS) {
-                return failure;
+        for (const plan_step &step : plan_.steps_of(program)) {
+            if (const errcode error = encode(step, record); error != ERRCODE_SUCCESS) {
+                return error;
             }
         }
         --depth_;
@@ -40,7 +40,7 @@ private:
         out_->insert(out_->end(), from, from + length);
     }
 
-    errcode encode(const step &step, const std::uint8_t *record) {
+    errcode encode(const plan_step &step, const std::uint8_t *record) {
         const std::uint8_t *from = record + step.offset;
         switch (step.kind) {
         case step_kind::copy: append(from, step.count); return ERRCODE_SUCCESS;
@@ -59,13 +59,14 @@ private:
             return encode_elements(step, array.elements, array.count);
         }
         case step_kind::fixed_array: return encode_elements(step, from, step.count);
-        case step_kind::choice: {
+        case step_kind::tagged_union: {
             append(from, sizeof(std::uint32_t));
-            const arm *chosen = find_arm(plan_, step, load<std::uint32_t>(from));
+            const plan_arm *chosen = find_arm(plan_, step, load<std::uint32_t>(from));
             return chosen == nullptr || chosen->program == parcel_plan::NO_PROGRAM
                        ? ERRCODE_SUCCESS
                        : encode(plan_.programs[chosen->program], record + chosen->offset);
         }
+        case step_kind::pass:
         case step_kind::skip: break;  // only in plans that convert
         }
         return ERRCODE_INVALID_ARGUMENT;
@@ -85,29 +86,29 @@ private:
         return ERRCODE_SUCCESS;
     }
 
-    errcode encode_elements(const step &step, const std::uint8_t *elements, std::uint32_t count) {
-        const program &element = plan_.programs[step.program];
+    errcode encode_elements(const plan_step &step, const std::uint8_t *elements, std::uint32_t count) {
+        const plan_program &element = plan_.programs[step.program];
         if (element.flat != 0) {
             append(elements, std::size_t{count} * step.size);
             return ERRCODE_SUCCESS;
         }
         for (std::uint32_t i = 0; i < count; ++i) {
-            if (const errcode failure = encode(element, elements + std::size_t{i} * step.size);
-                failure != ERRCODE_SUCCESS) {
-                return failure;
+            if (const errcode error = encode(element, elements + std::size_t{i} * step.size);
+                error != ERRCODE_SUCCESS) {
+                return error;
             }
         }
         return ERRCODE_SUCCESS;
     }
 
-    const plan &plan_;
+    const record_plan &plan_;
     std::vector<std::uint8_t> *out_;
     std::uint32_t depth_ = 0;
 };
 
 }  // namespace
 
-errcode parcel_encode_fields(const plan &plan, const std::uint8_t *record, std::vector<std::uint8_t> *out) {
+errcode parcel_encode_fields(const record_plan &plan, const std::uint8_t *record, std::vector<std::uint8_t> *out) {
     return encoder(plan, out).encode(plan.programs[0], record);
 }
 

@@ -1,7 +1,9 @@
-// A recursive-descent parser of the schema notation. See parcel_notation.h.
+// A recursive-descent parser of the schema notation, and look-ups in what it gives.
 #include "platform/local/codec/parcel_notation.h"
 
+#include <algorithm>
 #include <charconv>
+#include <string>
 #include <unordered_map>
 
 namespace parcel_notation {
@@ -16,26 +18,29 @@ class parser {
 public:
     parser(std::string_view text, schema *out) : text_(text), out_(out) {}
 
-    bool run(std::string *error) {
-        while (error_.empty() && at_ < text_.size()) {
+    pm_error run() {
+        while (!error_ && at_ < text_.size()) {
             parse_definition();
         }
-        if (error_.empty() && out_->definitions.empty()) {
+        if (!error_ && out_->definitions.empty()) {
             fail("no definition");
         }
-        if (error_.empty()) {
+        if (!error_) {
+            index_definitions();
+        }
+        if (!error_) {
             resolve_references();
         }
-        if (!error_.empty() && error != nullptr) {
-            *error = error_;
-        }
-        return error_.empty();
+        return error_;
     }
 
 private:
-    void fail(std::string_view what) {
-        if (error_.empty()) {
-            error_ = std::string(what) + " at byte " + std::to_string(at_);
+    void fail(std::string_view what) { refuse(std::string(what) + " at byte " + std::to_string(at_)); }
+
+    // The first error stays.
+    void refuse(std::string what) {
+        if (!error_) {
+            error_ = pm_error(std::move(what));
         }
     }
 
@@ -58,8 +63,8 @@ private:
     std::uint32_t parse_number() {
         std::uint32_t value = 0;
         const char *begin = text_.data() + at_;
-        const auto [end, failure] = std::from_chars(begin, text_.data() + text_.size(), value);
-        if (failure != std::errc{}) {
+        const auto [end, error] = std::from_chars(begin, text_.data() + text_.size(), value);
+        if (error != std::errc{}) {
             fail("expected a number");
             return 0;
         }
@@ -79,218 +84,224 @@ private:
         return name;
     }
 
-    type_index add(const type &type) {
-        out_->types.push_back(type);
-        return static_cast<type_index>(out_->types.size() - 1);
-    }
-
-    type_index parse_type(std::size_t nesting = 0) {
-        type result;
+    // Null once an error is known.
+    data_type *parse_type(std::size_t nesting = 0) {
         if (nesting > MAX_NESTING) {
             fail("nested too deeply");
-            return 0;
+            return nullptr;
         }
         if (at_ >= text_.size()) {
             fail("expected a type");
-            return 0;
+            return nullptr;
         }
-        const char letter = text_[at_];
-        if (letter >= '0' && letter <= '9') {
-            return parse_counted(nesting);
+        const std::size_t begin = at_;
+        data_type result;
+        if (text_[at_] >= '0' && text_[at_] <= '9') {
+            parse_counted(nesting, &result);
+        } else if (text_[at_] == '$') {
+            ++at_;
+            result.number = parse_number();
+        } else {
+            parse_letter(nesting, &result);
         }
-        ++at_;
+        if (error_) {
+            return nullptr;
+        }
+        result.notation = text_.substr(begin, at_ - begin);
+        std::deque<data_type> &to = text_[begin] == '$' ? references_ : out_->types;
+        return &to.emplace_back(std::move(result));
+    }
+
+    void parse_letter(std::size_t nesting, data_type *into) {
+        const auto sized = [&](kind what, std::uint32_t size) {
+            into->what = what;
+            into->size = size;
+        };
+        const char letter = text_[at_++];
         switch (letter) {
         case 'D':
-            result.what = kind::u32;
-            result.format = accept("%h") ? 'h' : '\0';
+            sized(kind::u32, 4);
+            accept("%h");
             break;
-        case 'H': result.what = kind::u64; break;
-        case 'I': result.what = kind::u16; break;
-        case 'C': result.what = kind::u8; break;
-        case 'c': result.what = kind::opaque; break;
-        case 'b': result.what = kind::boolean; break;
-        case 's': result.what = kind::text; break;
-        case 'N': result.what = kind::ipv4; break;
+        case 'H': sized(kind::u64, 8); break;
+        case 'I': sized(kind::u16, 2); break;
+        case 'C': sized(kind::u8, 1); break;
+        case 'c': sized(kind::opaque, 1); break;
+        case 'b': sized(kind::boolean, 4); break;
+        case 's': sized(kind::text, sizeof(char *)); break;
+        case 'N': sized(kind::ipv4, 4); break;
         case '[':
-            result.what = kind::enumeration;
-            result.name = parse_name(']');
+            sized(kind::enumeration, 4);
+            into->name = parse_name(']');
             expect("e");
-            break;
-        case '$':
-            result.what = kind::reference;
-            result.number = parse_number();
             break;
         case 'p':
         case 'a':
-            result.what = letter == 'p' ? kind::optional : kind::array;
+            letter == 'p' ? sized(kind::optional, sizeof(void *)) : sized(kind::array, sizeof(parcel_array<char>));
             expect("(");
-            result.element = parse_type(nesting + 1);
+            into->element = parse_type(nesting + 1);
             expect(")");
             break;
         default: --at_; fail("unknown type");
         }
-        return add(result);
     }
 
     // "nx%f" or "nA(T)"
-    type_index parse_counted(std::size_t nesting) {
-        type result;
-        result.count = parse_number();
-        if (result.count == 0 || result.count > MAX_COUNT) {
+    void parse_counted(std::size_t nesting, data_type *into) {
+        into->count = parse_number();
+        if (into->count == 0 || into->count > MAX_COUNT) {
             fail("count out of range");
-            return 0;
+            return;
         }
-        if (accept("x%")) {
-            result.what = kind::bytes;
-            if (at_ >= text_.size() || (text_[at_] != 's' && text_[at_] != 'm')) {
-                fail("unknown format of bytes");
-                return 0;
-            }
-            result.format = text_[at_++];
-            if (result.count != (result.format == 's' ? 16U : 6U)) {
-                fail("the format does not fit the number of bytes");
-            }
-        } else {
-            result.what = kind::fixed_array;
+        if (!accept("x%")) {
+            into->what = kind::fixed_array;
             expect("A(");
-            result.element = parse_type(nesting + 1);
+            into->element = parse_type(nesting + 1);
             expect(")");
+            return;
         }
-        return add(result);
+        if (!looking_at("s") && !looking_at("m")) {
+            fail("unknown format of bytes");
+            return;
+        }
+        into->what = kind::bytes;
+        into->format = text_[at_++];
+        into->size = into->count;
+        if (into->count != (into->format == 's' ? sizeof(parcel_ipv6) : sizeof(parcel_mac))) {
+            fail("the format does not fit the number of bytes");
+        }
     }
 
-    void parse_union(definition *into) {
-        into->what = form::choice;
+    // "{Name}T", with or without a mark.
+    void parse_field(field *into) {
+        expect("{");
+        into->name = parse_name('}');
+        into->marked = accept("P");
+        into->type = parse_type();
+    }
+
+    void parse_fields(data_type *into) {
+        into->what = kind::record;
+        while (!error_ && looking_at("{")) {
+            parse_field(&into->fields.emplace_back());
+        }
+    }
+
+    void parse_arms(data_type *into) {
+        into->what = kind::tagged_union;
         expect("<");
         into->discriminator = parse_name(',');
         into->discriminator_type = parse_name('>');
-        while (error_.empty() && !accept(")")) {
+        while (!error_ && !accept(")")) {
             expect(",");
             if (accept("?:v")) {  // every value not listed: what an unlisted value means anyway
+                into->catch_all = true;
                 continue;
             }
             field arm;
             arm.value = parse_number();
             expect(":");
-            if (accept("v")) {
-                arm.empty = true;
-            } else {
-                expect("{");
-                arm.name = parse_name('}');
-                arm.marked = accept("P");
-                arm.type = parse_type();
+            if (!accept("v")) {
+                parse_field(&arm);
             }
             into->fields.push_back(arm);
         }
     }
 
     void parse_definition() {
-        definition next;
+        const std::size_t begin = at_;
         expect("$");
-        next.number = parse_number();
+        const std::uint32_t number = parse_number();
+        const std::string_view notation = text_.substr(begin, at_ - begin);
         expect("=");
+        data_type *next = nullptr;
         if (accept("?(")) {
-            parse_union(&next);
+            next = &out_->types.emplace_back();
+            parse_arms(next);
+            next->notation = notation;
         } else if (looking_at("{") || looking_at(";")) {
-            while (error_.empty() && accept("{")) {
-                field member;
-                member.name = parse_name('}');
-                member.marked = accept("P");
-                member.type = parse_type();
-                next.fields.push_back(member);
-            }
+            next = &out_->types.emplace_back();
+            parse_fields(next);
+            next->notation = notation;
+        } else if (looking_at("$")) {
+            fail("expected a definition");
         } else {
-            next.what = form::scalar;
-            next.scalar = parse_type();
+            next = parse_type();  // a scalar
         }
         expect(";");
         if (out_->definitions.size() >= MAX_DEFINITIONS) {
             fail("too many definitions");
         }
-        out_->definitions.push_back(std::move(next));
+        if (next != nullptr) {
+            next->number = number;
+            out_->definitions.push_back(next);
+        }
     }
 
+    // Every number is defined once, as a record, a union or a scalar.
+    void index_definitions() {
+        for (data_type *each : out_->definitions) {
+            const std::string number = "$" + std::to_string(each->number);
+            if (!by_number_.emplace(each->number, each).second) {
+                refuse(number + " is defined twice");
+            } else if (!is_scalar(each->what) && each->what != kind::record && each->what != kind::tagged_union) {
+                refuse(number + " is neither a record, a union nor a scalar");
+            }
+        }
+    }
+
+    // A reference is a type that stays out of the schema: what points to it is to point to its element.
     void resolve_references() {
-        std::unordered_map<std::uint32_t, definition_index> by_number;
-        for (const definition &each : out_->definitions) {
-            if (!by_number.emplace(each.number, static_cast<definition_index>(&each - out_->definitions.data()))
-                     .second) {
-                error_ = "$" + std::to_string(each.number) + " is defined twice";
+        for (data_type &each : references_) {
+            const auto found = by_number_.find(each.number);
+            if (found == by_number_.end()) {
+                refuse("$" + std::to_string(each.number) + " is not defined");
                 return;
             }
-            if (each.what == form::scalar && scalar_size(out_->types[each.scalar]) == 0) {
-                error_ = "$" + std::to_string(each.number) + " is neither a record, a union nor a scalar";
-                return;
+            each.element = found->second;
+            if (is_scalar(each.element->what)) {  // a type of its own, for its notation
+                each.element = &out_->types.emplace_back(*found->second);
+                each.element->notation = each.notation;
             }
         }
-        for (type &each : out_->types) {
-            if (each.what != kind::reference) {
-                continue;
+        for (data_type &each : out_->types) {
+            each.element = target(each.element);
+            for (field &member : each.fields) {
+                member.type = target(member.type);
             }
-            const auto found = by_number.find(each.number);
-            if (found == by_number.end()) {
-                error_ = "$" + std::to_string(each.number) + " is not defined";
-                return;
-            }
-            each.definition = found->second;
         }
+    }
+
+    // What a type is, if it is a reference; else itself.
+    static data_type *target(data_type *each) {
+        return each != nullptr && each->element != nullptr && each->notation.front() == '$' ? each->element : each;
     }
 
     std::string_view text_;
     schema *out_;
     std::size_t at_ = 0;
-    std::string error_;
+    std::deque<data_type> references_;
+    std::unordered_map<std::uint32_t, data_type *> by_number_;
+    pm_error error_;
 };
 
 }  // namespace
 
-bool parse(std::string_view text, schema *out, std::string *error) { return parser(text, out).run(error); }
+pm_error parse(std::string_view text, schema *out) { return parser(text, out).run(); }
 
-const type &resolve(const schema &schema, type_index index) {
-    const type &named = schema.types[index];
-    if (named.what == kind::reference) {
-        const definition &target = schema.definitions[named.definition];
-        if (target.what == form::scalar) {
-            return schema.types[target.scalar];
+const field *data_type::arm_of(std::uint32_t value) const {
+    const auto found = std::find_if(fields.begin(), fields.end(), [&](const field &arm) { return arm.value == value; });
+    return found != fields.end() ? &*found : nullptr;
+}
+
+const field *data_type::find(std::string_view wanted, std::size_t from) const {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const field &each = fields[(from + i) % fields.size()];
+        if (each.name == wanted) {
+            return &each;
         }
     }
-    return named;
-}
-
-std::uint32_t scalar_size(const type &type) {
-    switch (type.what) {
-    case kind::u32:
-    case kind::boolean:
-    case kind::ipv4:
-    case kind::enumeration: return 4;
-    case kind::u64: return 8;
-    case kind::u16: return 2;
-    case kind::u8:
-    case kind::opaque: return 1;
-    case kind::bytes: return type.count;
-    default: return 0;
-    }
-}
-
-std::string notation(const schema &schema, type_index index) {
-    const type &type = schema.types[index];
-    switch (type.what) {
-    case kind::u32: return type.format == 'h' ? "D%h" : "D";
-    case kind::u64: return "H";
-    case kind::u16: return "I";
-    case kind::u8: return "C";
-    case kind::opaque: return "c";
-    case kind::boolean: return "b";
-    case kind::text: return "s";
-    case kind::ipv4: return "N";
-    case kind::enumeration: return "[" + std::string(type.name) + "]e";
-    case kind::bytes: return std::to_string(type.count) + "x%" + type.format;
-    case kind::reference: return "$" + std::to_string(type.number);
-    case kind::optional: return "p(" + notation(schema, type.element) + ")";
-    case kind::array: return "a(" + notation(schema, type.element) + ")";
-    case kind::fixed_array: return std::to_string(type.count) + "A(" + notation(schema, type.element) + ")";
-    }
-    return {};
+    return nullptr;
 }
 
 }  // namespace parcel_notation

@@ -1,4 +1,4 @@
-// Compiles decode plans. See parcel_plan.h.
+// Compiles decode plans from the descriptions of the two schemas.
 #include "platform/local/codec/parcel_plan.h"
 
 #include <algorithm>
@@ -12,39 +12,40 @@ namespace parcel_plan {
 
 namespace {
 
-using parcel_notation::definition;
-using parcel_notation::form;
+using parcel_notation::data_type;
+using parcel_notation::field;
+using parcel_notation::is_scalar;
 using parcel_notation::kind;
 using parcel_notation::schema;
-using parcel_notation::type;
-using parcel_notation::type_index;
 
-constexpr type_index NOT_READ = 0xFFFFFFFF;        // the reader does not know this part
-constexpr std::uint32_t MAX_FLATTENING = 64;       // of records that stand in one another by value
-constexpr std::size_t MAX_STEPS = 1U << 16;        // of a whole plan; a hostile schema could double without end
-constexpr std::uint64_t MAX_STRUCTURE = 1U << 24;  // bytes
+constexpr std::uint32_t MAX_FLATTENING = 64;    // of records that are in one another by value
+constexpr std::size_t MAX_STEPS = 1U << 16;     // of a whole plan; a hostile schema could double without end
+constexpr std::uint32_t MAX_PASSED = 1U << 24;  // bytes in one step
 
 // A program while it is made.
 struct draft {
-    std::vector<step> steps;
+    std::vector<plan_step> steps;
     std::uint32_t least_wire = 0;
 };
 
+// Works on pairs of types: the writer's, and the reader's or null for what the reader does not know.
 class compiler {
 public:
-    compiler(const parcel_descriptor *descriptor, const schema &reader, const schema &writer, plan *out)
-        : descriptor_(descriptor), reader_(reader), writer_(writer), plan_(out) {}
+    explicit compiler(record_plan *out) : plan_(out) {}
 
-    errcode run() {
-        if (reader_.definitions[0].what == form::scalar || writer_.definitions[0].what == form::scalar) {
+    errcode run(const data_type &writer, const data_type &reader) {
+        if (is_scalar(reader.what) || is_scalar(writer.what)) {
             return PARCEL_BAD_DESCRIPTOR;
         }
+        if (reader.what != writer.what) {
+            return PARCEL_SCHEMA_CHANGED;
+        }
         plan_->programs.emplace_back();
-        plan_->size = checked(descriptor_->layout[0].size);
+        plan_->size = reader.size;
         draft top;
-        add_definition(&top, 0, 0, 0, 0);
+        add_compound(&top, writer, &reader, 0, 0);
         finish(0, top);
-        for (const step &each : top.steps) {
+        for (const plan_step &each : top.steps) {
             if (error_ == ERRCODE_SUCCESS && may_own(each)) {
                 plan_->owners.push_back(each);
             }
@@ -59,55 +60,20 @@ private:
         }
     }
 
-    std::uint32_t checked(std::uint64_t bytes) {
-        if (bytes > MAX_STRUCTURE) {
-            fail(PARCEL_BAD_DESCRIPTOR);
-            return 0;
-        }
-        return static_cast<std::uint32_t>(bytes);
-    }
-
-    // The layout entry of a reader definition; null when the table lacks it.
-    const parcel_layout *layout_of(parcel_notation::definition_index index) {
-        if (index == 0) {
-            return &descriptor_->layout[0];
-        }
-        const std::uint32_t number = reader_.definitions[index].number;
-        for (std::uint64_t i = 1; i <= descriptor_->layout[0].number; ++i) {
-            if (descriptor_->layout[i].number == number) {
-                return &descriptor_->layout[i];
-            }
-        }
-        fail(PARCEL_BAD_DESCRIPTOR);
-        return nullptr;
-    }
-
-    // Bytes of a reader type in the structure.
-    std::uint32_t size_of(type_index index) {
-        const type &type = parcel_notation::resolve(reader_, index);
-        switch (type.what) {
-        case kind::text:
-        case kind::optional: return sizeof(void *);
-        case kind::array: return sizeof(parcel_array<char>);
-        case kind::fixed_array: return checked(std::uint64_t{size_of(type.element)} * type.count);
-        case kind::reference: {
-            const parcel_layout *layout = layout_of(type.definition);
-            return layout == nullptr ? 0 : checked(layout->size);
-        }
-        default: return parcel_notation::scalar_size(type);
-        }
-    }
-
-    void add(draft *to, const step &next, std::uint64_t least_wire) {
+    void add(draft *to, const plan_step &next, std::uint64_t least_wire) {
         if (++steps_ > MAX_STEPS) {
             fail(PARCEL_UNKNOWN_SCHEMA);
             return;
         }
         to->least_wire = static_cast<std::uint32_t>(std::min<std::uint64_t>(to->least_wire + least_wire, 0x7FFFFFFF));
         if (!to->steps.empty()) {
-            step &last = to->steps.back();
+            plan_step &last = to->steps.back();
             if (last.kind == step_kind::copy && next.kind == step_kind::copy &&
                 last.offset + last.count == next.offset) {
+                last.count += next.count;
+                return;
+            }
+            if (last.kind == step_kind::pass && next.kind == step_kind::pass && next.count <= MAX_PASSED - last.count) {
                 last.count += next.count;
                 return;
             }
@@ -116,8 +82,8 @@ private:
     }
 
     // The program of one value of a type pair, made once.
-    std::uint32_t program_of(type_index writer, type_index reader) {
-        const auto key = std::make_pair(writer, reader);
+    std::uint32_t program_of(const data_type &writer, const data_type *reader) {
+        const auto key = std::make_pair(&writer, reader);
         if (const auto known = made_.find(key); known != made_.end()) {
             return known->second;
         }
@@ -127,8 +93,11 @@ private:
         draft next;
         add_type(&next, writer, reader, 0, 0);
         finish(index, next);
-        if (reader != NOT_READ && next.steps.size() == 1 && next.steps[0].kind == step_kind::copy &&
-            next.steps[0].offset == 0 && next.steps[0].count == size_of(reader)) {
+        if (reader != nullptr && next.steps.size() == 1 && next.steps[0].kind == step_kind::copy &&
+            next.steps[0].offset == 0 && next.steps[0].count == reader->size) {
+            plan_->programs[index].flat = next.steps[0].count;
+        }
+        if (next.steps.size() == 1 && next.steps[0].kind == step_kind::pass) {
             plan_->programs[index].flat = next.steps[0].count;
         }
         return index;
@@ -136,7 +105,7 @@ private:
 
     // Whether a step can put a pointer into the structure that it belongs to. An arm that the reader does not
     // know puts nothing there, and may hold its own union.
-    [[nodiscard]] bool may_own(const step &step) const {
+    [[nodiscard]] bool may_own(const plan_step &step) const {
         const auto program_owns = [&](std::uint32_t program) {
             const auto steps = plan_->steps_of(plan_->programs[program]);
             return std::any_of(steps.begin(), steps.end(), [&](const auto &each) { return may_own(each); });
@@ -146,9 +115,9 @@ private:
         case step_kind::optional:
         case step_kind::array: return true;
         case step_kind::fixed_array: return program_owns(step.program);
-        case step_kind::choice:
+        case step_kind::tagged_union:
             return std::any_of(plan_->arms.begin() + step.first_arm, plan_->arms.begin() + step.first_arm + step.count,
-                               [&](const arm &each) {
+                               [&](const plan_arm &each) {
                                    return each.known && each.program != NO_PROGRAM && program_owns(each.program);
                                });
         default: return false;
@@ -156,7 +125,7 @@ private:
     }
 
     void finish(std::uint32_t index, const draft &made) {
-        program &finished = plan_->programs[index];
+        plan_program &finished = plan_->programs[index];
         finished.begin = static_cast<std::uint32_t>(plan_->steps.size());
         plan_->steps.insert(plan_->steps.end(), made.steps.begin(), made.steps.end());
         finished.end = static_cast<std::uint32_t>(plan_->steps.size());
@@ -164,171 +133,173 @@ private:
     }
 
     // Whether values of the two types are encoded alike, as far as this level shows.
-    [[nodiscard]] bool same_kind(const type &writer, const type &reader) const {
-        if (writer.what != reader.what || writer.count != reader.count) {
-            return false;
-        }
-        if (writer.what == kind::reference) {
-            return writer_.definitions[writer.definition].what == reader_.definitions[reader.definition].what;
-        }
-        return writer.what != kind::bytes || writer.format == reader.format;
+    static bool same_kind(const data_type &writer, const data_type &reader) {
+        return writer.what == reader.what && writer.count == reader.count && writer.format == reader.format;
     }
 
-    // Adds the steps of a value that stands at `offset`; `reader` is NOT_READ in a skipped part.
-    void add_type(draft *to, type_index writer, type_index reader, std::uint32_t offset, std::uint32_t depth) {
+    // Adds the steps of a value that is at `offset` of the structure.
+    void add_type(draft *to, const data_type &writer, const data_type *reader, std::uint32_t offset,
+                  std::uint32_t depth) {
         if (error_ != ERRCODE_SUCCESS) {
             return;
         }
-        const type &from = parcel_notation::resolve(writer_, writer);
-        const bool read = reader != NOT_READ;
-        const type *into = read ? &parcel_notation::resolve(reader_, reader) : nullptr;
-        if (read && !same_kind(from, *into)) {
+        if (reader != nullptr && !same_kind(writer, *reader)) {
             fail(PARCEL_SCHEMA_CHANGED);
             return;
         }
-        step next;
+        plan_step next;
         next.offset = offset;
-        switch (from.what) {
-        case kind::reference:
-            add_definition(to, from.definition, read ? into->definition : NOT_READ, offset, depth + 1);
-            return;
+        switch (writer.what) {
+        case kind::record:
+        case kind::tagged_union: add_compound(to, writer, reader, offset, depth + 1); return;
         case kind::text:
             next.kind = step_kind::text;
             add(to, next, 1);
             return;
         case kind::optional:
-        case kind::array: add_indirection(to, from, into, next); return;
-        case kind::fixed_array: add_fixed_array(to, from, into, next); return;
+        case kind::array: add_indirection(to, writer, reader, next); return;
+        case kind::fixed_array: add_fixed_array(to, writer, reader, next); return;
         default:
-            next.kind = step_kind::copy;
-            next.count = parcel_notation::scalar_size(from);
+            next.kind = reader != nullptr ? step_kind::copy : step_kind::pass;
+            next.count = writer.size;
             add(to, next, next.count);
         }
     }
 
-    void add_indirection(draft *to, const type &from, const type *into, step next) {
-        next.kind = from.what == kind::optional ? step_kind::optional : step_kind::array;
-        next.program = program_of(from.element, into != nullptr ? into->element : NOT_READ);
-        next.size = into != nullptr ? size_of(into->element) : 0;
+    // Sets what a step needs to know of its elements.
+    void set_element(plan_step *of, const data_type &writer, const data_type *reader) {
+        of->program = program_of(*writer.element, reader != nullptr ? reader->element : nullptr);
+        of->size = reader != nullptr ? reader->element->size : 0;
+    }
+
+    void add_indirection(draft *to, const data_type &writer, const data_type *reader, plan_step next) {
+        next.kind = writer.what == kind::optional ? step_kind::optional : step_kind::array;
+        set_element(&next, writer, reader);
         if (next.kind == step_kind::array) {
-            refuse_empty(from.element);
+            refuse_empty(*writer.element);
         }
         add(to, next, 1);
     }
 
-    void add_fixed_array(draft *to, const type &from, const type *into, step next) {
-        const type &element = parcel_notation::resolve(writer_, from.element);
-        if (into != nullptr && !same_kind(element, parcel_notation::resolve(reader_, into->element))) {
+    void add_fixed_array(draft *to, const data_type &writer, const data_type *reader, plan_step next) {
+        const data_type &element = *writer.element;
+        if (reader != nullptr && !same_kind(element, *reader->element)) {
             fail(PARCEL_SCHEMA_CHANGED);
             return;
         }
-        const std::uint32_t scalar = parcel_notation::scalar_size(element);
-        if (scalar != 0) {
-            next.kind = step_kind::copy;
-            next.count = scalar * from.count;
+        if (is_scalar(element.what)) {
+            next.kind = reader != nullptr ? step_kind::copy : step_kind::pass;
+            next.count = element.size * writer.count;
             add(to, next, next.count);
             return;
         }
-        refuse_empty(from.element);
+        refuse_empty(element);
         next.kind = step_kind::fixed_array;
-        next.count = from.count;
-        next.size = into != nullptr ? size_of(into->element) : 0;
-        next.program = program_of(from.element, into != nullptr ? into->element : NOT_READ);
-        add(to, next, std::uint64_t{plan_->programs[next.program].least_wire} * from.count);
+        next.count = writer.count;
+        set_element(&next, writer, reader);
+        add(to, next, std::uint64_t{plan_->programs[next.program].least_wire} * writer.count);
     }
 
     // An element that takes no bytes could be claimed any number of times.
-    void refuse_empty(type_index writer_element) {
-        if (takes_nothing(writer_element, 0)) {
+    void refuse_empty(const data_type &element) {
+        if (takes_nothing(element, 0)) {
             fail(PARCEL_UNKNOWN_SCHEMA);
         }
     }
 
-    // Whether a value of a writer type can be encoded in no bytes: a record without fields.
-    [[nodiscard]] bool takes_nothing(type_index index, std::uint32_t depth) const {
-        const type &type = parcel_notation::resolve(writer_, index);
-        if (type.what == kind::fixed_array) {
-            return takes_nothing(type.element, depth);
+    // Whether a value of a writer's type can be encoded in no bytes: a record without fields, or of nothing else.
+    bool takes_nothing(const data_type &writer, std::uint32_t depth) {
+        if (writer.what == kind::fixed_array) {
+            return takes_nothing(*writer.element, depth);
         }
-        if (type.what != kind::reference || writer_.definitions[type.definition].what == form::choice) {
-            return false;
+        if (writer.what != kind::record || depth > MAX_FLATTENING) {
+            return writer.what == kind::record;
         }
-        if (depth > MAX_FLATTENING) {
-            return true;
+        const auto [known, first] = empty_.emplace(&writer, true);
+        if (first) {
+            known->second = std::all_of(writer.fields.begin(), writer.fields.end(),
+                                        [&](const field &each) { return takes_nothing(*each.type, depth + 1); });
         }
-        const auto &fields = writer_.definitions[type.definition].fields;
-        return std::all_of(fields.begin(), fields.end(),
-                           [&](const parcel_notation::field &each) { return takes_nothing(each.type, depth + 1); });
+        return known->second;
     }
 
-    void add_definition(draft *to, parcel_notation::definition_index writer, parcel_notation::definition_index reader,
-                        std::uint32_t offset, std::uint32_t depth) {
-        if (depth > MAX_FLATTENING) {  // a record that holds itself by value
+    // Records and unions count as steps too, as a hostile schema could double empty ones without end.
+    void add_compound(draft *to, const data_type &writer, const data_type *reader, std::uint32_t offset,
+                      std::uint32_t depth) {
+        if (depth > MAX_FLATTENING || ++steps_ > MAX_STEPS) {  // at first: a record that holds itself by value
             fail(PARCEL_UNKNOWN_SCHEMA);
-            return;
-        }
-        const parcel_layout *layout = reader != NOT_READ ? layout_of(reader) : nullptr;
-        if (error_ != ERRCODE_SUCCESS) {
-            return;
-        }
-        if (writer_.definitions[writer].what == form::choice) {
-            add_choice(to, writer_.definitions[writer], reader, layout, offset);
+        } else if (writer.what == kind::tagged_union) {
+            add_union(to, writer, reader, offset);
         } else {
-            add_record(to, writer_.definitions[writer], reader, layout, offset, depth);
+            add_record(to, writer, reader, offset, depth);
         }
     }
 
-    // The reader's field or arm of that name and value; -1 when it has none.
-    static int find(const definition *in, const parcel_notation::field &wanted) {
-        if (in != nullptr) {
-            for (std::size_t i = 0; i < in->fields.size(); ++i) {
-                if (in->fields[i].name == wanted.name && in->fields[i].value == wanted.value) {
-                    return static_cast<int>(i);
-                }
-            }
+    // The reader's field or arm of that name and value; null when it has none.
+    static const field *match(const data_type *reader, const field &wanted) {
+        if (reader == nullptr) {
+            return nullptr;
         }
-        return -1;
+        const auto found = std::find_if(reader->fields.begin(), reader->fields.end(), [&](const field &each) {
+            return each.name == wanted.name && each.value == wanted.value;
+        });
+        return found != reader->fields.end() ? &*found : nullptr;
     }
 
-    void add_record(draft *to, const definition &from, parcel_notation::definition_index reader,
-                    const parcel_layout *layout, std::uint32_t offset, std::uint32_t depth) {
-        const definition *into = reader != NOT_READ ? &reader_.definitions[reader] : nullptr;
-        for (const parcel_notation::field &field : from.fields) {
-            if (into == nullptr) {
-                add_type(to, field.type, NOT_READ, 0, depth);
-            } else if (const int match = find(into, field); match < 0) {
-                step next;
-                next.kind = step_kind::skip;
-                next.program = program_of(field.type, NOT_READ);
-                add(to, next, plan_->programs[next.program].least_wire);
+    void add_record(draft *to, const data_type &writer, const data_type *reader, std::uint32_t offset,
+                    std::uint32_t depth) {
+        draft unread;  // the fields since the last one that the reader knows
+        for (const field &each : writer.fields) {
+            if (reader == nullptr) {
+                add_type(to, *each.type, nullptr, 0, depth);
+            } else if (const field *known = match(reader, each); known == nullptr) {
+                add_type(&unread, *each.type, nullptr, 0, depth);
             } else {
-                const auto at = static_cast<std::size_t>(match);
-                add_type(to, field.type, into->fields[at].type, offset + checked(layout->offsets[at]), depth);
+                add_unread(to, &unread);
+                add_type(to, *each.type, known->type, offset + known->offset, depth);
             }
             if (error_ != ERRCODE_SUCCESS) {
                 return;
             }
         }
+        add_unread(to, &unread);
     }
 
-    void add_choice(draft *to, const definition &from, parcel_notation::definition_index reader,
-                    const parcel_layout *layout, std::uint32_t offset) {
-        const definition *into = reader != NOT_READ ? &reader_.definitions[reader] : nullptr;
-        std::vector<arm> arms;
-        for (const parcel_notation::field &field : from.fields) {
-            arm next;
-            next.value = field.value;
-            const int match = find(into, field);
-            next.known = match >= 0 || field.empty;
-            if (!field.empty) {
-                const auto at = static_cast<std::size_t>(std::max(match, 0));
-                next.program = program_of(field.type, match >= 0 ? into->fields[at].type : NOT_READ);
-                next.offset = match >= 0 ? offset + checked(layout->offsets[at + 1]) : 0;
+    // Adds steps that go past the fields collected in `unread`, which is empty afterwards: one for the bytes
+    // that they begin with, one for the rest.
+    void add_unread(draft *to, draft *unread) {
+        if (!unread->steps.empty() && unread->steps[0].kind == step_kind::pass) {
+            const plan_step first = unread->steps[0];
+            add(to, first, first.count);
+            unread->steps.erase(unread->steps.begin());
+            unread->least_wire -= std::min(unread->least_wire, first.count);
+        }
+        if (!unread->steps.empty()) {
+            plan_step next;
+            next.kind = step_kind::skip;
+            next.program = static_cast<std::uint32_t>(plan_->programs.size());
+            plan_->programs.emplace_back();
+            finish(next.program, *unread);
+            add(to, next, unread->least_wire);
+        }
+        *unread = {};
+    }
+
+    void add_union(draft *to, const data_type &writer, const data_type *reader, std::uint32_t offset) {
+        std::vector<plan_arm> arms;
+        for (const field &each : writer.fields) {
+            const field *known = match(reader, each);
+            plan_arm next;
+            next.value = each.value;
+            next.known = known != nullptr || each.type == nullptr;
+            if (each.type != nullptr) {
+                next.program = program_of(*each.type, known != nullptr ? known->type : nullptr);
+                next.offset = known != nullptr ? offset + known->offset : 0;
             }
             arms.push_back(next);
         }
-        step next;
-        next.kind = step_kind::choice;
+        plan_step next;
+        next.kind = step_kind::tagged_union;
         next.offset = offset;
         next.count = static_cast<std::uint32_t>(arms.size());
         next.first_arm = static_cast<std::uint32_t>(plan_->arms.size());
@@ -336,23 +307,21 @@ private:
         add(to, next, sizeof(std::uint32_t));
     }
 
-    const parcel_descriptor *descriptor_;
-    const schema &reader_;
-    const schema &writer_;
-    plan *plan_;
-    std::map<std::pair<type_index, type_index>, std::uint32_t> made_;
+    record_plan *plan_;
+    std::map<std::pair<const data_type *, const data_type *>, std::uint32_t> made_;
+    std::map<const data_type *, bool> empty_;
     std::size_t steps_ = 0;
     errcode error_ = ERRCODE_SUCCESS;
 };
 
 // Whether a definition names a field, or lists a value of a union, twice. Such a schema would give one
 // place of the structure two contents.
-bool repeats_a_field(const schema &schema) {
-    return std::any_of(schema.definitions.begin(), schema.definitions.end(), [](const definition &each) {
+bool repeats_a_field(const schema &written) {
+    return std::any_of(written.definitions.begin(), written.definitions.end(), [](const data_type *each) {
         std::set<std::pair<std::string_view, std::uint32_t>> seen;
-        return !std::all_of(each.fields.begin(), each.fields.end(), [&](const parcel_notation::field &field) {
-            const auto name = each.what == form::choice ? std::string_view{} : field.name;
-            return seen.emplace(name, field.value).second;
+        return !std::all_of(each->fields.begin(), each->fields.end(), [&](const field &one) {
+            const auto name = each->what == kind::tagged_union ? std::string_view{} : one.name;
+            return seen.emplace(name, one.value).second;
         });
     });
 }
@@ -361,22 +330,23 @@ bool repeats_a_field(const schema &schema) {
 
 std::uint64_t fingerprint(std::string_view schema) { return checksum(schema.data(), schema.size()); }
 
-errcode compile(const parcel_descriptor *descriptor, std::string_view writer_schema, plan *out) {
+errcode compile(const parcel_descriptor *descriptor, std::string_view writer_schema, record_plan *out) {
     schema reader;
-    if (descriptor->format != 1 || !parcel_notation::parse(descriptor->schema, &reader, nullptr)) {
+    if (descriptor->format != 1 || parcel_notation::describe(descriptor, &reader)) {
         return PARCEL_BAD_DESCRIPTOR;
     }
+    const data_type &record = *reader.definitions.front();
     out->descriptor = descriptor;
     out->fingerprint = fingerprint(writer_schema);
     out->native = writer_schema == descriptor->schema;
     if (out->native) {
-        return compiler(descriptor, reader, reader, out).run();
+        return compiler(out).run(record, record);
     }
     schema writer;
-    if (!parcel_notation::parse(writer_schema, &writer, nullptr) || repeats_a_field(writer)) {
+    if (parcel_notation::parse(writer_schema, &writer) || repeats_a_field(writer)) {
         return PARCEL_UNKNOWN_SCHEMA;
     }
-    return compiler(descriptor, reader, writer, out).run();
+    return compiler(out).run(*writer.definitions.front(), record);
 }
 
 }  // namespace parcel_plan

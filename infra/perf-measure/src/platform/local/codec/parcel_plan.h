@@ -2,7 +2,7 @@
 //
 // A plan is made once per record type (and once more for each other schema that a stored record
 // was written with) and then drives decoding, encoding and freeing without looking at the schema
-// text again. Records that stand inside others by value are flattened into the steps of their
+// text again. Records that are in others by value are flattened into the steps of their
 // owner; only the elements of arrays and optionals and the arms of unions are programs of their own.
 #pragma once
 
@@ -19,14 +19,15 @@ inline constexpr std::uint32_t NO_PROGRAM = 0xFFFFFFFF;
 enum class step_kind : std::uint8_t {
     copy,  // `count` bytes that look the same in the structure
     text,
-    optional,     // `program` describes the value, of `size` bytes
-    array,        // `program` describes an element, of `size` bytes
-    fixed_array,  // `count` elements of `size` bytes, `program` describes one
-    choice,       // a union: `count` arms from `first_arm`
-    skip,         // a part that the reader does not know: `program` describes it
+    optional,      // `program` describes the value, of `size` bytes
+    array,         // `program` describes an element, of `size` bytes
+    fixed_array,   // `count` elements of `size` bytes, `program` describes one
+    tagged_union,  // a union: `count` arms from `first_arm`
+    pass,          // `count` bytes of fields that the reader does not know
+    skip,          // such fields of any length: `program` describes them
 };
 
-struct step {
+struct plan_step {
     step_kind kind{};
     std::uint32_t offset = 0;  // in the structure
     std::uint32_t count = 0;   // of a copy: bytes
@@ -35,7 +36,7 @@ struct step {
     std::uint32_t first_arm = 0;
 };
 
-struct arm {
+struct plan_arm {
     std::uint32_t value = 0;
     std::uint32_t offset = 0;            // of the arm in the structure
     std::uint32_t program = NO_PROGRAM;  // none: an arm without content
@@ -43,31 +44,31 @@ struct arm {
 };
 
 // How one type of value is encoded: steps begin to end of the plan.
-struct program {
+struct plan_program {
     std::uint32_t begin = 0;
     std::uint32_t end = 0;
     std::uint32_t least_wire = 0;  // bytes that an encoding takes at the least
-    std::uint32_t flat = 0;        // bytes when the whole value is one copy to its start; else 0
+    std::uint32_t flat = 0;        // bytes when the whole value is one copy to its start, or passed at once; else 0
 };
 
-struct plan {
+struct record_plan {
     const parcel_descriptor *descriptor = nullptr;
-    std::uint64_t fingerprint = 0;  // of the schema that the record was written with
-    bool native = true;             // that schema is the descriptor's own
-    std::uint32_t size = 0;         // bytes of the structure
-    std::vector<program> programs;  // the first is the record's
-    std::vector<step> steps;
-    std::vector<arm> arms;
-    std::vector<step> owners;  // the record's steps that may hold pointers, arms included
+    std::uint64_t fingerprint = 0;       // of the schema that the record was written with
+    bool native = true;                  // that schema is the descriptor's own
+    std::uint32_t size = 0;              // bytes of the structure
+    std::vector<plan_program> programs;  // the first is the record's
+    std::vector<plan_step> steps;
+    std::vector<plan_arm> arms;
+    std::vector<plan_step> owners;  // the record's steps that may hold pointers, arms included
 
     // The steps of a program, to iterate over.
     struct step_range {
-        const step *first;
-        const step *last;
-        [[nodiscard]] const step *begin() const { return first; }
-        [[nodiscard]] const step *end() const { return last; }
+        const plan_step *first;
+        const plan_step *last;
+        [[nodiscard]] const plan_step *begin() const { return first; }
+        [[nodiscard]] const plan_step *end() const { return last; }
     };
-    [[nodiscard]] step_range steps_of(const program &program) const {
+    [[nodiscard]] step_range steps_of(const plan_program &program) const {
         return {steps.data() + program.begin, steps.data() + program.end};
     }
 };
@@ -80,6 +81,6 @@ struct plan {
 // writer lacked stay zero. PARCEL_SCHEMA_CHANGED when a field is of another kind on the two sides,
 // PARCEL_UNKNOWN_SCHEMA when the writer's schema is no schema, PARCEL_BAD_DESCRIPTOR when the
 // descriptor's schema and layout do not fit together.
-[[nodiscard]] errcode compile(const parcel_descriptor *descriptor, std::string_view writer_schema, plan *out);
+[[nodiscard]] errcode compile(const parcel_descriptor *descriptor, std::string_view writer_schema, record_plan *out);
 
 }  // namespace parcel_plan

@@ -22,11 +22,11 @@ T load(const void *from) {
 }
 
 template <class T>
-void store(void *to, T value) {
+void put(void *to, T value) {
     std::memcpy(to, &value, sizeof value);
 }
 
-// Reads a number of 7 bits a byte that stands at `at`; returns where it ends, null when it is cut or
+// Reads a number of 7 bits a byte at `at`; returns where it ends, null when it is cut or
 // takes more than 32 bits.
 inline const std::uint8_t *read_varint(const std::uint8_t *at, const std::uint8_t *end, std::uint32_t *value) {
     if (at < end && *at < 0x80) {
@@ -46,8 +46,8 @@ inline const std::uint8_t *read_varint(const std::uint8_t *at, const std::uint8_
 }
 
 // The arm of a union that a discriminator value selects; null when the value is not listed.
-inline const parcel_plan::arm *find_arm(const parcel_plan::plan &plan, const parcel_plan::step &step,
-                                        std::uint32_t value) {
+inline const parcel_plan::plan_arm *find_arm(const parcel_plan::record_plan &plan, const parcel_plan::plan_step &step,
+                                             std::uint32_t value) {
     for (std::uint32_t i = 0; i < step.count; ++i) {
         if (plan.arms[step.first_arm + i].value == value) {
             return &plan.arms[step.first_arm + i];

@@ -5,30 +5,30 @@
 //   all-profile/             the named profiles
 //   name-profile-filter/KEY  the named profiles of a kind, transport and name; KEY/KEY is the first
 //
-// X is one of the places in item_filter.cc. A key is a list of components, separated by commas; eight
-// underscores match everything. A key with another number of components, or with a component that cannot be
-// read, matches nothing.
+// X is a place with a filter key in paths/item_paths.h. A key with another number of components than
+// paths/filter_keys.h lists, or with a component that cannot be read, matches nothing.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "paths/filter_keys.h"
+#include "platform/errcode.h"
+#include "platform/local/filters/wanted_component.h"
 #include "platform/local/store/reader.h"
 #include "platform/parcel.h"
 
 namespace item_filter {
 
-enum class family { everything, srpolicy, endpoint, rsvpte, profile };
-
 // The items that a path asks for.
 struct selection {
-    std::string path;    // without the filter: to list under, or of the one item
-    std::string prefix;  // what its items' paths begin with, their names behind it
-    family what = family::everything;
-    std::vector<std::string> components;
-    bool incomplete = false;   // the key has too few of them
-    bool first_match = false;  // the one item is the first under `path` that matches
+    std::string path;                                  // without the filter: to list under, or of the one item
+    std::string prefix;                                // what its items' paths begin with, before their names
+    const path_grammar::filter_key *filter = nullptr;  // null: everything under the path
+    std::vector<wanted_component> key;                 // one for each of the filter's components, unless incomplete
+    bool incomplete = false;                           // the key has too few components
+    bool first_match = false;                          // the one item is the first under `path` that matches
 };
 
 // Takes an item path apart. A path that derives nothing selects itself.
@@ -45,14 +45,16 @@ public:
 
     // Whether the item at `path` below the branch, whose parcel is given, is selected. Its companion is the
     // detail record of the same name where that is another item; an item without one matches only a key of
-    // wildcards. A detail record that does not decode matches, so that its reader reports it.
+    // wildcards. A detail record that does not decode matches, so that its reader reports it. But one whose
+    // schema the store has lost is PARCEL_UNKNOWN_SCHEMA: its reader may know the schema, and would show
+    // what was not asked for.
     [[nodiscard]] errcode match(std::string_view path, std::string_view parcel, std::string_view companion,
                                 bool *matches) const override;
 
 private:
-    template <class Record, class Rules>
-    [[nodiscard]] bool matches_detail(std::string_view parcel, const parcel_descriptor *descriptor,
-                                      const Rules &rules) const;
+    template <class View>
+    [[nodiscard]] errcode match_detail(std::string_view parcel, const parcel_descriptor *descriptor,
+                                       bool *matches) const;
 
     const selection &selection_;
 };

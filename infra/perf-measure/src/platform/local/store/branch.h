@@ -5,23 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "paths/roots.h"
+
 namespace store {
 
-// One letter for each data root.
-enum class root : char { main = 'm', responder = 'r', receive = 'x', checkpoint = 'c' };
-
-struct root_name {
-    root id;
-    const char *word;  // in data sets
-    const char *path;  // of the database
-};
-// In the order in which a dump has them.
-inline constexpr root_name ROOTS[] = {
-    {root::main, "main", "/oper/perf_meas/main/"},
-    {root::responder, "resp", "/oper/perf_meas/resp/"},
-    {root::receive, "rx", "/oper/perf_meas/rx/"},
-    {root::checkpoint, "chkpt", "/oper/perf_meas/chkpt/"},
-};
+using path_grammar::root;
+using path_grammar::root_name;
+using path_grammar::ROOTS;
 
 // The items of a data root on a node. An item's path is the one below its branch.
 struct branch {
