@@ -1,4 +1,4 @@
-// Clocks and the texts of points in time. See platform/kal_time.h.
+// Clocks and the texts of points in time.
 #include "platform/kal_time.h"
 
 #include <charconv>

@@ -9,7 +9,7 @@
 // be had.
 //
 // Parcels are given as they were written (platform/parcel.h). A value that is not the one of its key, so that a
-// record has come to stand under another key, is an empty parcel in lists and OPSTORE_DAMAGED in a single answer.
+// record has come to be under another key, is an empty parcel in lists and OPSTORE_DAMAGED in a single answer.
 #pragma once
 
 #include <cstdint>
