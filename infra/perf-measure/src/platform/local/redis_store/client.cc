@@ -36,6 +36,11 @@ void pipeline::add(std::span<const std::string_view> words) {
     ++commands_;
 }
 
+void pipeline::append(const pipeline &others) {
+    bytes_ += others.bytes_;
+    commands_ += others.commands_;
+}
+
 void pipeline::clear() {
     bytes_.clear();
     commands_ = 0;

@@ -23,6 +23,7 @@ class pipeline {
 public:
     void add(std::initializer_list<std::string_view> words) { add(std::span(words.begin(), words.size())); }
     void add(std::span<const std::string_view> words);
+    void append(const pipeline &others);
     void clear();
 
     [[nodiscard]] const std::string &bytes() const { return bytes_; }

@@ -35,8 +35,6 @@ public:
     // Copies an item to the end. False, and sets more(), when the batch has as many items as clear() was told
     // or would grow beyond max_bytes; a first item always fits.
     [[nodiscard]] bool add(std::string_view path, std::string_view parcel);
-    // Says that others follow, though nothing was refused.
-    void expect_more() { more_ = true; }
     void swap(batch *other) noexcept;
 
 private:

@@ -41,6 +41,7 @@ protected:
 
 // The companion of the item ITEMS + name is the item COMPANIONS + name of the same branch, for example the detail
 // record of the policy whose counters are read. No companion is looked up while `companions` is empty.
+// The prefix of a listing begins with `items`.
 struct companion_paths {
     std::string_view items;
     std::string_view companions;
