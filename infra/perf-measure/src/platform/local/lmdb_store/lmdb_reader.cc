@@ -64,7 +64,6 @@ public:
           publisher_key_(branch_key(key_space::publisher, from)),
           companion_key_(item_key(from, which.companion.companions)),
           companion_prefix_(companion_key_.size()) {
-        static_cast<void>(store::this_boot());  // read before the store is touched
         companion_key_.reserve(companion_prefix_ + store::MAX_PATH_LENGTH);
     }
 

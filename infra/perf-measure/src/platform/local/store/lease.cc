@@ -2,16 +2,24 @@
 #include "platform/local/store/lease.h"
 
 #include <ctime>
-#include <fstream>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace store {
 
 namespace {
 
+constexpr std::size_t BOOT_ID_LENGTH = 36;
+
+// Without streams, whose initialisation every start of the program would pay for.
 std::string read_boot() {
-    std::string boot;
-    std::getline(std::ifstream("/proc/sys/kernel/random/boot_id") >> std::ws, boot);
-    return boot;
+    char boot[BOOT_ID_LENGTH];
+    const int file = ::open("/proc/sys/kernel/random/boot_id", O_RDONLY | O_CLOEXEC);
+    const ssize_t length = file >= 0 ? ::read(file, boot, sizeof boot) : 0;
+    if (file >= 0) {
+        ::close(file);
+    }
+    return {boot, static_cast<std::size_t>(length > 0 ? length : 0)};
 }
 
 }  // namespace
