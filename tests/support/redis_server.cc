@@ -20,8 +20,9 @@ redis_server::redis_server(std::vector<std::string> options) : options_(std::mov
 redis_server::~redis_server() { kill_it(); }
 
 void redis_server::start() {
-    std::vector<std::string> words = {REDIS_SERVER,   "--port", "0",        "--unixsocket", socket(),
-                                      "--appendonly", "no",     "--logfile", folder() + "/log", "--dir", folder()};
+    std::vector<std::string> words = {REDIS_SERVER,      "--port",       "0",     "--unixsocket",
+                                      socket(),          "--appendonly", "no",    "--logfile",
+                                      folder() + "/log", "--dir",        folder()};
     words.insert(words.end(), {"--save", ""});
     for (std::size_t i = 0; i + 1 < options_.size(); i += 2) {
         words.push_back("--" + options_[i]);
@@ -113,8 +114,8 @@ std::string name_at(store::reader *from, std::string_view path) {
         return errcode_strerror(error.code());
     }
     local_interface record{};
-    const errcode code = parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &record,
-                                       local_interface_descriptor());
+    const errcode code =
+        parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &record, local_interface_descriptor());
     std::string name = code == ERRCODE_SUCCESS && record.Name != nullptr ? record.Name : errcode_strerror(code);
     parcel_free_indirections(&record, local_interface_descriptor());
     return name;

@@ -59,11 +59,11 @@ pm_error answer_to_start(const std::string &answer) {
 
 TEST(HostileServer, IsDamagedWhenItsBytesAreNoAnswer) {
     const std::string endless(200'000, '+');
-    for (const std::string &answer : {
-             std::string("HTTP/1.1 200 OK\r\n\r\n"), std::string("*1000000000\r\n"), std::string("*-2\r\n"),
-             std::string("$99999999999999999999\r\n"), std::string("$-5\r\n"),
-             std::string("*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n:1\r\n"), std::string("*4\r\n:1\r\n:1\r\n:1\r\n:1\r\n"),
-             endless, std::string("\0\0\0\0\r\n", 6)}) {
+    for (const std::string &answer :
+         {std::string("HTTP/1.1 200 OK\r\n\r\n"), std::string("*1000000000\r\n"), std::string("*-2\r\n"),
+          std::string("$99999999999999999999\r\n"), std::string("$-5\r\n"),
+          std::string("*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n*1\r\n:1\r\n"),
+          std::string("*4\r\n:1\r\n:1\r\n:1\r\n:1\r\n"), endless, std::string("\0\0\0\0\r\n", 6)}) {
         const pm_error error = answer_to_start(answer);
         EXPECT_EQ(error.code(), OPSTORE_DAMAGED) << answer.substr(0, 40);
         EXPECT_NE(error.text().find("/fake: "), std::string::npos) << error.text();

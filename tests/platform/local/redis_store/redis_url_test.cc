@@ -50,8 +50,7 @@ TEST(RedisUrl, RefusesWhatItDoesNotKnow) {
     EXPECT_EQ(error_of("redis://alpha/x"), "the database is not a number from 0 to 65535");
     EXPECT_EQ(error_of("redis://"), "a host is missing");
     EXPECT_EQ(error_of("redis+unix://relative"), "the socket is not an absolute path");
-    EXPECT_EQ(error_of("redis://alpha?prefix=a{b"),
-              "the prefix is not made of letters, digits, '.', '_', '-' and ':'");
+    EXPECT_EQ(error_of("redis://alpha?prefix=a{b"), "the prefix is not made of letters, digits, '.', '_', '-' and ':'");
 }
 
 TEST(RedisUrl, NeverRepeatsAPassword) {

@@ -47,7 +47,7 @@ bool read_schema(std::uint64_t fingerprint, std::string *schema) {
 
 pm_error shared_reader(reader **out) {
     static reader *the_reader = nullptr;  // never closed: exit has nothing to wait for
-    static pm_error refused;  // that would be refused again, or only after another wait
+    static pm_error refused;              // that would be refused again, or only after another wait
     if (the_reader == nullptr) {
         const std::string_view url = configured_url();
         const back_end *known = find_back_end(url);

@@ -35,8 +35,8 @@ branch_changes::knowledge branch_changes::about(std::string_view path) const {
     if (const auto found = items_.find(path); found != items_.end()) {
         return found->second ? knowledge::present : knowledge::absent;
     }
-    const bool is_removed = std::any_of(removed_.begin(), removed_.end(),
-                                        [&](const std::string &each) { return path.starts_with(each); });
+    const bool is_removed =
+        std::any_of(removed_.begin(), removed_.end(), [&](const std::string &each) { return path.starts_with(each); });
     return is_removed ? knowledge::absent : knowledge::unknown;
 }
 

@@ -85,9 +85,10 @@ pm_error branch_pages::check_missing(const page_query &asked) {
     if (pm_error error = client_.exchange(question, all, repetition::allowed)) {
         return error;
     }
-    return noted.text() == ITEMS ? pm_error(OPSTORE_DAMAGED, client_.describe("the items of branch " +
-                                                                              branch_name(asked.from) + " are gone"))
-                                 : pm_error();
+    return noted.text() == ITEMS
+               ? pm_error(OPSTORE_DAMAGED,
+                          client_.describe("the items of branch " + branch_name(asked.from) + " are gone"))
+               : pm_error();
 }
 
 void branch_pages::ask_ahead(const page_query &next) {

@@ -26,8 +26,7 @@ void pipeline::add(std::span<const std::string_view> words) {
         lengths.push_back(word.size());
     }
     char *command = nullptr;
-    const int length =
-        redisFormatCommandArgv(&command, static_cast<int>(texts.size()), texts.data(), lengths.data());
+    const int length = redisFormatCommandArgv(&command, static_cast<int>(texts.size()), texts.data(), lengths.data());
     if (length < 0) {
         throw std::bad_alloc();
     }

@@ -38,9 +38,7 @@ public:
     [[nodiscard]] pm_error count(store::census *out);
 
 private:
-    [[nodiscard]] pm_error damaged(const std::string &what) const {
-        return {OPSTORE_DAMAGED, client_.describe(what)};
-    }
+    [[nodiscard]] pm_error damaged(const std::string &what) const { return {OPSTORE_DAMAGED, client_.describe(what)}; }
     [[nodiscard]] pm_error read_branches(const plain_answer &names);
 
     client &client_;

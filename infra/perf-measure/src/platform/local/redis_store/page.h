@@ -11,8 +11,8 @@
 
 namespace redis_store {
 
-inline constexpr std::uint32_t PAGE_ITEMS = 200;          // that are asked for at most; fewer and more cost more time
-inline constexpr std::size_t PAGE_BYTES = 512 * 1024;     // a page that exceeds them ends early, and the next is halved
+inline constexpr std::uint32_t PAGE_ITEMS = 200;       // that are asked for at most; fewer and more cost more time
+inline constexpr std::size_t PAGE_BYTES = 512 * 1024;  // a page that exceeds them ends early, and the next is halved
 
 // The answer to a ZRANGE of members. Refuses members that do not ascend, lie outside of the range or are no items.
 class page final : public answer {

@@ -40,9 +40,9 @@ bool parse_branch_name(std::string_view name, store::branch *named) {
     if (name.size() != BRANCH_NAME_LENGTH) {
         return false;
     }
-    const auto *known = std::find_if(std::begin(store::ROOTS), std::end(store::ROOTS), [&](const store::root_name &each) {
-        return static_cast<char>(each.id) == name.front();
-    });
+    const auto *known =
+        std::find_if(std::begin(store::ROOTS), std::end(store::ROOTS),
+                     [&](const store::root_name &each) { return static_cast<char>(each.id) == name.front(); });
     std::uint32_t node = 0;
     const auto [end, code] = std::from_chars(name.data() + 1, name.data() + name.size(), node, 16);
     if (known == std::end(store::ROOTS) || code != std::errc{} || end != name.data() + name.size()) {

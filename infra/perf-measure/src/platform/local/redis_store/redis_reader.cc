@@ -314,8 +314,8 @@ pm_error redis_reader::publishers(std::vector<store::publisher_entry> *out) {
         for (std::size_t i = 0; i < found.size(); ++i) {
             const branch &served = directory_.branches()[i].named;
             complete = complete && !found[i].is_nil();
-            out->push_back({served, std::string(store::unseal(branch_key(key_space::publisher, served),
-                                                              found[i].text()))});
+            out->push_back(
+                {served, std::string(store::unseal(branch_key(key_space::publisher, served), found[i].text()))});
         }
         if (complete) {
             return {};

@@ -72,7 +72,7 @@ private:
     store::record_encoder encoder_;
     bool cleared_ = false;
     std::optional<std::string> platform_;
-    std::vector<std::uint32_t> node_ids_;  // by position
+    std::vector<std::uint32_t> node_ids_;         // by position
     std::map<std::uint32_t, std::string> nodes_;  // to put, by position
     std::map<std::string, std::string> interfaces_;
     std::map<std::string, std::string> schemas_;
@@ -93,7 +93,9 @@ pm_error redis_writer::check_policy() {
     constexpr std::string_view POLICY = "maxmemory_policy:";
     const std::size_t at = info.text().find(POLICY);
     const std::string policy =
-        at == std::string::npos ? "noeviction" : info.text().substr(at + POLICY.size(), info.text().find('\r', at) - at - POLICY.size());
+        at == std::string::npos
+            ? "noeviction"
+            : info.text().substr(at + POLICY.size(), info.text().find('\r', at) - at - POLICY.size());
     return policy == "noeviction"
                ? pm_error()
                : pm_error(client_.describe("the server may evict keys (maxmemory-policy " + policy + ")"));
@@ -124,8 +126,8 @@ pm_error redis_writer::read_inventory() {
         const auto position = static_cast<std::uint32_t>(node_ids_.size());
         const std::string_view parcel = store::unseal(store::key(key_space::node, position), each);
         local_node node{};
-        const errcode code = parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &node,
-                                           local_node_descriptor());
+        const errcode code =
+            parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &node, local_node_descriptor());
         if (code != ERRCODE_SUCCESS) {
             return {code, client_.describe(std::string("the inventory cannot be read: ") + errcode_strerror(code))};
         }
@@ -175,7 +177,8 @@ pm_error redis_writer::put_platform(const void *local_platform_record) {
 }
 
 pm_error redis_writer::put_node(std::uint32_t id, const void *local_node_record) {
-    const auto place = static_cast<std::uint32_t>(std::find(node_ids_.begin(), node_ids_.end(), id) - node_ids_.begin());
+    const auto place =
+        static_cast<std::uint32_t>(std::find(node_ids_.begin(), node_ids_.end(), id) - node_ids_.begin());
     if (place == node_ids_.size()) {
         node_ids_.push_back(id);
     }
@@ -242,11 +245,11 @@ pm_error redis_writer::remove_below(const branch &from, std::string_view path, s
 
 void redis_writer::add_cleared(command_list *changes) const {
     for (const known_branch &each : directory_.branches()) {
-        changes->add({"UNLINK", names_.of(each.named, branch_part::items), names_.of(each.named, branch_part::publisher),
-                      names_.of(each.named, branch_part::lease)});
+        changes->add({"UNLINK", names_.of(each.named, branch_part::items),
+                      names_.of(each.named, branch_part::publisher), names_.of(each.named, branch_part::lease)});
     }
-    for (const state_part part : {state_part::marks, state_part::nodes, state_part::branches, state_part::interfaces,
-                                  state_part::schemas}) {
+    for (const state_part part :
+         {state_part::marks, state_part::nodes, state_part::branches, state_part::interfaces, state_part::schemas}) {
         changes->add({"UNLINK", names_.of(part)});
     }
 }

@@ -18,8 +18,9 @@ constexpr std::size_t PIPELINE_BYTES = 512 * 1024;
 constexpr char STAGE_EXPIRY_MSEC[] = "60000";  // longer than the lock's
 
 // What the directory says of a branch from which something was removed.
-constexpr char NOTE_ITEMS[] = "return redis.call('HSET', KEYS[2], ARGV[1], "
-                              "redis.call('EXISTS', KEYS[1]) == 1 and 'i' or '-')";
+constexpr char NOTE_ITEMS[] =
+    "return redis.call('HSET', KEYS[2], ARGV[1], "
+    "redis.call('EXISTS', KEYS[1]) == 1 and 'i' or '-')";
 
 // A pipeline to a staged set that is sent when it has grown large, and what its answers sum up to.
 class stage_pipeline {

@@ -1,5 +1,5 @@
-// The changes of a writer's branches: kept here while they are few, and then staged in the server, as sets that take the
-// branches' places when the writer commits.
+// The changes of a writer's branches: kept here while they are few, and then staged in the server, as sets that take
+// the branches' places when the writer commits.
 #pragma once
 
 #include <cstdint>
@@ -46,7 +46,7 @@ public:
 private:
     struct state {
         branch_changes changes;
-        bool is_known = false;   // the store has items of it, and they are kept
+        bool is_known = false;  // the store has items of it, and they are kept
         bool is_staged = false;
         std::uint64_t members = 0;  // of the staged set
         std::string highest;        // path in it, while it got nothing but ascending ones

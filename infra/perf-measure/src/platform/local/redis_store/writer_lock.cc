@@ -14,10 +14,12 @@ namespace {
 
 constexpr std::chrono::milliseconds PAUSE(20);  // before the lock is tried again
 
-constexpr char REFRESH[] = "if redis.call('GET', KEYS[1]) ~= ARGV[1] then return 0 end "
-                           "return redis.call('PEXPIRE', KEYS[1], ARGV[2])";
-constexpr char RELEASE[] = "if redis.call('GET', KEYS[1]) ~= ARGV[1] then return 0 end "
-                           "return redis.call('DEL', KEYS[1])";
+constexpr char REFRESH[] =
+    "if redis.call('GET', KEYS[1]) ~= ARGV[1] then return 0 end "
+    "return redis.call('PEXPIRE', KEYS[1], ARGV[2])";
+constexpr char RELEASE[] =
+    "if redis.call('GET', KEYS[1]) ~= ARGV[1] then return 0 end "
+    "return redis.call('DEL', KEYS[1])";
 
 std::string make_token() {
     std::uint64_t number = 0;

@@ -1,7 +1,7 @@
 // How long a store takes a running process's word for it, where nothing but the store tells that it died.
 //
-// The time is that since the host was booted, which nobody sets and which goes on while the host sleeps; so a lease is of
-// one boot of one host, and every process there can tell whether it has run out.
+// The time is that since the host was booted, which nobody sets and which goes on while the host sleeps; so a lease is
+// of one boot of one host, and every process there can tell whether it has run out.
 #pragma once
 
 #include <cstdint>
