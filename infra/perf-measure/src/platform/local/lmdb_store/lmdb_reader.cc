@@ -49,7 +49,7 @@ errcode read_publisher(const table_state &state, std::string_view key, known_sta
     *known = static_cast<store::publisher_state>(record.State);
     if (record.Lease != nullptr && *known == store::publisher_state::running &&
         store::lease_is_over(record.Lease->Boot != nullptr ? record.Lease->Boot : "", record.Lease->ExpiresMsec)) {
-        *known = store::publisher_state::unreachable;
+        *known = store::publisher_state::stopped;
     }
     parcel_free_indirections(&record, local_publisher_descriptor());
     return ERRCODE_SUCCESS;
