@@ -30,12 +30,14 @@ std::string told_at_a_terminal(const std::string &url) {
         std::_Exit(127);
     }
     ::close(of_program);
+    std::string text;
+    char part[256];
+    for (ssize_t length = 0; (length = ::read(own, part, sizeof part)) > 0;) {  // fails when the program has ended
+        text.append(part, static_cast<std::size_t>(length));
+    }
+    ::close(own);
     int status = 0;
     ::waitpid(child, &status, 0);
-    std::string text(4096, '\0');
-    const ssize_t length = ::read(own, text.data(), text.size());
-    ::close(own);
-    text.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
     return text;
 }
 
