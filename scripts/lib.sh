@@ -70,7 +70,7 @@ step() {
 }
 
 build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libcli11-dev libedit-dev libbsd-dev
-  libncurses-dev)
+  libncurses-dev libssl-dev libyaml-cpp-dev)
 bench_packages=(libbenchmark-dev protobuf-compiler libprotobuf-dev libnanopb-dev nanopb)
 
 # build PRESET [CMAKE-OPTION...]: configures and builds a preset.

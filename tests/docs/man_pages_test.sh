@@ -32,7 +32,17 @@ render() {
 command -v man >/dev/null || fail "man is not installed (package man-db)"
 render perf-show.1
 render perf-store.1
+render perf-probed.8
+render perf-probed.yaml.5
 render perf-measure.1
+
+# Every key that the configuration of perf-probed has is in its page.
+sources=$pages/../../infra/perf-probed/config
+grep -ohE '(read|read_[a-z]+)\("[a-z-]+"' "$sources"/*.cc | sed 's/.*"\([a-z-]*\)"/\1/' | sort -u >"$work/keys"
+[ "$(wc -l <"$work/keys")" -gt 40 ] || fail "few keys of perf-probed's configuration were found"
+while read -r key; do
+    grep -Eq -- "(^|[ .(])$key([ .,;)]|$)" "$work/perf-probed.yaml.5" || fail "perf-probed.yaml.5: the key $key is missing"
+done <"$work/keys"
 
 # Whether perf-show takes these options; command type 0 ends it before it reads anything.
 takes() {

@@ -239,9 +239,7 @@ protected:
     [[nodiscard]] std::string set(std::uint32_t number) const {
         return folder_.path() + "/set" + std::to_string(number);
     }
-    [[nodiscard]] static command_result dump(const std::string &store) {
-        return run_command("perf-store dump", store);
-    }
+    [[nodiscard]] static command_result dump(const std::string &store) { return run_command("perf-store dump", store); }
 
     // How long a load takes, in microseconds.
     [[nodiscard]] unsigned load_time() const {

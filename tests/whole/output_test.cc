@@ -17,8 +17,7 @@ protected:
 TEST_F(Output, AReaderThatGoesAwayEndsTheProgramQuietly) {
     // The reader is gone before the first byte, and after the first line.
     for (const char *reader : {"true", "head -1 >/dev/null"}) {
-        const command_result result =
-            run(std::string("(sleep 0.1; perf-show -c 9; echo status $? >&2) | ") + reader);
+        const command_result result = run(std::string("(sleep 0.1; perf-show -c 9; echo status $? >&2) | ") + reader);
         EXPECT_EQ(result.err, "status 0\n") << reader;
     }
 }

@@ -75,6 +75,7 @@ TEST_F(Errors, AFullDiskIsSaid) {
         const command_result result =
             run_command(PERF_MEASURE " show summary" + std::string(options) + " >/dev/full", folder_.path());
         EXPECT_EQ(result.status, 1) << options;
+        EXPECT_TRUE(result.err.starts_with("perf-measure: ")) << result.err;
         EXPECT_NE(result.err.find("No space left on device"), std::string::npos) << result.err;
     }
 }
@@ -120,6 +121,18 @@ TEST_F(Errors, APublisherThatDoesNotRunIsSaidByNode) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "perf-measure: lc1: Publisher unreachable\n");
     EXPECT_EQ(measure("show capabilities node lc0", folder_.path()).status, 0);
+}
+
+TEST_F(Errors, AnItemOfAnotherTypeIsSaidByNode) {
+    load(R"({"node":{"id":16,"name":"lc0"}}
+{"item":{"root":"main","node":16,"path":"capability","type":"pm_summary_parcel","record":{}}}
+{"item":{"root":"main","node":16,"path":"intf/detail/a","type":"pm_summary_parcel","record":{}}})");
+    for (const char *const words : {"show capabilities", "show capabilities --json", "show interfaces",
+                                    "show interfaces --json", "show interfaces name a"}) {
+        const command_result result = measure(words, folder_.path());
+        EXPECT_EQ(result.status, 1) << words;
+        EXPECT_TRUE(result.err.ends_with("perf-measure: lc0: Parcel holds another record type\n")) << result.err;
+    }
 }
 
 TEST_F(Errors, ANodeWithoutAPublisherCountsOnlyWhenItIsAskedFor) {

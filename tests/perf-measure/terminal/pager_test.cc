@@ -67,6 +67,16 @@ TEST_F(Terminal, NothingIsRedWithoutColoursOrWithoutATerminal) {
     EXPECT_EQ(measure("show interfaces name eth0/1/0/5", folder_.path()).out.find('\033'), std::string::npos);
 }
 
+TEST_F(Terminal, APlotIsAsWideAsTheTerminal) {
+    const std::string text = drawn("PAGER='sed s/^/paged:/' " PERF_MEASURE " plot delay interface eth0/0/0/0");
+    std::string floor = "└";  // of the axis, after the numbers: 100 columns but for 12
+    for (int column = 0; column < 88; ++column) {
+        floor += "─";
+    }
+    EXPECT_NE(text.find(floor + "\r\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("paged:"), std::string::npos);
+}
+
 TEST_F(Terminal, ColoursChangeNothingButTheEscapes) {
     std::string text = drawn(std::string("PAGER= ") + DOWN_INTERFACE);
     for (const char *const escape : {"\033[31m", "\033[0m", "\r"}) {

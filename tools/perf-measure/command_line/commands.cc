@@ -17,7 +17,6 @@ namespace perf_measure {
 namespace {
 
 constexpr std::string_view HELP = "help";
-constexpr std::size_t SHORTEST_HELP = 1;  // "h" is no other word's beginning
 
 int print(std::string_view text) { return write_fully(STDOUT_FILENO, text) ? EXIT_SHOWN : EXIT_NOT_READ; }
 
@@ -58,7 +57,7 @@ std::string joined(const std::vector<std::string> &words) {
 
 int run_command(const invocation &given) {
     const std::vector<std::string> &words = given.words;
-    if (words.size() >= 1 && words.front().size() >= SHORTEST_HELP && begins_with(HELP, words.front())) {
+    if (!words.empty() && !words.front().empty() && begins_with(HELP, words.front())) {
         return print_help({words.begin() + 1, words.end()});
     }
     if (asks_what_follows(words)) {
@@ -73,8 +72,10 @@ int run_command(const invocation &given) {
     if (!parser.finish()) {
         return report_usage(parser.problem());
     }
+    // A plot fits itself to the terminal, and so has to write to it.
+    const bool is_plot = parser.command().what->takes_name;
     std::function<int()> body = [&] {
-        if (parser.command().what->takes_name) {
+        if (is_plot) {
             return plot(parser.command(), given);
         }
         return given.json ? show_as_json(parser.command(), given.pretty) : show_as_text(parser.command());
@@ -86,7 +87,7 @@ int run_command(const invocation &given) {
         };
         return watch(body, *given.watch_sec, joined(words));
     }
-    return wants_terminal_show(!given.no_pager) ? terminal_show(body, !given.no_pager) : body();
+    return !is_plot && wants_terminal_show(!given.no_pager) ? terminal_show(body, !given.no_pager) : body();
 }
 
 }  // namespace perf_measure

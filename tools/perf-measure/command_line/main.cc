@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "base/pm_output.h"
 #include "perf-measure/command_line/commands.h"
 #include "perf-measure/command_line/complete.h"
 #include "perf-measure/command_line/invocation.h"
@@ -39,7 +40,8 @@ int serve_others(std::string_view use, const std::vector<std::string> &words) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    take_time();                    // first of all
+    take_time();  // first of all
+    pm_output_program = "perf-measure";
     std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away shows as a failed write
     std::signal(SIGXFSZ, SIG_IGN);  // so does a file at its limit
 

@@ -222,7 +222,13 @@ int shell::loop() {
         return 1;
     }
     int length = 0;
-    while (const char *const text = el_gets(editor_.get(), &length)) {
+    for (;;) {
+        // Keys that come as soon as the prompt is there, Ctrl-D above all, are the editor's already.
+        el_set(editor_.get(), EL_PREP_TERM, 1);
+        const char *const text = el_gets(editor_.get(), &length);
+        if (text == nullptr) {
+            break;
+        }
         std::string line(text, static_cast<std::size_t>(std::max(length, 0)));
         while (line.ends_with('\n') || line.ends_with('\r')) {
             line.pop_back();
