@@ -12,7 +12,7 @@ fail() {
     exit 1
 }
 
-for page in docs/man/*.1; do
+for page in docs/man/*.[1-9]; do
     grep -Eq "^\.TH .*\"(perf-show|perf-measure|perf-store|perf-probed) $version\"" "$page" || fail "$page is not of $version"
 done
 head -n 1 debian/changelog | grep -Fq "($version)" || fail "debian/changelog does not begin with $version"
