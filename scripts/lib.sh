@@ -44,7 +44,7 @@ step() {
   fi
 }
 
-build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libcli11-dev)
+build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libsimdjson-dev libcli11-dev)
 bench_packages=(libbenchmark-dev protobuf-compiler libprotobuf-dev libnanopb-dev nanopb)
 
 # build PRESET [CMAKE-OPTION...]: configures and builds a preset.
