@@ -48,7 +48,7 @@ public:
     static constexpr std::size_t PADDING = 64;
 
     // Reads a text that is one whole object. False for anything but JSON, and for what only read() takes: a backslash,
-    // or values that nest deeply. The nodes' texts are views of `line`.
+    // a number that is no integer, or values that nest deeply. The nodes' texts are views of `line`.
     [[nodiscard]] bool read_line(std::string_view line);
 
     // Reads one document from the terminated text at `begin` and stops after it. `*length` is the number of

@@ -1,5 +1,7 @@
 // The fast parser: simdjson finds the tokens of a line, and a walk over them builds the nodes.
+#include <algorithm>
 #include <cstring>
+#include <limits>
 #include <simdjson.h>
 
 #include "perf-store/datasets/json_document.h"
@@ -9,44 +11,26 @@ namespace perf_store {
 namespace {
 
 namespace ondemand = simdjson::ondemand;
-using ondemand::json_type;
 
 constexpr std::size_t MAX_DEPTH = 64;  // of values within one another
 
 static_assert(simdjson::SIMDJSON_PADDING <= json_document::PADDING);
 
-// Removes a number's leading digits; false when there are none.
-bool pass_digits(std::string_view *text) {
-    const std::size_t before = text->size();
-    while (!text->empty() && text->front() >= '0' && text->front() <= '9') {
-        text->remove_prefix(1);
+// A token without the white space after it, which is mostly none.
+std::string_view trimmed(std::string_view token) {
+    const auto is_white = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (is_white(token.back())) {  // it begins with something else
+        token.remove_suffix(1);
     }
-    return text->size() != before;
+    return token;
 }
 
-// Whether a token is a number as JSON writes it.
-bool is_number(std::string_view text) {
+// Whether a token is an integer of up to 64 bits, as all numbers of records are.
+bool is_integer(std::string_view text) {
     text.remove_prefix(text.starts_with('-') ? 1 : 0);
-    const bool zero = text.starts_with('0');
-    if (zero) {
-        text.remove_prefix(1);
-    } else if (!pass_digits(&text)) {
-        return false;
-    }
-    if (text.starts_with('.')) {
-        text.remove_prefix(1);
-        if (!pass_digits(&text)) {
-            return false;
-        }
-    }
-    if (text.starts_with('e') || text.starts_with('E')) {
-        text.remove_prefix(1);
-        text.remove_prefix(text.starts_with('+') || text.starts_with('-') ? 1 : 0);
-        if (!pass_digits(&text)) {
-            return false;
-        }
-    }
-    return text.empty();
+    const bool has_digits = !text.empty() && text.size() <= std::numeric_limits<std::uint64_t>::digits10 + 1 &&
+                            std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return has_digits && (text[0] != '0' || text.size() == 1);
 }
 
 }  // namespace
@@ -68,7 +52,7 @@ public:
     }
 
 private:
-    [[nodiscard]] bool value(ondemand::value from, std::size_t depth);
+    [[nodiscard]] bool value(ondemand::value from, std::size_t depth, char closing);
     [[nodiscard]] bool object(const char *at, ondemand::object from, std::size_t depth);
     [[nodiscard]] bool array(const char *at, ondemand::array from, std::size_t depth);
     [[nodiscard]] bool scalar(std::string_view token);
@@ -91,7 +75,8 @@ private:
     const char *begin_ = nullptr;
 };
 
-bool line_reader::value(ondemand::value from, std::size_t depth) {
+// A value within an object or array that ends with `closing`.
+bool line_reader::value(ondemand::value from, std::size_t depth, char closing) {
     std::string_view token = from.raw_json_token();
     if (token.front() == '{') {
         ondemand::object members;
@@ -101,7 +86,9 @@ bool line_reader::value(ondemand::value from, std::size_t depth) {
         ondemand::array elements;
         return from.get_array().get(elements) == simdjson::SUCCESS && array(token.data(), elements, depth + 1);
     }
-    return scalar(token.substr(0, token.find_last_not_of(" \t\r\n") + 1));
+    // The walk steps over a token that is not asked for its value, and over more if that does not end the value.
+    const char next = token.data()[token.size()];
+    return (next == ',' || next == closing) && scalar(trimmed(token));
 }
 
 // A token without the white space after it.
@@ -117,7 +104,7 @@ bool line_reader::scalar(std::string_view token) {
         nodes_[add(json_kind::boolean, token.data(), {})].value = yes;
         return yes || token == "false";
     }
-    default: add(json_kind::number, token.data(), token); return is_number(token);
+    default: add(json_kind::number, token.data(), token); return is_integer(token);
     }
 }
 
@@ -134,7 +121,7 @@ bool line_reader::object(const char *at, ondemand::object from, std::size_t dept
         }
         const char *const name = field.key().raw();
         add(json_kind::text, name, {name, static_cast<std::size_t>(std::strchr(name, '"') - name)});
-        if (!value(field.value(), depth)) {
+        if (!value(field.value(), depth, '}')) {
             return false;
         }
         ++count;
@@ -151,7 +138,7 @@ bool line_reader::array(const char *at, ondemand::array from, std::size_t depth)
     std::uint32_t count = 0;
     for (auto element : from) {
         ondemand::value each;
-        if (std::move(element).get(each) != simdjson::SUCCESS || !value(each, depth)) {
+        if (std::move(element).get(each) != simdjson::SUCCESS || !value(each, depth, ']')) {
             return false;
         }
         ++count;

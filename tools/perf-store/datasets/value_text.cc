@@ -19,6 +19,23 @@ int hex_digit(char c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
+// Most numbers: up to 18 decimal digits, the first of which is no 0 that makes them octal.
+bool parse_short_decimal(std::string_view text, std::uint64_t *value) {
+    if (text.empty() || text.size() > 18 || (text[0] == '0' && text.size() > 1)) {
+        return false;
+    }
+    std::uint64_t number = 0;
+    for (const char c : text) {
+        const auto digit = static_cast<unsigned char>(c - '0');
+        if (digit > 9) {
+            return false;
+        }
+        number = number * 10 + digit;
+    }
+    *value = number;
+    return true;
+}
+
 bool parse_address(int family, std::string_view text, std::uint8_t *octets) {
     char terminated[INET6_ADDRSTRLEN];
     if (text.size() >= sizeof terminated || text.find('\0') != std::string_view::npos) {
@@ -71,6 +88,10 @@ std::size_t plain_length(std::string_view text) {
 }  // namespace
 
 number_result parse_integer(std::string_view text, std::uint64_t *value, bool *negative) {
+    if (parse_short_decimal(text, value)) {
+        *negative = false;
+        return number_result::ok;
+    }
     *negative = text.starts_with('-');
     text.remove_prefix(*negative ? 1 : 0);
     int base = 10;
