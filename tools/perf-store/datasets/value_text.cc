@@ -4,11 +4,12 @@
 #include <arpa/inet.h>
 #include <cstring>
 
+#include "base/pm_address_text.h"
+
 namespace perf_store {
 
 namespace {
 
-constexpr char DIGITS[] = "0123456789abcdef";
 constexpr std::size_t MAC_OCTETS = 6;
 
 int hex_digit(char c) {
@@ -44,11 +45,6 @@ bool parse_address(int family, std::string_view text, std::uint8_t *octets) {
     std::memcpy(terminated, text.data(), text.size());
     terminated[text.size()] = '\0';
     return inet_pton(family, terminated, octets) == 1;
-}
-
-void append_address(int family, const std::uint8_t *octets, std::string *out) {
-    char text[INET6_ADDRSTRLEN];
-    out->append(inet_ntop(family, octets, text, sizeof text));
 }
 
 // Bytes of the UTF-8 sequence at the front of `text`; 0 when there is none (RFC 3629).
@@ -154,23 +150,25 @@ bool parse_hexadecimal(std::string_view text, std::uint8_t *octets) {
     return true;
 }
 
-void append_ipv4(const std::uint8_t *octets, std::string *out) { append_address(AF_INET, octets, out); }
-void append_ipv6(const std::uint8_t *octets, std::string *out) { append_address(AF_INET6, octets, out); }
+void append_ipv4(const std::uint8_t *octets, std::string *out) {
+    char text[PM_IPV4_TEXT_SIZE];
+    out->append(text, pm_write_ipv4(text, octets));
+}
+
+void append_ipv6(const std::uint8_t *octets, std::string *out) {
+    char text[PM_IPV6_TEXT_SIZE];
+    out->append(text, pm_write_ipv6(text, octets));
+}
 
 void append_mac(const std::uint8_t *octets, std::string *out) {
-    for (std::size_t i = 0; i < MAC_OCTETS; ++i) {
-        if (i != 0) {
-            out->push_back(':');
-        }
-        append_hexadecimal(octets + i, 1, out);
-    }
+    char text[PM_MAC_TEXT_SIZE];
+    out->append(text, pm_write_mac(text, octets));
 }
 
 void append_hexadecimal(const std::uint8_t *octets, std::size_t count, std::string *out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        out->push_back(DIGITS[octets[i] >> 4]);
-        out->push_back(DIGITS[octets[i] & 0xF]);
-    }
+    const std::size_t before = out->size();
+    out->resize(before + 2 * count);
+    pm_write_hexadecimal(out->data() + before, octets, count);
 }
 
 bool is_utf8(std::string_view text) {
