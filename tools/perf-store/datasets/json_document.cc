@@ -1,4 +1,4 @@
-// RapidJSON parses; its events build the nodes.
+// The careful parser: RapidJSON parses; its events build the nodes.
 #include "perf-store/datasets/json_document.h"
 
 #include <cstring>
