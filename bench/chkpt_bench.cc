@@ -74,7 +74,7 @@ struct heap {
     }
 };
 
-// Like a peer's arena: blocks one behind the other, given back all at once.
+// Like a peer's arena: blocks one after the other, given back all at once.
 struct arena {
     alignas(16) std::array<std::uint8_t, 8192> bytes;
     std::size_t used = 0;

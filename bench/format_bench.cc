@@ -37,7 +37,7 @@ void counter_lines_printf(benchmark::State &state) {
     for (auto _ : state) {
         for (int i = 0; i < LINES; ++i) {
             const int indent = 2 + 2 * (i % 4);
-            std::fprintf(out, "%*s%-*s: %lu\n", indent, "", PM_COUNTER_WIDTH - indent, LABELS[i % 4],
+            std::fprintf(out, "%*s%-*s: %lu\n", indent, "", PM_COLON - indent, LABELS[i % 4],
                          static_cast<unsigned long>(value));
             value = value * 7 % 100000007;
         }

@@ -1,5 +1,5 @@
 // Listing: the database client beside a bare LMDB cursor over the same items, which either only
-// steps or also copies each key and value out, a batch behind each other, as a client must that holds
+// steps or also copies each key and value out, one batch after another, as a client must that holds
 // nothing of the store while output waits.
 #include <benchmark/benchmark.h>
 #include <cstdlib>

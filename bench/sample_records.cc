@@ -1,4 +1,4 @@
-// See sample_records.h.
+// Fills records with values like those of a router.
 #include "bench/sample_records.h"
 
 #include <array>

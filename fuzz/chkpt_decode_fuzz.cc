@@ -1,4 +1,4 @@
-// See chkpt_decode_fuzz.h.
+// Decodes each input as every kind of message, and what a caller may rely on of each result.
 #include "fuzz/chkpt_decode_fuzz.h"
 
 #include <algorithm>
@@ -123,7 +123,7 @@ void chkpt_fuzz_one(const std::uint8_t *data, std::size_t size) {
     if (size < HEAD) {
         return;
     }
-    const std::vector<std::uint8_t> blob(data + HEAD, data + size);  // its own block: no byte behind it
+    const std::vector<std::uint8_t> blob(data + HEAD, data + size);  // its own block: no byte after it
     const fuzz_input input{blob.data(), static_cast<std::uint32_t>(blob.size()), data[1]};
     switch (data[0] % CHKPT_FUZZ_MESSAGES) {
     case 0: decode(ChkptAdvertisement_decode, input); break;

@@ -2,12 +2,33 @@
 # commands.
 # Sourced; expects $me, the script's name.
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+script=$(readlink -f "$0")
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 logs=build/logs
 
 fail() {
   echo "$me: $*" >&2
   exit 1
+}
+
+# answer_help ARGUMENT...: the comment that a script begins with, when that is asked for.
+answer_help() {
+  [ "${1:-}" = --help ] || [ "${1:-}" = -h ] || return 0
+  awk 'NR > 1 && !/^#/ { exit } /^# / && !/SPDX-/ { print substr($0, 3) } /^#$/ { print "" }' "$script"
+  exit 0
+}
+
+# refuse_arguments ARGUMENT...: for scripts that take none.
+refuse_arguments() { [ $# -eq 0 ] || fail "unknown argument $1 (see $me --help)"; }
+
+# The folder of what is built may be that of another user, who ran a script first.
+require_own_build() {
+  local place
+  for place in build "$logs"; do
+    [ ! -e "$place" ] || [ -w "$place" ] ||
+      fail "$PWD/$place belongs to $(stat -c %U "$place"): run $me as that user, or remove $PWD/build"
+  done
+  [ -e build ] || [ -w . ] || fail "$PWD belongs to $(stat -c %U .), and build/ is made in it: run $me as that user"
 }
 
 # install PACKAGE...: installs the Debian packages that are missing.
@@ -17,16 +38,19 @@ install() {
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return
+  command -v apt-get >/dev/null ||
+    fail "apt-get is not installed. What is needed are these packages of Debian 12, or what they hold: ${missing[*]}"
   local root=()
   if [ "$(id -u)" -ne 0 ]; then
-    command -v sudo >/dev/null || fail "needs root or sudo to install: ${missing[*]}"
+    command -v sudo >/dev/null || fail "packages are missing, and there is no sudo. An administrator installs them by:
+  apt-get install --no-install-recommends ${missing[*]}"
     root=(sudo)
   fi
   step "installing ${missing[*]}" install_packages "${missing[@]}"
 }
 
 install_packages() {
-  "${root[@]}" apt-get update -q
+  "${root[@]}" apt-get update -q || return
   "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -qy --no-install-recommends "$@"
 }
 
@@ -35,6 +59,7 @@ install_packages() {
 step() {
   local what=$1 log
   shift
+  require_own_build
   mkdir -p "$logs"
   log="$logs/$(tr -c 'a-z0-9\n' '-' <<<"${what,,}" | cut -c1-60).log"
   echo "== $what"
@@ -44,7 +69,8 @@ step() {
   fi
 }
 
-build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libsimdjson-dev libcli11-dev)
+build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libsimdjson-dev libcli11-dev
+  libedit-dev libbsd-dev libncurses-dev libhiredis-dev libssl-dev libyaml-cpp-dev)
 bench_packages=(libbenchmark-dev protobuf-compiler libprotobuf-dev libnanopb-dev nanopb)
 
 # build PRESET [CMAKE-OPTION...]: configures and builds a preset.

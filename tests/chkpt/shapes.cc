@@ -1,4 +1,4 @@
-// See shapes.h.
+// The members of each message, as the tests know them.
 #include "tests/chkpt/shapes.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # The manual pages render without a warning and name all that the programs have.
 #
-#   man_pages_test.sh PERF_SHOW PERF_STORE
+#   man_pages_test.sh PERF_SHOW PERF_STORE PERF_MEASURE
 set -euo pipefail
 
-perf_show=$1 perf_store=$2
+perf_show=$1 perf_store=$2 perf_measure=$3
 pages=$(cd "$(dirname "$0")/../../docs/man" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -29,6 +29,17 @@ render() {
 command -v man >/dev/null || fail "man is not installed (package man-db)"
 render perf-show.1
 render perf-store.1
+render perf-probed.8
+render perf-probed.yaml.5
+render perf-measure.1
+
+# Every key that the configuration of perf-probed has is in its page.
+sources=$pages/../../infra/perf-probed/config
+grep -ohE '(read|read_[a-z]+)\("[a-z-]+"' "$sources"/*.cc | sed 's/.*"\([a-z-]*\)"/\1/' | sort -u >"$work/keys"
+[ "$(wc -l <"$work/keys")" -gt 40 ] || fail "few keys of perf-probed's configuration were found"
+while read -r key; do
+    grep -Eq -- "(^|[ .(])$key([ .,;)]|$)" "$work/perf-probed.yaml.5" || fail "perf-probed.yaml.5: the key $key is missing"
+done <"$work/keys"
 
 # Whether perf-show takes these options; command type 0 ends it before it reads anything.
 takes() {
@@ -78,3 +89,14 @@ while read -r subcommand; do
         grep -Fq -- "$option" "$work/perf-store.1" || fail "perf-store.1: $subcommand $option is missing"
     done <"$work/options"
 done <"$work/subcommands"
+
+# The words: a paragraph for each command and for each plain option.
+"$perf_measure" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z][a-z -]*[a-z]\)\( NAME\)\{0,1\}  .*/\1/p' >"$work/commands"
+[ "$(wc -l <"$work/commands")" -gt 40 ] || fail "perf-measure --help lists hardly any command"
+while read -r words; do
+    grep -Eq "^ {7}$words( NAME)?$" "$work/perf-measure.1" || fail "perf-measure.1: '$words' is missing"
+done <"$work/commands"
+"$perf_measure" --help | grep -Eo '^  (-[a-z],)?--[a-z-]+' | grep -Eo -- '--[a-z-]+' >"$work/options"
+while read -r option; do
+    grep -Eq "^ {7}$option( |$)" "$work/perf-measure.1" || fail "perf-measure.1: $option is missing"
+done <"$work/options"

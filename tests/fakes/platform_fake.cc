@@ -1,4 +1,4 @@
-// See platform_fake.h.
+// A platform whose answers a test sets, and that records how it is called.
 #include "tests/fakes/platform_fake.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// A platform for tests of pm_utils. See platform_text_fake.h.
+// A platform for tests of pm_utils.
 #include "tests/fakes/platform_text_fake.h"
 
 #include <array>

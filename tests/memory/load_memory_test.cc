@@ -51,7 +51,7 @@ protected:
     peaks measure(const std::string &name, const std::string &options) const {
         const std::string store = folder_.path() + "/" + name;
         const std::string set = store + ".ndjson";
-        EXPECT_EQ(run_command(PERF_STORE " gen" + options + " >" + set, store).status, 0);
+        EXPECT_EQ(run_command("perf-store gen" + options + " >" + set, store).status, 0);
         peaks result;
         result.load = largest_memory_kb({PERF_STORE, "load", set}, store);
         result.load_again = largest_memory_kb({PERF_STORE, "load", set}, store);

@@ -45,6 +45,12 @@ TEST(ItemPaths, EveryFilteredPrefixFollowsFromItsPlainOne) {
     }
 }
 
+TEST(ItemPaths, APlaceWithAFilterHoldsNames) {
+    for (const place_row &row : PLACES) {
+        EXPECT_TRUE(row.filter == nullptr || row.path.ends_with('/')) << row.path;
+    }
+}
+
 TEST(ItemPaths, NoFilteredPrefixIsTheBeginningOfAnother) {
     for (const place_row &one : PLACES) {
         for (const place_row &other : PLACES) {

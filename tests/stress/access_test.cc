@@ -92,7 +92,7 @@ TEST_F(Access, AMemberOfTheFoldersGroupReadsBesideAWriter) {
     std::string expected[2];
     for (unsigned i = 0; i < 2; ++i) {
         ASSERT_TRUE(load(store(), set(i)));
-        expected[i] = run_command(PERF_SHOW " -c 9 -N 5", store()).out;
+        expected[i] = run_command("perf-show -c 9 -N 5", store()).out;
     }
     ASSERT_NE(expected[0], expected[1]);
     looping_writer writer(store(), {set(0), set(1)});

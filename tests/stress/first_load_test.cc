@@ -14,7 +14,7 @@ class FirstLoad : public testing::Test {
 protected:
     [[nodiscard]] std::string store() const { return folder_.path() + "/a/store"; }
     [[nodiscard]] std::string path(const std::string &name) const { return folder_.path() + "/" + name; }
-    [[nodiscard]] std::string dump() const { return run_command(PERF_STORE " dump", store()).out; }
+    [[nodiscard]] std::string dump() const { return run_command("perf-store dump", store()).out; }
 
     // A load that has begun and waits for the rest of its set.
     [[nodiscard]] running_process waiting_load(int *input) const {
@@ -41,7 +41,7 @@ protected:
 TEST_F(FirstLoad, IsSeenByNobodyUntilItIsDone) {
     int input = -1;
     running_process first = waiting_load(&input);
-    const command_result dumped = run_command(PERF_STORE " dump", store());
+    const command_result dumped = run_command("perf-store dump", store());
     EXPECT_EQ(dumped.status, 1);
     EXPECT_EQ(dumped.err, "perf-store: lmdb:" + store() + ": Store client not available\n");
     const std::string line = interface_line("eth0", 1, 10);
@@ -119,12 +119,12 @@ TEST_F(FirstLoad, OfMoreThanTheDiskHoldsIsRefusedAndLeavesTheStoreAsItWas) {
         bool good = unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                     mount("none", path("disk").c_str(), "tmpfs", 0, "size=3m") == 0;
         const std::string error = "perf-store: " + disk_store + ": No space left on device\n";
-        const command_result first = run_command(PERF_STORE " load " + path("large"), disk_store);
+        const command_result first = run_command("perf-store load " + path("large"), disk_store);
         good = good && first.status == 1 && first.err == error && !std::filesystem::exists(disk_store);
         good = good && load(disk_store, path("small"));
-        const command_result before = run_command(PERF_STORE " dump", disk_store);
-        const command_result second = run_command(PERF_STORE " load --replace " + path("large"), disk_store);
-        const command_result after = run_command(PERF_STORE " dump", disk_store);
+        const command_result before = run_command("perf-store dump", disk_store);
+        const command_result second = run_command("perf-store load --replace " + path("large"), disk_store);
+        const command_result after = run_command("perf-store dump", disk_store);
         good = good && second.status == 1 && second.err == error && after.out == before.out && after.status == 0;
         good = good && load(disk_store, path("small"));
         if (!good) {

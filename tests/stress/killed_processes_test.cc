@@ -191,14 +191,14 @@ TEST_F(KilledProcesses, SlotsOfReadersAreUsedAgain) {
             break;  // no slot is free any more, and no writer has cleared them
         }
     }
-    const command_result show = run_command(PERF_SHOW " -c 9 | grep -c lc", store());
+    const command_result show = run_command("perf-show -c 9 | grep -c lc", store());
     EXPECT_EQ(show.err, "");
     EXPECT_EQ(show.out, std::to_string(SUMMARIES) + "\n");
 }
 
 TEST_F(KilledProcesses, ReadersAtWorkInEverySlotAreReported) {
     const running_process reader = holder(lmdb_store::MAX_READERS);
-    const command_result show = run_command(PERF_SHOW " -c 9", store());
+    const command_result show = run_command("perf-show -c 9", store());
     EXPECT_EQ(show.status, 0);
     EXPECT_NE(show.err.find("(0x8081c600)"), std::string::npos) << show.err;
     EXPECT_TRUE(load(store(), change_set(0)));  // a writer needs none
@@ -239,9 +239,7 @@ protected:
     [[nodiscard]] std::string set(std::uint32_t number) const {
         return folder_.path() + "/set" + std::to_string(number);
     }
-    [[nodiscard]] static command_result dump(const std::string &store) {
-        return run_command(PERF_STORE " dump", store);
-    }
+    [[nodiscard]] static command_result dump(const std::string &store) { return run_command("perf-store dump", store); }
 
     // How long a load takes, in microseconds.
     [[nodiscard]] unsigned load_time() const {
@@ -292,7 +290,7 @@ TEST_F(KilledWriter, OfAStoreThatDoesNotExistYetLeavesNothingOrAll) {
     unsigned interrupted = 0;
     for (unsigned i = 0; i < WRITER_KILLS / 2; ++i) {
         kill_a_load(0, time);
-        const command_result show = run_command(PERF_SHOW " -c 9", store());
+        const command_result show = run_command("perf-show -c 9", store());
         EXPECT_EQ(show.err.find("damaged"), std::string::npos) << show.err;
         const command_result found = dump(store());
         if (found.out != dumps_[0]) {

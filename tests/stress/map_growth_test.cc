@@ -59,10 +59,10 @@ TEST(MapGrowth, IsFollowedByAReaderThatOpenedTheStoreBefore) {
         store::census ignored;
         // Opens the store while its map is small.
         bool good = !store::shared_reader(&from) && !from->count(&ignored);
-        good = good && run_command(PERF_STORE " load " + folder.path() + "/set", store).status == 0;
+        good = good && run_command("perf-store load " + folder.path() + "/set", store).status == 0;
         good = good && list_interfaces(check_item) == ERRCODE_SUCCESS && shown == 300;
         shown = 0;
-        good = good && run_command(PERF_STORE " load " + folder.path() + "/more", store).status == 0;
+        good = good && run_command("perf-store load " + folder.path() + "/more", store).status == 0;
         return good && size_of(store) > 2 * SMALL_MAP && list_interfaces(check_item) == ERRCODE_SUCCESS &&
                shown == ITEMS && whole;
     });
@@ -89,7 +89,7 @@ TEST(MapGrowth, IsFollowedWithinALimitedAddressSpace) {
         static_cast<void>(!std::freopen("/dev/null", "w", stdout));
         bool good = setrlimit(RLIMIT_AS, &LIMIT) == 0 && list_interfaces(check_item) == ERRCODE_SUCCESS && shown == 1;
         shown = 0;
-        good = good && run_command(PERF_STORE " load " + folder.path() + "/set", store).status == 0;
+        good = good && run_command("perf-store load " + folder.path() + "/set", store).status == 0;
         return good && list_interfaces(check_item) == ERRCODE_SUCCESS && shown == ITEMS && whole;
     });
     EXPECT_TRUE(reader.wait(10));
@@ -102,7 +102,7 @@ bool grown = false;
 int grow_then_check(const void *decoded_parcel) {
     const int result = check_item(decoded_parcel);
     if (shown == STRESS_BATCH && !grown) {
-        grown = run_command(PERF_STORE " load " + growing_set, growing_store).status == 0;
+        grown = run_command("perf-store load " + growing_set, growing_store).status == 0;
     }
     return result;
 }
@@ -125,7 +125,7 @@ TEST(MapGrowth, IsFollowedBetweenTwoBatches) {
         static_cast<void>(!std::freopen("/dev/null", "w", stdout));
         store::reader *from = nullptr;
         return !store::shared_reader(&from) &&
-               run_command(PERF_STORE " load " + folder.path() + "/set", growing_store).status == 0 &&
+               run_command("perf-store load " + folder.path() + "/set", growing_store).status == 0 &&
                list_interfaces(grow_then_check) == ERRCODE_SUCCESS && grown && shown == ITEMS && whole;
     });
     EXPECT_TRUE(reader.wait(10));

@@ -279,7 +279,7 @@ TEST_F(ReadersBesideWriter, ShowEveryItemThatStaysOnce) {
     looping_writer writer(store(), sets);
     unsigned shows = 0;
     for (const auto start = stress_clock::now(); seconds_since(start) < LOADING_SECONDS; ++shows) {
-        read_shown(run_command(PERF_SHOW " -c 1 -N 1 | sed -n 's/^Interface Name: \\(.*\\) (ifh: .*/\\1/p'", store()));
+        read_shown(run_command("perf-show -c 1 -N 1 | sed -n 's/^Interface Name: \\(.*\\) (ifh: .*/\\1/p'", store()));
         ASSERT_EQ(now.problem, "");
         ASSERT_TRUE(listed_all(staying)) << now.names.size() << " items";
     }
@@ -293,7 +293,7 @@ TEST_F(ReadersBesideWriter, GoOnAfterTheLastItemOfABatchWasRemoved) {
         names.push_back(padded("eth", i));
     }
     ASSERT_TRUE(load(store(), write_set("set", lines_of(names, 1))));
-    expect_listing(STRESS_BATCH, PERF_STORE " rm --root main --node 1 " + (STRESS_LISTED + names[STRESS_BATCH - 1]),
+    expect_listing(STRESS_BATCH, "perf-store rm --root main --node 1 " + (STRESS_LISTED + names[STRESS_BATCH - 1]),
                    names);
 }
 
@@ -309,7 +309,7 @@ TEST_F(ReadersBesideWriter, GoOnAfterTheLastItemOfABatchWasRemovedWithItsNeighbo
     }
     std::vector<std::string> expected = names;
     expected.erase(expected.begin() + STRESS_BATCH, expected.begin() + 250);
-    expect_listing(STRESS_BATCH, PERF_STORE " rm --root main --node 1" + removed, expected);
+    expect_listing(STRESS_BATCH, "perf-store rm --root main --node 1" + removed, expected);
 }
 
 TEST_F(ReadersBesideWriter, GoOnAfterALongNameWasRemoved) {
@@ -319,7 +319,7 @@ TEST_F(ReadersBesideWriter, GoOnAfterALongNameWasRemoved) {
     }
     ASSERT_TRUE(load(store(), write_set("set", lines_of(names, 1))));
     expect_listing(2 * STRESS_BATCH,
-                   PERF_STORE " rm --root main --node 1 " + (STRESS_LISTED + names[2 * STRESS_BATCH - 1]), names);
+                   "perf-store rm --root main --node 1 " + (STRESS_LISTED + names[2 * STRESS_BATCH - 1]), names);
 }
 
 TEST_F(ReadersBesideWriter, GoOnAfterANameOfExactlyWhatACallerKeeps) {
@@ -334,7 +334,7 @@ TEST_F(ReadersBesideWriter, GoOnAfterANameOfExactlyWhatACallerKeeps) {
             names.push_back(padded(last, i));
         }
         ASSERT_TRUE(load(store(), write_set("set", lines_of(names, 1)), true));
-        expect_listing(STRESS_BATCH, PERF_STORE " rm --root main --node 1 " + (STRESS_LISTED + last), names);
+        expect_listing(STRESS_BATCH, "perf-store rm --root main --node 1 " + (STRESS_LISTED + last), names);
     }
 }
 
@@ -355,7 +355,7 @@ TEST_F(ReadersBesideWriter, SeeWhatWasAddedBehindAndNotWhatWasAddedBefore) {
         // All that follows becomes as new as what is added.
         const std::vector<std::string> following(names.begin() + STRESS_BATCH, names.end());
         const std::string rest = write_set("rest", lines_of(following, 2));
-        expect_listing(STRESS_BATCH, PERF_STORE " load " + added + " " + rest, expected);
+        expect_listing(STRESS_BATCH, "perf-store load " + added + " " + rest, expected);
     }
 }
 
@@ -369,7 +369,7 @@ TEST_F(ReadersBesideWriter, DoNotSeeWhatWasRemovedBehindThem) {
     expected.erase(expected.begin() + 500);
     expected.erase(expected.begin() + STRESS_BATCH);
     expect_listing(STRESS_BATCH,
-                   PERF_STORE " rm --root main --node 1 " + (STRESS_LISTED + names[5]) + " " +
+                   "perf-store rm --root main --node 1 " + (STRESS_LISTED + names[5]) + " " +
                        (STRESS_LISTED + names[STRESS_BATCH]) + " " + (STRESS_LISTED + names[500]),
                    expected);
 }
@@ -382,7 +382,7 @@ TEST_F(ReadersBesideWriter, EndWhenAllThatFollowsIsGone) {
     ASSERT_TRUE(load(store(), write_set("set", lines_of(names, 1))));
     const std::string fewer = write_set("fewer", lines_of({names[0]}, 2));
     names.resize(STRESS_BATCH);
-    expect_listing(STRESS_BATCH, PERF_STORE " load --replace " + fewer, names);
+    expect_listing(STRESS_BATCH, "perf-store load --replace " + fewer, names);
 }
 
 }  // namespace

@@ -29,14 +29,26 @@ struct command_result {
     std::string err;
 };
 
+// Lets a shell find perf-show and perf-store by their names and the example chassis as $EXAMPLE, whatever blanks and
+// parentheses are in their paths. Only for tests that are built with the programs.
+inline void name_programs() {
+#ifdef PERF_SHOW
+    const char *const path = std::getenv("PATH");
+    const std::string own = std::filesystem::path(PERF_SHOW).parent_path();
+    ::setenv("PATH", (own + ":" + (path != nullptr ? path : "/usr/bin:/bin")).c_str(), 1);
+    ::setenv("EXAMPLE", PM_EXAMPLE, 1);
+#endif
+}
+
 // Runs a shell command with OPSTORE_URL naming `store`. What the shell redirects itself is not seen.
 inline command_result run_command(const std::string &command, const std::string &store) {
     const temporary_folder work;
-    const std::string whole = "export TZ=UTC OPSTORE_URL=lmdb:" + store + "; exec >" + work.path() + "/out 2>" +
-                              work.path() + "/err; " + command;
+    const std::string whole = "export TZ=UTC OPSTORE_URL='lmdb:" + store + "'; exec >'" + work.path() + "/out' 2>'" +
+                              work.path() + "/err'; " + command;
     const pid_t child = fork();
     if (child == 0) {
         std::signal(SIGPIPE, SIG_DFL);
+        name_programs();
         execl("/bin/bash", "bash", "-c", whole.c_str(), nullptr);
         std::_Exit(127);
     }

@@ -15,7 +15,7 @@ protected:
 #ifdef __SANITIZE_ADDRESS__
         GTEST_SKIP() << "the sanitizer needs all of the address space";
 #endif
-        ASSERT_EQ(run(PERF_STORE " load " PM_EXAMPLE).status, 0);
+        ASSERT_EQ(run("perf-store load \"$EXAMPLE\"").status, 0);
     }
     [[nodiscard]] command_result run(const std::string &command) const { return run_command(command, folder_.path()); }
 
@@ -23,7 +23,7 @@ protected:
 };
 
 TEST_F(AddressSpace, SmallerThanTheMapIsEnoughToRead) {
-    for (const char *command : {PERF_SHOW " -c 9", PERF_STORE " dump", PERF_STORE " stat", PERF_STORE " ls"}) {
+    for (const char *command : {"perf-show -c 9", "perf-store dump", "perf-store stat", "perf-store ls"}) {
         const command_result free = run(command);
         const command_result limited = run(std::string(FOUR_GIGABYTES) + command);
         EXPECT_EQ(limited.status, 0) << command;
@@ -35,9 +35,9 @@ TEST_F(AddressSpace, SmallerThanTheMapIsEnoughToRead) {
 }
 
 TEST_F(AddressSpace, SmallerThanTheMapIsEnoughToWrite) {
-    const std::string before = run(PERF_STORE " dump").out;
-    EXPECT_EQ(run(std::string(FOUR_GIGABYTES) + PERF_STORE " load --replace " PM_EXAMPLE).err, "");
-    EXPECT_EQ(run(PERF_STORE " dump").out, before);
+    const std::string before = run("perf-store dump").out;
+    EXPECT_EQ(run(std::string(FOUR_GIGABYTES) + "perf-store load --replace \"$EXAMPLE\"").err, "");
+    EXPECT_EQ(run("perf-store dump").out, before);
 }
 
 TEST_F(AddressSpace, TooSmallForTheFileIsAClearError) {
@@ -47,17 +47,17 @@ TEST_F(AddressSpace, TooSmallForTheFileIsAClearError) {
                R"(","type":"pm_chkpt_scb_parcel","record":{"buf":")" + std::string(200'000, 'a') + "\"}}}\n";
     }
     write_file(folder_.path() + "/set", set);
-    ASSERT_EQ(run(PERF_STORE " load " + folder_.path() + "/set").err, "");
+    ASSERT_EQ(run("perf-store load " + folder_.path() + "/set").err, "");
     for (const char *command : {" dump", " stat", " ls"}) {
-        const command_result limited = run(LESS_THAN_THE_FILE + std::string(PERF_STORE) + command);
+        const command_result limited = run(LESS_THAN_THE_FILE + std::string("perf-store") + command);
         EXPECT_EQ(limited.signal, 0) << command;
         EXPECT_EQ(limited.status, 1) << command;
         EXPECT_EQ(limited.err, "perf-store: lmdb:" + folder_.path() + ": Not enough memory\n") << command;
     }
-    const command_result show = run(LESS_THAN_THE_FILE + std::string(PERF_SHOW) + " -c 9 -N 0x100");
+    const command_result show = run(LESS_THAN_THE_FILE + std::string("perf-show -c 9 -N 0x100"));
     EXPECT_EQ(show.signal, 0);
     EXPECT_NE(show.err.find("Not enough memory"), std::string::npos) << show.err;
-    const command_result load = run(LESS_THAN_THE_FILE + std::string(PERF_STORE) + " load " PM_EXAMPLE);
+    const command_result load = run(LESS_THAN_THE_FILE + std::string("perf-store load \"$EXAMPLE\""));
     EXPECT_EQ(load.signal, 0);
     EXPECT_EQ(load.status, 1);
     EXPECT_NE(load.err, "");

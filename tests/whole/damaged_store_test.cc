@@ -30,11 +30,11 @@ protected:
                    R"(,"path":"summary","type":"pm_summary_parcel","record":{"TotalInterfaces":)" + id + "}}}\n";
         }
         write_file(folder_->path() + "/set", set);
-        const command_result loaded = run_command(PERF_STORE " load " + folder_->path() + "/set", store());
+        const command_result loaded = run_command("perf-store load " + folder_->path() + "/set", store());
         ASSERT_EQ(loaded.status, 0) << loaded.err;
         sound_ = read_file(store() + "/data.mdb");
         ASSERT_GT(sound_.size(), 20 * PAGE);
-        sound_output_ = run_command(PERF_SHOW " -c 9", store()).out;
+        sound_output_ = run_command("perf-show -c 9", store()).out;
         ASSERT_NE(sound_output_.find("lc1299"), std::string::npos);
     }
     static void TearDownTestSuite() { delete folder_; }
@@ -63,7 +63,7 @@ protected:
     // the right one. A node whose record is lost says so or shows nothing.
     static void expect_defined(const std::string &bytes, const std::string &what) {
         write_file(store() + "/data.mdb", bytes);
-        const command_result show = run_command(PERF_SHOW " -c 9", store());
+        const command_result show = run_command("perf-show -c 9", store());
         EXPECT_EQ(show.signal, 0) << what;
         EXPECT_EQ(show.status, 0) << what << ": " << show.err;
         const auto sound = sections(sound_output_);
@@ -72,7 +72,7 @@ protected:
             const bool lost = text.find("Measurement Information") == std::string::npos;
             EXPECT_TRUE(right || lost) << what << ": another record of " << node << "\n" << text;
         }
-        const command_result dump = run_command(PERF_STORE " dump", store());
+        const command_result dump = run_command("perf-store dump", store());
         EXPECT_EQ(dump.signal, 0) << what;
         EXPECT_TRUE(dump.status == 0 || (dump.status == 1 && !dump.err.empty())) << what << ": " << dump.status;
     }
@@ -130,11 +130,11 @@ constexpr char MISSING[] =
 
 TEST_F(DamagedStore, OfAnotherKindIsRefusedByBothPrograms) {
     write_file(store() + "/data.mdb", std::string(10'000, 'x'));
-    const command_result show = run_command(PERF_SHOW " -c 9", store());
+    const command_result show = run_command("perf-show -c 9", store());
     EXPECT_EQ(show.status, 0);
     EXPECT_EQ(show.out, "");
     EXPECT_EQ(show.err, DAMAGED);
-    const command_result load = run_command(PERF_STORE " load /dev/null", store());
+    const command_result load = run_command("perf-store load /dev/null", store());
     EXPECT_EQ(load.status, 1);
     EXPECT_EQ(load.err, "perf-store: " + store() + ": not a perf-show store\n");
 }
@@ -151,26 +151,26 @@ TEST(ForeignStore, AnLMDBEnvironmentOfAnotherProgramIsRefused) {
                mdb_txn_begin(env, nullptr, 0, &txn) == 0 && mdb_dbi_open(txn, nullptr, 0, &table) == 0 &&
                mdb_put(txn, table, &value, &value, 0) == 0 && mdb_txn_commit(txn) == 0;
     }));
-    EXPECT_EQ(run_command(PERF_SHOW " -c 9", folder.path()).err, DAMAGED);
-    const command_result load = run_command(PERF_STORE " load /dev/null", folder.path());
+    EXPECT_EQ(run_command("perf-show -c 9", folder.path()).err, DAMAGED);
+    const command_result load = run_command("perf-store load /dev/null", folder.path());
     EXPECT_EQ(load.status, 1);
     EXPECT_EQ(load.err, "perf-store: " + folder.path() + ": not a perf-show store\n");
 }
 
 TEST(MissingStore, IsReportedForEveryReadAndChangesNoExitStatus) {
-    const command_result walk = run_command(PERF_SHOW " -c 9", "/nonexistent");
+    const command_result walk = run_command("perf-show -c 9", "/nonexistent");
     EXPECT_EQ(walk.status, 0);
     EXPECT_EQ(walk.err, MISSING);
-    const command_result node = run_command(PERF_SHOW " -c 9 -N 1", "/nonexistent");
+    const command_result node = run_command("perf-show -c 9 -N 1", "/nonexistent");
     EXPECT_EQ(node.status, 0);
     EXPECT_EQ(node.out, "");
     EXPECT_EQ(node.err, " generic_show: opstore_bind failed: Store client not available (0x8081c200)\n");
 }
 
 TEST(MissingStore, AnURLOfAnotherKindIsNoStore) {
-    const command_result show = run_command("OPSTORE_URL=file:/tmp " PERF_SHOW " -c 9", "/nonexistent");
+    const command_result show = run_command("OPSTORE_URL=file:/tmp perf-show -c 9", "/nonexistent");
     EXPECT_EQ(show.err, MISSING);
-    const command_result load = run_command("OPSTORE_URL=file:/tmp " PERF_STORE " load /dev/null", "/nonexistent");
+    const command_result load = run_command("OPSTORE_URL=file:/tmp perf-store load /dev/null", "/nonexistent");
     EXPECT_EQ(load.status, 1);
     EXPECT_EQ(load.err, "perf-store: file:/tmp: a store is named lmdb:FOLDER\n");
 }

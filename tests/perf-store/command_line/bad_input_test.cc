@@ -170,8 +170,8 @@ TEST_F(BadInput, ObjectsWithoutWhiteSpaceBetween) {
 }
 
 TEST_F(BadInput, UnknownKey) {
-    expect(R"({"nodes":{}})", "nodes: unknown object");
-    expect(R"({"Item":{}})", "Item: unknown object");
+    expect(R"({"nodes":{}})", "nodes: unknown object; did you mean node?");
+    expect(R"({"Item":{}})", "Item: unknown object; did you mean item?");
 }
 
 TEST_F(BadInput, AMessageIsOneLineWhateverTheInputHolds) {
@@ -275,6 +275,34 @@ TEST_F(BadInput, ItemMembers) {
 TEST_F(BadInput, TheStoresOwnRecordsAreNoItems) {
     expect(R"({"item":{"root":"main","node":0,"path":"a","type":"local_node","record":{}}})",
            "item.type: unknown record type local_node");
+}
+
+TEST_F(BadInput, WordsThatAreNearlyRightAreNamed) {
+    expect(item_with(R"({"Avrage":1})"), "item.record.Avrage: unknown field; did you mean Average?");
+    expect(R"({"node":{"id":1,"name":"lc1","sw_stat":6}})", "node.sw_stat: unknown member; did you mean sw_state?");
+    expect(R"({"item":{"root":"main","node":0,"path":"a","type":"pm_sumary_parcel","record":{}}})",
+           "item.type: unknown record type pm_sumary_parcel; did you mean pm_summary_parcel?");
+}
+
+TEST_F(BadInput, TextThatIsNoJsonNamesItsColumn) {
+    expect_refused(R"({"node":{"id":1,"name":"lc1"}})"
+                   "\n"
+                   R"({"node":{"id":2 "name":"lc2"}})",
+                   "set.ndjson:2: column 17: Missing a comma or } after an object member.");
+    expect_refused(R"({"node":{"id":1,"name":"lc1"}} {"node":x})", "set.ndjson:1: column 40: Invalid value.");
+}
+
+TEST_F(BadInput, WhatIsNoDataSetAtAllIsNamed) {
+    expect("\xEF\xBB\xBF{}", "this is a byte order mark; a data set begins without one");
+    const std::string utf16 = "this is UTF-16; a data set is UTF-8 (iconv -f UTF-16 -t UTF-8 makes it so)";
+    expect("\xFF\xFE{\0"s, utf16);
+    expect("\xFE\xFF\0{"s, utf16);
+    expect("{\0}\0"s, utf16);
+    expect("\0{\0}"s, utf16);
+    expect("\x1F\x8B\x08\0"s, "this is compressed by gzip; gzip -dc FILE | perf-store load - reads it");
+    expect("// captured\n{}", "column 1: this is a comment, which JSON does not have");
+    expect("  # captured\n{}", "column 3: this is a comment, which JSON does not have");
+    expect("{/* */}", "column 2: this is a comment, which JSON does not have");
 }
 
 TEST_F(BadInput, Record) {

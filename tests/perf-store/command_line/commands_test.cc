@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "schema/pm_descriptors.h"
 #include "tests/perf-store/command_line/objects.h"
 
 namespace {
@@ -141,6 +142,23 @@ TEST_F(Commands, WrongUsageIsStatusTwo) {
     }
 }
 
+TEST_F(Commands, AWordThatIsNoCommandIsNamedWithTheNearestOne) {
+    const outcome wrong = run({"laod", "set.ndjson"});
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.out, "");
+    EXPECT_EQ(wrong.error, "perf-store: unknown command laod; did you mean load? (perf-store --help tells more)\n");
+    EXPECT_EQ(run({"frobnicate"}).error, "perf-store: unknown command frobnicate (perf-store --help tells more)\n");
+}
+
+TEST_F(Commands, WhatTheParserRefusesIsToldInTheProgramsName) {
+    for (const std::vector<std::string> &call :
+         std::vector<std::vector<std::string>>{{}, {"--no-such"}, {"load"}, {"ls", "--root", "tx"}}) {
+        const outcome wrong = run(call);
+        EXPECT_EQ(wrong.status, 2);
+        EXPECT_TRUE(wrong.error.starts_with("perf-store: ")) << wrong.error;
+    }
+}
+
 // Types and schemas ------------------------------------------------------------------------------
 
 TEST_F(Commands, TypesListsEveryTypeWithVersionAndSize) {
@@ -151,7 +169,7 @@ TEST_F(Commands, TypesListsEveryTypeWithVersionAndSize) {
     for (const std::string &line : lines_of(types.out)) {
         lines.push_back(squeezed(line));
     }
-    EXPECT_EQ(lines.size(), 200U);
+    EXPECT_EQ(lines.size(), pm_descriptors().size());
     for (const char *wanted :
          {"pm_values_parcel 19.8 16", "pm_srpolicy_parcel 19.8 96", "pm_session_parcel 19.8 584",
           "pm_resp_summary_parcel 1.1 112", "pm_rx_udp_npu_ports_parcel 1.1 14", "pm_chkpt_scb_parcel 2.0 16",

@@ -329,7 +329,7 @@ TEST_F(OtherStore, OfAnotherFormatIsRefusedAndStaysAsItIs) {
 }
 
 TEST_F(OtherStore, WithKeysOfAnyLengthNeverEndsACommandBySignal) {
-    const local_publisher running{0};
+    const local_publisher running{0, nullptr};
     for (const std::string &key :
          {"I"s, "Im"s, "Im\0\0\0"s, "Im\0\0\0\0"s, "I?\0\0\0\0a"s, "U"s, "Um"s, "Um\0\0\0"s, "Um\0\0\0\0a"s,
           "U?\0\0\0\0"s, "N"s, "N\0"s, "N\0\0\0\0\0"s, "H"s, "H\0"s, "Px"s, "S"s}) {
@@ -393,13 +393,13 @@ TEST_F(OtherStore, WithATextThatIsNotUtf8GivesNoPartOfItsLine) {
 }
 
 TEST_F(OtherStore, OfAnUnknownPublisherStateIsRefused) {
-    const local_publisher unknown{4};
+    const local_publisher unknown{4, nullptr};
     make({FORMAT, record_under("Um\0\0\0\0"s, &unknown, local_publisher_descriptor())});
     expect_refuses(run({"dump"}), "dump");
 }
 
 TEST_F(OtherStore, WithARecordOfAnotherTypeInItsPlaceIsRefused) {
-    const local_publisher running{0};
+    const local_publisher running{0, nullptr};
     for (const std::string &key : {"P"s, "N\0\0\0\0"s, "H\0\0\0\1"s, "Im\0\0\0\0a"s}) {
         make({FORMAT, record_under(key, &running, local_publisher_descriptor())});
         expect_refuses(run({"dump"}), key.substr(0, 1));

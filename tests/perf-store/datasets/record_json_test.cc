@@ -66,8 +66,6 @@ INSTANTIATE_TEST_SUITE_P(RecordJson, EveryRecordType,
                          testing::ValuesIn(pm_descriptors().begin(), pm_descriptors().end()),
                          [](const auto &type) { return std::string(type.param->name); });
 
-TEST(RecordJson, ThereAreTwoHundredTypes) { EXPECT_EQ(pm_descriptors().size(), 200U); }
-
 TEST(RecordJson, FieldsMayComeInAnyOrder) {
     EXPECT_EQ(again(VALUES, R"({"Variance":4,"Average":1,"Maximum":3,"Minimum":2})"),
               R"({"Average":1,"Minimum":2,"Maximum":3,"Variance":4})");
@@ -79,8 +77,8 @@ TEST(RecordJson, AFieldGivenTwiceIsRefused) {
 }
 
 TEST(RecordJson, NamesAreTakenToTheLetter) {
-    EXPECT_EQ(refusal(VALUES, R"({"average":1})"), "average: unknown field");
-    EXPECT_EQ(refusal(VALUES, R"({"Average ":1})"), "Average : unknown field");
+    EXPECT_EQ(refusal(VALUES, R"({"average":1})"), "average: unknown field; did you mean Average?");
+    EXPECT_EQ(refusal(VALUES, R"({"Average ":1})"), "Average : unknown field; did you mean Average?");
     const std::string empty = refusal(VALUES, R"({"":1})");
     EXPECT_TRUE(empty.ends_with("unknown field")) << empty;
     EXPECT_EQ(empty.find('['), std::string::npos) << empty << " looks like an element of an array";

@@ -1,11 +1,13 @@
 // perf-store: puts data sets into the store of the local platform and gets them out.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <exception>
 
 #include "perf-store/command_line/commands.h"
 #include "perf-store/datasets/dataset_names.h"
 #include "perf-store/datasets/message_text.h"
+#include "perf-store/datasets/nearest_word.h"
 #include "perf-store/datasets/value_text.h"
 
 namespace {
@@ -15,6 +17,8 @@ using namespace perf_store;
 constexpr char DESCRIPTION[] =
     "Puts data sets into the store of perf-show's local platform and gets them out.\n"
     "The environment variable OPSTORE_URL names the store as lmdb:FOLDER.";
+
+constexpr std::size_t LONGEST_REASON = 300;  // bytes of what the parser says
 
 // Values of the options.
 struct arguments {
@@ -117,6 +121,22 @@ item_selection selection_of(const arguments &given) {
     return selection;
 }
 
+int report_usage(const std::string &wrong) {
+    static_cast<void>(report(pm_error(on_one_line(wrong) + " (perf-store --help tells more)")));
+    return EXIT_USAGE;
+}
+
+// A first word that is no command, which the parser does not name. Empty when there is none.
+std::string unknown_command(const CLI::App &app, int argc, char **argv) {
+    const std::string_view given = argc > 1 ? argv[1] : "-";
+    const std::vector<const CLI::App *> known = app.get_subcommands([](const CLI::App *) { return true; });
+    const auto name_of = [](const CLI::App *each) -> std::string_view { return each->get_name(); };
+    if (given.starts_with('-') || std::ranges::find(known, given, name_of) != known.end()) {
+        return {};
+    }
+    return "unknown command " + excerpt(given) + did_you_mean(given, known, name_of);
+}
+
 int run(int argc, char **argv) {
     CLI::App app(DESCRIPTION, "perf-store");
     arguments given;
@@ -129,13 +149,15 @@ int run(int argc, char **argv) {
     app.add_subcommand("stat", "Items and bytes of each root and node")->footer("Example: perf-store stat");
     app.add_subcommand("types", "List the record types: name, version, size")->footer("Example: perf-store types");
     add_schema(&app, &given);
+    if (const std::string wrong = unknown_command(app, argc, argv); !wrong.empty()) {
+        return report_usage(wrong);
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &asked) {  // --help or --version
         return app.exit(asked);
     } catch (const CLI::ParseError &error) {
-        app.exit(error);
-        return EXIT_USAGE;
+        return report_usage(excerpt(error.what(), LONGEST_REASON));
     }
     if (app.got_subcommand("load")) {
         return run_load(given.load);

@@ -3,6 +3,7 @@
 
 #include "perf-store/command_line/commands.h"
 #include "perf-store/datasets/message_text.h"
+#include "perf-store/datasets/nearest_type.h"
 #include "perf-store/datasets/output_file.h"
 #include "perf-store/datasets/record_shape.h"
 #include "perf-store/generator/generate.h"
@@ -30,7 +31,7 @@ int run_types() {
 int run_schema(const std::string &name) {
     const parcel_descriptor *type = pm_find_descriptor(name);
     if (type == nullptr) {
-        return report(pm_error("unknown record type " + on_one_line(excerpt(name))));
+        return report(pm_error("unknown record type " + on_one_line(excerpt(name)) + nearest_type(name)));
     }
     print("type    %s\nversion %u.%u\nlibrary %s\nsize    %llu\n\n", type->name, type->version_major,
           type->version_minor, type->library, size_of(type));

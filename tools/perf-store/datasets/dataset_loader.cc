@@ -3,6 +3,8 @@
 
 #include "perf-store/datasets/dataset_names.h"
 #include "perf-store/datasets/message_text.h"
+#include "perf-store/datasets/nearest_type.h"
+#include "perf-store/datasets/nearest_word.h"
 #include "perf-store/datasets/progress_line.h"
 #include "platform/inventory.h"
 #include "schema/pm_descriptors.h"
@@ -62,7 +64,10 @@ pm_error dataset_loader::load_object() {
     const json_node *key = document_.inside(root);
     path_.enter(key->text);
     const object_kind *kind = find_word(KINDS, key->text);
-    return kind == nullptr ? reader_.refuse(*key, "unknown object") : (this->*kind->load)(key[1]);
+    return kind == nullptr ? reader_.refuse(*key, "unknown object" +
+                                                      did_you_mean(key->text, KINDS,
+                                                                   [](const object_kind &each) { return each.word; }))
+                           : (this->*kind->load)(key[1]);
 }
 
 pm_error dataset_loader::load_dataset(const json_node &node) {
@@ -252,7 +257,8 @@ pm_error dataset_loader::read_type(const json_node &node, const parcel_descripto
         last_type_ = pm_find_descriptor(name);
     }
     *type = last_type_;
-    return *type == nullptr ? reader_.refuse(node, "unknown record type " + excerpt(name)) : pm_error();
+    return *type == nullptr ? reader_.refuse(node, "unknown record type " + excerpt(name) + nearest_type(name))
+                            : pm_error();
 }
 
 pm_error dataset_loader::read_state(const json_node &node, store::publisher_state *state) {

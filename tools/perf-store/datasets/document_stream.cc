@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "perf-store/datasets/foreign_text.h"
+
 namespace perf_store {
 
 namespace {
@@ -72,6 +74,7 @@ pm_error document_stream::read_more() {
 
 void document_stream::pass_document() {
     line_ = line_of(length_);
+    column_ = column_of(length_);
     at_ += length_;
     length_ = 0;
 }
@@ -133,16 +136,34 @@ pm_error document_stream::read_document(json_document *document, bool *found) {
         const bool may_be_cut = left == 0 || !wrong || length_ + TOKEN_LENGTH >= left;
         if (at_end_ || !may_be_cut) {
             if (wrong) {
-                return pm_error(place(length_) + wrong.text());
+                return refused(length_, wrong.text());
             }
             const std::size_t blank = left > 0 ? std::strlen(buffer_.data() + at_) : 0;
-            return blank == left ? pm_error() : pm_error(place(blank) + "a zero byte");
+            return blank == left ? pm_error() : refused(blank, "a zero byte");
         }
         length_ = 0;
         if (pm_error error = read_more()) {
             return error;
         }
     }
+}
+
+// What is wrong at a place where there is no JSON: its line, its column, and what is there.
+pm_error document_stream::refused(std::size_t offset, const std::string &wrong) const {
+    const std::string_view text(buffer_.data() + at_, filled_ - at_);
+    const bool is_first = bytes_read_ - filled_ + at_ == 0;
+    if (const char *const file = is_first ? foreign_file(text) : nullptr) {
+        return pm_error(place(0) + file);
+    }
+    const char *const known = foreign_text(text.substr(offset));
+    return pm_error(place(offset) + "column " + std::to_string(column_of(offset) + 1) + ": " +
+                    (known != nullptr ? known : wrong));
+}
+
+// Bytes between the beginning of its line and a place.
+std::uint64_t document_stream::column_of(std::size_t offset) const {
+    const std::size_t feed = std::string_view(buffer_.data() + at_, offset).rfind('\n');
+    return feed == std::string_view::npos ? column_ + offset : offset - feed - 1;
 }
 
 std::uint64_t document_stream::line_of(std::size_t offset) const {

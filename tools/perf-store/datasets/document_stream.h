@@ -34,6 +34,8 @@ public:
 
 private:
     [[nodiscard]] pm_error unreadable(int error_number) const;
+    [[nodiscard]] pm_error refused(std::size_t offset, const std::string &wrong) const;
+    [[nodiscard]] std::uint64_t column_of(std::size_t offset) const;
     [[nodiscard]] pm_error read_document(json_document *document, bool *found);
     [[nodiscard]] bool read_line(json_document *document);
     [[nodiscard]] pm_error read_more();
@@ -46,9 +48,10 @@ private:
     bool at_end_ = false;
     std::vector<char> buffer_;  // its last bytes are padding, and what is filled is terminated
     std::size_t filled_ = 0;
-    std::size_t at_ = 0;      // start of the document read last, white space before it included
-    std::size_t length_ = 0;  // of that document
-    std::uint64_t line_ = 1;  // at `at_`
+    std::size_t at_ = 0;        // start of the document read last, white space before it included
+    std::size_t length_ = 0;    // of that document
+    std::uint64_t line_ = 1;    // at `at_`
+    std::uint64_t column_ = 0;  // there, in bytes
     std::uint64_t bytes_read_ = 0;
 };
 

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
+
+#include "perf-store/datasets/nearest_word.h"
 
 namespace perf_store {
 
@@ -24,7 +27,11 @@ pm_error object_members::take_apart(const json_document &document) {
         const json_node **value = name != end ? &values_[static_cast<std::size_t>(name - names_.data())] : nullptr;
         if (value == nullptr || *value != nullptr) {
             path_.enter(member->text);
-            return reader_.refuse(*member, value == nullptr ? "unknown member" : "given twice");
+            return reader_.refuse(*member,
+                                  value != nullptr
+                                      ? "given twice"
+                                      : "unknown member" + did_you_mean(member->text, std::span(names_.data(), count_),
+                                                                        [](const char *each) { return each; }));
         }
         *value = member + 1;
         member = document.after(**value);

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "perf-store/datasets/message_text.h"
+#include "perf-store/datasets/nearest_word.h"
 #include "perf-store/datasets/value_text.h"
 
 namespace perf_store {
@@ -138,7 +139,9 @@ pm_error record_reader::read_record(const json_node &node, const record_shape &s
         if (expected >= shape.fields.size() || shape.fields[expected].name != member->text) {
             const field_shape *found = shape.find(member->text, expected);
             if (found == nullptr) {
-                return refuse(*member, "unknown field");
+                return refuse(*member,
+                              "unknown field" + did_you_mean(member->text, shape.fields,
+                                                             [](const field_shape &each) { return each.name; }));
             }
             expected = static_cast<std::size_t>(found - shape.fields.data());
         }

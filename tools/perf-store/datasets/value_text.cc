@@ -71,7 +71,7 @@ std::size_t utf8_length(std::string_view text) {
     return 0;
 }
 
-// Bytes at the front of `text` that are ASCII and stand for themselves in a JSON string.
+// Bytes at the front of `text` that are ASCII and written as they are in a JSON string.
 std::size_t plain_length(std::string_view text) {
     std::size_t length = 0;
     while (length < text.size() && text[length] >= ' ' && text[length] < '\x7F' && text[length] != '"' &&

@@ -99,8 +99,8 @@ void pm_output_flush() {
         std::_Exit(0);
     }
     char message[256];
-    const std::size_t cut = pm_format_text<"perf-show: cannot write to standard output: %s\n">(
-        message, sizeof message, static_cast<const char *>(std::strerror(error)));
+    const std::size_t cut = pm_format_text<"%s: cannot write to standard output: %s\n">(
+        message, sizeof message, pm_output_program, static_cast<const char *>(std::strerror(error)));
     static_cast<void>(pm_output_detail::write_all(STDERR_FILENO, message, cut));
     std::_Exit(1);
 }

@@ -88,6 +88,9 @@ inline void pm_print_cut(int indent, Arguments... arguments) {
     }
 }
 
+// Who reports that standard output cannot be written.
+inline const char *pm_output_program = "perf-show";
+
 // Writes out what is buffered. Ends the program when standard output takes no more.
 void pm_output_flush();
 

@@ -44,7 +44,7 @@ inline constexpr chkpt_wire::type wire_type<chkpt_array<Element>> = wire_type<El
 template <class Record>
 [[nodiscard]] chkpt_status decode_message(Record &record, input from, const memory &memory);
 
-// The content of one field, behind its tag --------------------------------------------------------
+// The content of one field, after its tag --------------------------------------------------------
 
 template <class Number>
 [[nodiscard]] chkpt_status decode_number(Number &member, input &from) {
@@ -80,7 +80,7 @@ template <class Record>
     if (!chkpt_wire::take(from, content)) {
         return CHKPT_TRUNCATED;
     }
-    member = {};  // it may come again; the last one stands
+    member = {};  // it may come again; the last one counts
     return decode_message(member, content, memory);
 }
 
@@ -107,7 +107,7 @@ template <class Element>
     }
 }
 
-// Counts the elements from the first one's content to the last one that stands together with it;
+// Counts the elements from the first one's content to the last one of the same run;
 // false when the bytes end inside an element or a tag.
 template <class Element>
 [[nodiscard]] bool count_run(input from, std::uint32_t number, std::uint32_t &count) {
@@ -204,7 +204,7 @@ template <unsigned Number, class Record, class Member>
 }
 
 // Decodes the fields one after another. They come in the order of their numbers as a rule, so each is
-// looked for behind the last one; a field that is not there starts another round from field 1.
+// looked for after the last one; a field that is not there starts another round from field 1.
 template <class Record, auto... Members, unsigned... Index>
 [[nodiscard]] inline chkpt_status decode_fields(Record &record, input from, const memory &memory, fields<Members...>,
                                                 std::integer_sequence<unsigned, Index...>) {

@@ -1,4 +1,4 @@
-// See wire.h.
+// Reads tags, varints and fixed-size numbers, and passes over fields that nobody asked for.
 #include "chkpt/wire.h"
 
 namespace chkpt_wire {

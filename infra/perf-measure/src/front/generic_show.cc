@@ -13,6 +13,7 @@
 
 opstore_handle pm_show_opstore_handle = nullptr;
 std::uint8_t pm_show_opstore_present = 0;
+pm_show_failure_observer pm_show_on_failure = nullptr;
 
 namespace {
 
@@ -26,6 +27,13 @@ constexpr int REPORTED_LISTING_LINE = 589;
 constexpr int REPORTED_ITEM_LINE = 732;
 
 constexpr char LISTING_ROUTINE[] = "generic_datalist_show";  // the name that messages give to the listing
+
+// A node's read ends for want of what `code` says.
+void tell_failure(std::uint32_t node_id, errcode code) {
+    if (code != ERRCODE_SUCCESS && pm_show_on_failure != nullptr) {
+        pm_show_on_failure(node_id, code);
+    }
+}
 
 void report_undecodable(errcode code) {
     pm_print_error<"%s: Cannot decode the requested information from system database: %s (0x%x)\n">(
@@ -56,7 +64,8 @@ struct listing {
     std::uint32_t more = 1;         // kept from batch to batch; a full batch does not ask
     bool first = true;
     std::uint32_t flags = 0;
-    int display_result = 0;  // of the item before
+    int display_result = 0;             // of the item before
+    errcode failure = ERRCODE_SUCCESS;  // what ended it before its end
     char key[OPSTORE_KEY_SIZE] = {};
 };
 
@@ -79,11 +88,13 @@ bool show_next_item(listing &state, const char **key) {
     *key = nullptr;
     errcode code = opstore_datalist_next(state.batch, key, &data_type, &data, &length, &extra);
     if (code != ERRCODE_SUCCESS || data == nullptr || *key == nullptr) {
+        state.failure = code;
         report_undecodable(code);
         return false;
     }
     code = parcel_decode(data, length, state.record, state.request.parcel_desc);
     if (code != ERRCODE_SUCCESS) {
+        state.failure = code;
         report_undecodable(code);
         return false;
     }
@@ -111,6 +122,7 @@ std::uint32_t request_batch(listing &state) {
     errcode code =
         opstore_datalist(pm_show_opstore_handle, state.request.item_path, state.key, &count, &state.batch, state.flags);
     if (code != ERRCODE_SUCCESS) {
+        state.failure = code;
         report_listing_answer(code);
         return 0;
     }
@@ -152,9 +164,10 @@ bool show_next_batch(listing &state) {
     return state.more != 0;
 }
 
-errcode show_listing(const pm_show_request &request) {
+errcode show_listing(const pm_show_request &request, errcode *failure) {
     const pm_heap_block<void> record = allocate_record(request, "PM decoded parcel");
     if (record == nullptr) {
+        *failure = ERRCODE_NO_MEMORY;
         return ERRCODE_INVALID_ARGUMENT;  // not ERRCODE_NO_MEMORY
     }
     listing state{.request = request, .record = record.get()};
@@ -164,37 +177,42 @@ errcode show_listing(const pm_show_request &request) {
     if (state.batch != nullptr) {
         free_batch(state);
     }
+    *failure = state.failure;
     return ERRCODE_SUCCESS;
 }
 
 // Decodes and displays a fetched item. What decoding allocates stays until the program ends.
 errcode show_fetched_item(const pm_show_request &request, std::uint32_t data_type, const void *data,
-                          std::uint32_t length) {
+                          std::uint32_t length, errcode *failure) {
     const pm_heap_block<void> record =
         allocate_record(request, "MPLS-TE decoded parcel");  // the tag of every record type
     if (record == nullptr) {
+        *failure = ERRCODE_NO_MEMORY;
         return ERRCODE_SUCCESS;
     }
     if (data_type != OPSTORE_TYPE_PARCEL) {
+        *failure = PARCEL_MALFORMED;
         pm_print_error<"Unknown data type returned by get for path [%s]">(request.item_path);
         return ERRCODE_SUCCESS;
     }
     const errcode code = parcel_decode(data, length, record.get(), request.parcel_desc);
     if (code != ERRCODE_SUCCESS) {
+        *failure = code;
         pm_print_error<"Failure to decode parcel for path [%s], %s">(request.item_path, errcode_strerror(code));
         return code;
     }
     return static_cast<errcode>(request.display(record.get()));
 }
 
-errcode show_single_item(const pm_show_request &request) {
+errcode show_single_item(const pm_show_request &request, errcode *failure) {
     std::uint32_t data_type = 0;
     std::uint32_t length = 0;
     void *fetched = nullptr;
     const errcode code = opstore_item_get(pm_show_opstore_handle, request.item_path, &data_type, &fetched, &length, 0);
     const pm_heap_block<void> data(fetched);
+    *failure = code;
     switch (code) {
-    case ERRCODE_SUCCESS: return show_fetched_item(request, data_type, data.get(), length);
+    case ERRCODE_SUCCESS: return show_fetched_item(request, data_type, data.get(), length, failure);
     case OPSTORE_NOT_PUBLISHED: break;
     case OPSTORE_UNREACHABLE:
     case OPSTORE_STOPPED:  // OPSTORE_STARTING is missing on purpose, unlike in a listing
@@ -226,6 +244,7 @@ errcode bind_node(const char *base_path, std::uint32_t node_id) {
                                                 : OPSTORE_NO_CLIENT;
     if (code != ERRCODE_SUCCESS) {
         pm_print_error<" %s: opstore_bind failed: %s (0x%x)\n">("generic_show", errcode_strerror(code), code);
+        tell_failure(node_id, code);
     }
     return code;
 }
@@ -248,7 +267,10 @@ errcode generic_show(const pm_show_request *request, std::uint32_t node_id) {
         return code;
     }
     print_node_header(node_id);
-    const errcode result = request->single_item != 0 ? show_single_item(*request) : show_listing(*request);
+    errcode failure = ERRCODE_SUCCESS;
+    const errcode result =
+        request->single_item != 0 ? show_single_item(*request, &failure) : show_listing(*request, &failure);
+    tell_failure(node_id, failure);
     if (store_client_present()) {
         _opstore_unbind(pm_show_opstore_handle);
     }

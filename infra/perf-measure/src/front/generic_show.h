@@ -36,6 +36,12 @@ extern opstore_handle pm_show_opstore_handle;
 // 1 once the store's client has been found usable; it is not tested again.
 extern std::uint8_t pm_show_opstore_present;
 
+// Told, after it has been printed, what kept a node from being shown in full: the code of a node that cannot be
+// bound, of a publisher that does not run, of an item that is missing or cannot be decoded. The node is
+// NODEID_NONE when it is not known which nodes there are. Null: nobody is told.
+using pm_show_failure_observer = void (*)(std::uint32_t node_id, errcode code);
+extern pm_show_failure_observer pm_show_on_failure;
+
 // Reads one node. A listing gives 0 once its record is allocated, ERRCODE_INVALID_ARGUMENT without
 // memory. A single item gives the display's result, the store's code when the store has no such
 // item, or the code of a failed decode; 0 without memory or for an item that is no parcel.

@@ -62,7 +62,7 @@ constexpr option OPTIONS[] = {
     {'b', &record::brief},
 };
 
-// Sets what `letter` stands for; `argument` is null for options without one.
+// Sets what `letter` means; `argument` is null for options without one.
 void apply(int letter, const char *argument) {
     const option *const found = std::ranges::find(OPTIONS, letter, &option::letter);
     if (found == std::end(OPTIONS)) {

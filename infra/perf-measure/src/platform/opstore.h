@@ -65,5 +65,5 @@ void _opstore_unbind(opstore_handle handle);
 [[nodiscard]] errcode opstore_string_encode(const char *text, char **encoded, std::size_t *length);
 
 // The inverse. ERRCODE_INVALID_ARGUMENT for a '%' that two hexadecimal digits do not follow or
-// that stands for a zero byte. `*text` is a heap text that the caller frees, also when set on failure.
+// that means a zero byte. `*text` is a heap text that the caller frees, also when set on failure.
 [[nodiscard]] errcode opstore_string_decode(const char *encoded, char **text, std::size_t *length);

@@ -1,14 +1,14 @@
-// See registration.h.
+// Registers all descriptors of the catalogue with the codec.
 #include "schema/registration.h"
 
 errcode pm_register_parcels(std::span<const parcel_descriptor *const> descriptors) {
-    if (const errcode failure = parcel_register_start(); failure != ERRCODE_SUCCESS) {
-        return failure;
+    if (const errcode error = parcel_register_start(); error != ERRCODE_SUCCESS) {
+        return error;
     }
     for (const parcel_descriptor *descriptor : descriptors) {
-        if (const errcode failure = parcel_register(descriptor); failure != ERRCODE_SUCCESS) {
+        if (const errcode error = parcel_register(descriptor); error != ERRCODE_SUCCESS) {
             parcel_register_abort();
-            return failure;
+            return error;
         }
     }
     return parcel_register_end();

@@ -194,6 +194,20 @@ TEST(Time, NowIsTheClocksUnlessAReplayGivesANumber) {
     unsetenv("PERF_SHOW_NOW");
 }
 
+TEST(Time, AReplaysMomentInSecondsIsRefused) {
+    for (const char *seconds : {"1709647387", "1000000000", "99999999999"}) {
+        setenv("PERF_SHOW_NOW", seconds, 1);
+        std::timespec now{};
+        kal_time_get_timespec_realtime(&now);
+        EXPECT_LE(std::time(nullptr) - now.tv_sec, 1) << seconds;
+    }
+    setenv("PERF_SHOW_NOW", "100000000000", 1);
+    std::timespec now{};
+    kal_time_get_timespec_realtime(&now);
+    EXPECT_EQ(now.tv_sec, 100000000);
+    unsetenv("PERF_SHOW_NOW");
+}
+
 TEST(Time, ADurationHasDaysHoursMinutesAndSeconds) {
     EXPECT_STREQ(sprint_dhms(0), "0d 00:00:00");
     EXPECT_STREQ(sprint_dhms(93784), "1d 02:03:04");

@@ -281,15 +281,15 @@ TEST_F(DerivedPaths, TheSlashBehindTheKeyMayBeMissingFromAListing) {
 }
 
 TEST_F(DerivedPaths, KeysWithTooFewOrTooManyComponentsMatchNothing) {
-    for (const std::size_t count : {1, 2, 10, 12, 20}) {
+    for (const std::size_t count : {1U, 2U, 10U, 12U, 20U}) {
         expect_nothing("srpolicy/detail-filter/", key(count, {}), "a");
         expect_nothing("srpolicy/counters-filter/", key(count, {{1, "0xa"}}), "a");
     }
-    for (const std::size_t count : {1, 3, 5, 11}) {
+    for (const std::size_t count : {1U, 3U, 5U, 11U}) {
         expect_nothing("endpoint/detail-filter/", key(count, {}), "x");
         expect_nothing("endpoint/counters-filter/", key(count, {{1, "red"}}), "x");
     }
-    for (const std::size_t count : {1, 3, 11}) {
+    for (const std::size_t count : {1U, 3U, 11U}) {
         expect_nothing("rsvpte/detail-filter/", key(count, {}), "t1");
         expect_nothing("rsvpte/delay/probe-history-filter/", key(count, {{1, "0x5"}}), "t1");
     }
@@ -302,7 +302,7 @@ TEST_F(DerivedPaths, KeysWithTooFewOrTooManyComponentsMatchNothing) {
 
 TEST_F(DerivedPaths, ComponentsThatCannotBeReadMatchNothing) {
     for (const char *junk : {"0x", "x", "0xag", "0xa ", "0x-a", "0x10000000a", "_______", "_________", "0xa0xa"}) {
-        for (const std::size_t position : {1, 3, 4, 5, 8, 9, 10, 11}) {
+        for (const std::size_t position : {1U, 3U, 4U, 5U, 8U, 9U, 10U, 11U}) {
             expect_nothing("srpolicy/detail-filter/", key(POLICY, {{position, junk}}), "a");
         }
         expect_nothing("endpoint/detail-filter/", key(ENDPOINT, {{4, junk}}), "x");

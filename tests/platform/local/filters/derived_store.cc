@@ -1,4 +1,4 @@
-// The store of the tests of derived paths. See derived_store.h.
+// The store of the tests of derived paths.
 #include "tests/platform/local/filters/derived_store.h"
 
 #include <arpa/inet.h>

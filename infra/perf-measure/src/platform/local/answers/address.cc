@@ -1,4 +1,4 @@
-// Texts of IP addresses. See platform/address.h.
+// Texts of IP addresses.
 #include "platform/address.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Bounded copies and tagged allocation. See platform/bounded.h.
+// Bounded copies and tagged allocation.
 #include "platform/bounded.h"
 
 #include <algorithm>

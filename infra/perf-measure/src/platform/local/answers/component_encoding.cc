@@ -1,4 +1,4 @@
-// Any text as one path component and back. See platform/opstore.h.
+// Any text as one path component and back.
 #include <charconv>
 #include <cstdlib>
 #include <cstring>

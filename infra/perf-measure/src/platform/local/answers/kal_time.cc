@@ -1,4 +1,4 @@
-// Clocks and the texts of points in time. See platform/kal_time.h.
+// Clocks and the texts of points in time.
 #include "platform/kal_time.h"
 
 #include <charconv>
@@ -7,11 +7,27 @@
 #include <cstring>
 #include <optional>
 
+#include "base/pm_format.h"
+#include "base/pm_output.h"
+
 namespace {
 
 constexpr std::uint64_t MSEC_PER_SEC = 1000;
 constexpr long NSEC_PER_MSEC = 1000000;
 constexpr long NSEC_PER_SEC = 1000000000;
+
+// No moment that was captured: in milliseconds it is in 1973 at the latest, in seconds it is after 2001.
+constexpr std::uint64_t EARLIEST_IN_SECONDS = 1'000'000'000;
+constexpr std::uint64_t LATEST_IN_SECONDS = 99'999'999'999;
+
+// Tells once that a moment is given in seconds.
+void report_seconds(const char *text) {
+    static bool reported = false;
+    if (!reported) {
+        reported = true;
+        pm_print_error<"perf-show: PERF_SHOW_NOW=%s is in seconds; it is ignored, for it takes milliseconds\n">(text);
+    }
+}
 
 // The moment that PERF_SHOW_NOW sets, in milliseconds since the epoch; none unless it is such a number.
 std::optional<std::uint64_t> replayed_moment() {
@@ -23,6 +39,10 @@ std::optional<std::uint64_t> replayed_moment() {
     std::uint64_t msec = 0;
     const auto [stop, error] = std::from_chars(text, end, msec);
     if (error != std::errc() || stop != end) {
+        return std::nullopt;
+    }
+    if (msec >= EARLIEST_IN_SECONDS && msec <= LATEST_IN_SECONDS) {
+        report_seconds(text);
         return std::nullopt;
     }
     return msec;

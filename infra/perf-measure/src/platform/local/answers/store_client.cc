@@ -1,17 +1,30 @@
 // Whether the store can be read at all, and its opening.
 #include "platform/local/answers/store_client.h"
+
+#include <unistd.h>
+
 #include "base/pm_output.h"
+#include "platform/errcode.h"
 #include "platform/local/back_ends/readers.h"
+#include "platform/local/store/store_url.h"
 #include "platform/opstore.h"
 
 namespace {
 
-// Tells once who may read a store that this user may not.
-void report(const pm_error &denial) {
+// Tells once why the store cannot be read: to everyone who may read a store that this user may not; to a person at a
+// terminal also which store was tried, for what follows is the same text for every path that is wrong.
+void report(const pm_error &error) {
     static bool reported = false;
-    if (!reported && !denial.text().empty()) {
-        reported = true;
-        pm_print_error<"perf-show: %s\n">(denial.text().c_str());
+    if (reported || !error) {
+        return;
+    }
+    reported = true;
+    if (!error.text().empty()) {
+        pm_print_error<"perf-show: %s\n">(error.text().c_str());
+    } else if (::isatty(STDERR_FILENO) == 1) {
+        const char *const why =
+            error.code() == OPSTORE_NO_CLIENT ? "there is no store" : errcode_strerror(error.code());
+        pm_print_error<"perf-show: %s: %s (OPSTORE_URL names another, as lmdb:FOLDER)\n">(store::configured_url(), why);
     }
 }
 

@@ -1,4 +1,4 @@
-// The signal handlers behind guarded bodies.
+// The signal handlers of guarded bodies.
 #include "platform/local/lmdb_store/fault_guard.h"
 
 #include <csignal>

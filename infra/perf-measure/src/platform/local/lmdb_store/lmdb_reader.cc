@@ -2,6 +2,7 @@
 #include "platform/local/lmdb_store/lmdb_reader.h"
 
 #include "platform/local/lmdb_store/environment.h"
+#include "platform/local/store/lease.h"
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
 #include "platform/local/store/record_key.h"
@@ -46,6 +47,11 @@ errcode read_publisher(const table_state &state, std::string_view key, known_sta
         return code;
     }
     *known = static_cast<store::publisher_state>(record.State);
+    if (record.Lease != nullptr && *known == store::publisher_state::running &&
+        store::lease_is_over(record.Lease->Boot != nullptr ? record.Lease->Boot : "", record.Lease->ExpiresMsec)) {
+        *known = store::publisher_state::stopped;
+    }
+    parcel_free_indirections(&record, local_publisher_descriptor());
     return ERRCODE_SUCCESS;
 }
 

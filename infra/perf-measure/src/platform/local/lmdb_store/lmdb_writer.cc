@@ -10,6 +10,7 @@
 #include "platform/local/lmdb_store/data_file.h"
 #include "platform/local/lmdb_store/lmdb_reader.h"
 #include "platform/local/lmdb_store/transaction.h"
+#include "platform/local/store/lease.h"
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
 #include "platform/local/store/record_encoder.h"
@@ -41,6 +42,7 @@ public:
     [[nodiscard]] pm_error put_node(std::uint32_t id, const void *local_node_record) override;
     [[nodiscard]] pm_error put_interface(std::uint32_t handle, const void *local_interface_record) override;
     [[nodiscard]] pm_error put_publisher(const branch &served, store::publisher_state state) override;
+    [[nodiscard]] pm_error put_leased_publisher(const branch &served, std::uint32_t lease_msec) override;
     [[nodiscard]] pm_error put_item(const branch &into, std::string_view path, const void *record,
                                     const parcel_descriptor *descriptor) override;
     [[nodiscard]] pm_error has_item(const branch &in, std::string_view path, bool below, bool *found) override;
@@ -147,7 +149,15 @@ pm_error lmdb_writer::put_interface(std::uint32_t handle, const void *local_inte
 
 pm_error lmdb_writer::put_publisher(const branch &served, store::publisher_state state) {
     known_branches_.insert(served);
-    const local_publisher record{static_cast<std::uint32_t>(state)};
+    const local_publisher record{static_cast<std::uint32_t>(state), nullptr};
+    return put_record(branch_key(key_space::publisher, served), &record, local_publisher_descriptor());
+}
+
+pm_error lmdb_writer::put_leased_publisher(const branch &served, std::uint32_t lease_msec) {
+    known_branches_.insert(served);
+    const std::string boot(store::this_boot());
+    local_lease lease{boot.c_str(), store::msec_since_boot() + lease_msec};
+    const local_publisher record{static_cast<std::uint32_t>(store::publisher_state::running), &lease};
     return put_record(branch_key(key_space::publisher, served), &record, local_publisher_descriptor());
 }
 

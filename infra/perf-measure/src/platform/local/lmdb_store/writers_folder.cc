@@ -18,6 +18,8 @@ namespace lmdb_store {
 namespace {
 
 constexpr mode_t FOLDER_MODE = 0750;
+constexpr mode_t ALL_MODES = 07777;
+constexpr mode_t SEARCH_BY_ALL = 0111;
 constexpr mode_t DATA_MODE = 0640;
 constexpr mode_t LOCK_MODE = 0660;
 constexpr char MAKING[] = "new-store-";  // and six characters: where a store is made
@@ -83,6 +85,13 @@ pm_error writers_folder::make() {
     }
     if (!std::filesystem::create_directories(folder_, error) && error) {
         return pm_error(code_of(error.value()), folder_ + ": " + error.message());
+    }
+    // Whatever the umask: the group reads in the folder, and reaches it through those above that were made for it.
+    for (const std::string &each : made_folders_) {
+        struct stat status {};
+        if (::stat(each.c_str(), &status) == 0) {
+            static_cast<void>(::chmod(each.c_str(), (status.st_mode & ALL_MODES) | SEARCH_BY_ALL));
+        }
     }
     static_cast<void>(::chmod(folder_.c_str(), FOLDER_MODE));
     return {};

@@ -1,5 +1,5 @@
 // Values of the store: a record is kept as the checksum of its key and its parcel, so that a record that has come to
-// stand under another key is noticed.
+// be under another key is noticed.
 #pragma once
 
 #include <cstdint>

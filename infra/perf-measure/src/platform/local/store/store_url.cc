@@ -7,10 +7,12 @@
 
 namespace store {
 
-const char *configured_url() {
+bool is_url_given() {
     const char *url = std::getenv("OPSTORE_URL");
-    return url != nullptr && *url != '\0' ? url : DEFAULT_URL;
+    return url != nullptr && *url != '\0';
 }
+
+const char *configured_url() { return is_url_given() ? std::getenv("OPSTORE_URL") : DEFAULT_URL; }
 
 std::string_view scheme_of(std::string_view url) {
     const std::size_t colon = url.find(':');
@@ -20,7 +22,11 @@ std::string_view scheme_of(std::string_view url) {
 std::string_view place_of(std::string_view url) { return url.substr(url.find(':') + 1); }
 
 std::string describe(const pm_error &error) {
-    return error.text().empty() ? std::string(configured_url()) + ": " + errcode_strerror(error.code()) : error.text();
+    std::string text = error.text();
+    if (text.empty()) {
+        text = std::string(configured_url()) + ": " + errcode_strerror(error.code());
+    }
+    return is_url_given() ? text : text + " (OPSTORE_URL is not set; it names another store, as lmdb:FOLDER)";
 }
 
 }  // namespace store

@@ -10,6 +10,8 @@ namespace store {
 
 inline constexpr char DEFAULT_URL[] = "lmdb:/var/lib/perf-show/opstore";
 
+// Whether OPSTORE_URL names a store.
+[[nodiscard]] bool is_url_given();
 // OPSTORE_URL, or the default.
 [[nodiscard]] const char *configured_url();
 
@@ -19,6 +21,7 @@ inline constexpr char DEFAULT_URL[] = "lmdb:/var/lib/perf-show/opstore";
 [[nodiscard]] std::string_view place_of(std::string_view url);
 
 // What is wrong with the configured store, for a person: the error's own text, or the URL and the text of its code.
+// Whoever has not chosen the store is told how to.
 [[nodiscard]] std::string describe(const pm_error &error);
 
 }  // namespace store

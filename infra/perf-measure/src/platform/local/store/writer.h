@@ -31,6 +31,9 @@ public:
     [[nodiscard]] virtual pm_error put_node(std::uint32_t id, const void *local_node_record) = 0;
     [[nodiscard]] virtual pm_error put_interface(std::uint32_t handle, const void *local_interface_record) = 0;
     [[nodiscard]] virtual pm_error put_publisher(const branch &served, publisher_state state) = 0;
+    // Says that the process that serves a branch is running, and vouches for it until `lease_msec` milliseconds after
+    // the commit: unless it is put again by then, readers find its publisher stopped.
+    [[nodiscard]] virtual pm_error put_leased_publisher(const branch &served, std::uint32_t lease_msec) = 0;
     // Puts an item under its path, of at most MAX_PATH_LENGTH bytes, replacing one that is there, and keeps the
     // schema of its type. A branch that gets its first item gets a running publisher with it.
     [[nodiscard]] virtual pm_error put_item(const branch &into, std::string_view path, const void *record,

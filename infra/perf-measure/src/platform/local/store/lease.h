@@ -1,0 +1,20 @@
+// How long a store takes a running process's word for it, where nothing but the store tells that it died.
+//
+// The time is that since the host was booted, which nobody sets and which goes on while the host sleeps; so a lease is
+// of one boot of one host, and every process there can tell whether it has run out.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace store {
+
+// Identifies this boot of this host; empty when the system does not say.
+[[nodiscard]] std::string_view this_boot();
+// Milliseconds since it.
+[[nodiscard]] std::uint64_t msec_since_boot();
+
+// Whether a lease that says so has run out: its time is over, or it is of another boot.
+[[nodiscard]] bool lease_is_over(std::string_view boot, std::uint64_t expires_msec);
+
+}  // namespace store

@@ -1,0 +1,12 @@
+// What the service manager is told of this process (sd_notify(3)): a datagram to the socket that it names in the
+// environment. Nothing happens where there is none.
+#pragma once
+
+#include <string>
+
+namespace probed {
+
+// `state` is for example "READY=1" or "STATUS=...", several separated by line ends.
+void notify_manager(const std::string &state);
+
+}  // namespace probed

@@ -1,0 +1,163 @@
+// The service's life as others see it: starting, running, killed, ended; configurations read again; stores that fail.
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "tests/perf-probed/support/live.h"
+
+namespace {
+
+// `port` is one that no other test uses, as tests may run side by side.
+std::string self(int port, const std::string &more = "") {
+    const std::string number = std::to_string(port);
+    return "node: {name: h, id: 1}\nreflector: {listen: [{address: 127.0.0.1, port: " + number +
+           "}]}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 1 s, tx-interval: 100 ms, "
+           "response-timeout: "
+           "200 ms}\nendpoints:\n  - {name: a, address: 127.0.0.1, port: " +
+           number + ", delay: p}\n" + more;
+}
+
+TEST(life, is_published_within_seconds_and_stopped_at_the_end) {
+    live_service service(self(18701));
+    EXPECT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    EXPECT_EQ(service.process().end(), 0);
+    const command_result after = service.show("-c 26");
+    EXPECT_NE(after.out.find("PM process is not running"), std::string::npos) << after.out;
+    EXPECT_EQ(after.out.find("Endpoint name"), std::string::npos);
+    EXPECT_NE(run_command(PERF_STORE " dump", service.store())
+                  .out.find(R"({"publisher":{"root":"main","node":1,"state":"stopped"}})"),
+              std::string::npos);
+}
+
+TEST(life, is_shown_as_not_running_seconds_after_it_was_killed) {
+    live_service service(self(18702));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    service.process().end(SIGKILL);
+    EXPECT_TRUE(service.shows("-c 26", "Endpoint name: a"));
+    EXPECT_TRUE(within(7, [&] { return !service.shows("-c 26", "Endpoint name: a"); }));
+    EXPECT_TRUE(service.shows("-c 26", "PM process is not running"));
+    service.start();
+    EXPECT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+}
+
+TEST(life, is_not_shown_while_it_is_suspended_and_makes_up_for_nothing) {
+    live_service service(self(18703));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    service.process().signal(SIGSTOP);
+    EXPECT_TRUE(within(8, [&] { return !service.shows("-c 26", "Endpoint name: a"); }));
+    service.process().signal(SIGCONT);
+    EXPECT_TRUE(within(3, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    pause(0.5);
+    service.process().signal(SIGUSR2);
+    EXPECT_TRUE(within(3, [&] { return service.log().find(" 0 late, 0 duplicate,") != std::string::npos; }))
+        << service.log();
+}
+
+TEST(life, a_configuration_that_is_read_again_keeps_what_did_not_change) {
+    live_service service(self(18704, "  - {name: b, address: 127.0.0.1, port: 18704, liveness: true}\n"));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 6", "Endpoint name               : b"); }));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 4 -t 29 -i a", "10/10"); }));
+    service.configure(self(18704, "  - {name: c, address: 127.0.0.1, port: 18704, delay: p}\n"));
+    service.process().signal(SIGHUP);
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: c"); })) << service.log();
+    EXPECT_TRUE(service.shows("-c 6 -s 1", "Endpoint name               : a"));
+    EXPECT_TRUE(service.shows("-c 4 -t 29 -i a", "10/10"));
+    // What is gone is shown as deleted for a moment, and then no more.
+    EXPECT_TRUE(within(9, [&] { return !service.shows("-c 26", "Endpoint name: b"); }));
+    service.configure("nonsense: 1\n");
+    service.process().signal(SIGHUP);
+    EXPECT_TRUE(within(3, [&] {
+        return service.log().find("config.yaml:1: nonsense: is no key that is known here") != std::string::npos;
+    }));
+    EXPECT_TRUE(service.shows("-c 26", "Endpoint name: c"));
+}
+
+TEST(life, cleared_advertisements_say_so) {
+    live_service service(self(18705));
+    ASSERT_TRUE(within(6, [&] { return service.shows("-c 20 -t 29", "         FIRST"); }));
+    service.process().signal(SIGUSR1);
+    EXPECT_TRUE(within(3, [&] { return service.shows("-c 20 -t 29", "         0    EXEC-CLEAR"); }))
+        << service.show("-c 20 -t 29").out;
+}
+
+bool went_on_measuring(live_service &service) {
+    service.process().signal(SIGUSR2);
+    return within(3, [&] { return service.log().find("session 1 of endpoint a: ") != std::string::npos; });
+}
+
+TEST(life, a_store_that_is_gone_is_made_again) {
+    live_service service(self(18706));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    std::filesystem::remove_all(service.store());
+    EXPECT_TRUE(within(8, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    EXPECT_TRUE(went_on_measuring(service));
+}
+
+TEST(life, a_store_that_somebody_emptied_is_filled_again) {
+    live_service service(self(18710));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    write_file(service.store() + "-set", "{\"node\": {\"id\": 9, \"name\": \"x\"}}\n");
+    ASSERT_EQ(run_command(PERF_STORE " load --replace " + service.store() + "-set", service.store()).status, 0);
+    EXPECT_TRUE(within(8, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+}
+
+TEST(life, a_damaged_store_is_told_and_published_again_once_it_is_whole) {
+    live_service service(self(18707));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    write_file(service.store() + "/data.mdb", std::string(20000, 'x'));
+    EXPECT_TRUE(within(8, [&] { return service.log().find("the store cannot be written") != std::string::npos; }));
+    std::filesystem::remove_all(service.store());
+    EXPECT_TRUE(within(8, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    EXPECT_TRUE(went_on_measuring(service));
+}
+
+TEST(life, a_store_on_a_full_disk_is_told_and_published_again_once_there_is_room) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can mount a small file system";
+    }
+    const temporary_folder folder;
+    ASSERT_EQ(system(("mount -t tmpfs -o size=64k none " + folder.path()).c_str()), 0);
+    {
+        live_service service(self(18708) + "store: lmdb:" + folder.path() + "/s\n");
+        EXPECT_TRUE(within(8, [&] { return service.log().find("the store cannot be written") != std::string::npos; }));
+        EXPECT_EQ(system(("mount -o remount,size=64m " + folder.path()).c_str()), 0);
+        EXPECT_TRUE(within(8, [&] {
+            return run_command(PERF_SHOW " -c 26", folder.path() + "/s").out.find("Endpoint name: a") !=
+                   std::string::npos;
+        })) << service.log();
+        EXPECT_TRUE(went_on_measuring(service));
+    }
+    EXPECT_EQ(system(("umount " + folder.path()).c_str()), 0);
+}
+
+TEST(life, a_read_only_store_is_told_and_published_again_once_it_may_be_written) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can mount a read-only file system";
+    }
+    const temporary_folder folder;
+    ASSERT_EQ(system(("mount -t tmpfs -o ro,size=64m none " + folder.path()).c_str()), 0);
+    {
+        live_service service(self(18709) + "store: lmdb:" + folder.path() + "/s\n");
+        EXPECT_TRUE(within(8, [&] { return service.log().find("the store cannot be written") != std::string::npos; }));
+        EXPECT_EQ(system(("mount -o remount,rw " + folder.path()).c_str()), 0);
+        EXPECT_TRUE(within(8, [&] {
+            return run_command(PERF_SHOW " -c 26", folder.path() + "/s").out.find("Endpoint name: a") !=
+                   std::string::npos;
+        })) << service.log();
+    }
+    EXPECT_EQ(system(("umount " + folder.path()).c_str()), 0);
+}
+
+TEST(life, a_wrong_configuration_does_not_start) {
+    const temporary_folder folder;
+    write_file(folder.path() + "/c.yaml", "a: 1\nb: 2\n");
+    const command_result checked = run_command(PERF_PROBED " --check " + folder.path() + "/c.yaml", folder.path());
+    EXPECT_EQ(checked.status, 1);
+    EXPECT_EQ(checked.err, "perf-probed: " + folder.path() +
+                               "/c.yaml:1: a: is no key that is known here\nperf-probed: " + folder.path() +
+                               "/c.yaml:2: b: is no key that is known here\n");
+    EXPECT_EQ(run_command(PERF_PROBED " --nonsense", folder.path()).status, 2);
+    EXPECT_EQ(run_command(PERF_PROBED " --check " PM_PROBED_EXAMPLE, folder.path()).status, 0);
+}
+
+}  // namespace
