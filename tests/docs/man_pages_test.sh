@@ -20,6 +20,9 @@ render() {
     man --warnings -E UTF-8 -P cat -l "$pages/$1" >"$work/rendered" 2>"$work/warnings" ||
         fail "$1: man failed: $(head -n 1 "$work/warnings")"
     [ ! -s "$work/warnings" ] || fail "$1: $(head -n 1 "$work/warnings")"
+    MANWIDTH=50 man --warnings -E UTF-8 -P cat -l "$pages/$1" 2>"$work/warnings" >"$work/narrow" ||
+        fail "$1: man failed in 50 columns"
+    [ ! -s "$work/warnings" ] || fail "$1, in 50 columns: $(head -n 1 "$work/warnings")"
     # Without overstriking, and with one kind of hyphen.
     col -bx <"$work/rendered" | sed 's/[‐−]/-/g' >"$work/$1"
     [ -s "$work/$1" ] || fail "$1: empty"

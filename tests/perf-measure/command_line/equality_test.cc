@@ -86,7 +86,7 @@ std::string differing(const std::string &store) {
     const temporary_folder work;
     std::string script = "export PERF_SHOW_NOW=1709647390000\n";
     for (const asked &each : everything()) {
-        script += PERF_SHOW " " + each.numbers + " >a 2>/dev/null; " PERF_MEASURE " " + each.words +
+        script += "perf-show " + each.numbers + " >a 2>/dev/null; perf-measure " + each.words +
                   " >b 2>/dev/null; cmp -s a b || echo '" + each.words + "'\n";
     }
     write_file(work.path() + "/script", script);
@@ -96,7 +96,7 @@ std::string differing(const std::string &store) {
 TEST(Equality, OfWordsAndNumbersOnTheExampleChassis) {
     ASSERT_GT(everything().size(), 250U);
     const temporary_folder store;
-    ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, store.path()).status, 0);
+    ASSERT_EQ(run_command("perf-store load \"$EXAMPLE\"", store.path()).status, 0);
     EXPECT_EQ(differing(store.path()), "");
 }
 

@@ -84,7 +84,7 @@ public:
 
     // What a show prints.
     [[nodiscard]] command_result show(const std::string &arguments) const {
-        return run_command(PERF_SHOW " " + arguments, store());
+        return run_command("perf-show " + arguments, store());
     }
     [[nodiscard]] bool shows(const std::string &arguments, const std::string &text) const {
         return show(arguments).out.find(text) != std::string::npos;

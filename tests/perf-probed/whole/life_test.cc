@@ -122,7 +122,7 @@ TEST(life, a_store_on_a_full_disk_is_told_and_published_again_once_there_is_room
         EXPECT_TRUE(within(8, [&] { return service.log().find("the store cannot be written") != std::string::npos; }));
         EXPECT_EQ(system(("mount -o remount,size=64m " + folder.path()).c_str()), 0);
         EXPECT_TRUE(within(8, [&] {
-            return run_command(PERF_SHOW " -c 26", folder.path() + "/s").out.find("Endpoint name: a") !=
+            return run_command("perf-show -c 26", folder.path() + "/s").out.find("Endpoint name: a") !=
                    std::string::npos;
         })) << service.log();
         EXPECT_TRUE(went_on_measuring(service));
@@ -141,7 +141,7 @@ TEST(life, a_read_only_store_is_told_and_published_again_once_it_may_be_written)
         EXPECT_TRUE(within(8, [&] { return service.log().find("the store cannot be written") != std::string::npos; }));
         EXPECT_EQ(system(("mount -o remount,rw " + folder.path()).c_str()), 0);
         EXPECT_TRUE(within(8, [&] {
-            return run_command(PERF_SHOW " -c 26", folder.path() + "/s").out.find("Endpoint name: a") !=
+            return run_command("perf-show -c 26", folder.path() + "/s").out.find("Endpoint name: a") !=
                    std::string::npos;
         })) << service.log();
     }

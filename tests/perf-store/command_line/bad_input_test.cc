@@ -288,7 +288,7 @@ TEST_F(BadInput, TextThatIsNoJsonNamesItsColumn) {
     expect_refused(R"({"node":{"id":1,"name":"lc1"}})"
                    "\n"
                    R"({"node":{"id":2 "name":"lc2"}})",
-                   "set.ndjson:2: column 17: Missing a comma or } after an object member.");
+                   "set.ndjson:2: column 17: Missing a comma or '}' after an object member.");
     expect_refused(R"({"node":{"id":1,"name":"lc1"}} {"node":x})", "set.ndjson:1: column 40: Invalid value.");
 }
 

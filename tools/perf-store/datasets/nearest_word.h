@@ -15,6 +15,9 @@ namespace perf_store {
 template <class Range, class Name>
 [[nodiscard]] std::string did_you_mean(std::string_view given, const Range &range, Name name_of) {
     constexpr std::size_t LETTERS_FOR_AN_ERROR = 8;
+    if (given.size() > PM_LONGEST_COMPARED) {
+        return {};
+    }
     std::size_t nearest = std::max<std::size_t>(1, given.size() / LETTERS_FOR_AN_ERROR) + 1;
     std::string_view found;
     for (const auto &each : range) {

@@ -8,6 +8,7 @@
 
 #include "platform/errcode.h"
 #include "platform/local/codec/parcel_codec.h"
+#include "platform/local/lmdb_store/inspect.h"
 #include "platform/local/lmdb_store/lmdb_reader.h"
 #include "platform/local/redis_store/redis_reader.h"
 #include "platform/local/store/store_url.h"
@@ -22,12 +23,13 @@ struct back_end {
     // check_access) the whole URL.
     pm_error (*open)(const std::string &place, std::unique_ptr<reader> *out);
     access_state (*check_access)(const std::string &place);
+    pm_error (*inspect)(const std::string &place, inspector *to);  // null where damage cannot be searched for
 };
 constexpr back_end BACK_ENDS[] = {
-    {"lmdb", lmdb_store::open_reader, lmdb_store::check_access},
-    {"redis", redis_store::open_reader, nullptr},
-    {"rediss", redis_store::open_reader, nullptr},
-    {"redis+unix", redis_store::open_reader, nullptr},
+    {"lmdb", lmdb_store::open_reader, lmdb_store::check_access, lmdb_store::inspect},
+    {"redis", redis_store::open_reader, nullptr, nullptr},
+    {"rediss", redis_store::open_reader, nullptr, nullptr},
+    {"redis+unix", redis_store::open_reader, nullptr, nullptr},
 };
 
 // Null for a URL that no back end takes.
@@ -79,6 +81,18 @@ access_state check_access() {
         return {error.code() != OPSTORE_NO_CLIENT, error.code() == OPSTORE_NO_CLIENT ? error : pm_error()};
     }
     return known->check_access(std::string(place_of(url)));
+}
+
+pm_error inspect(inspector *to) {
+    const std::string_view url = configured_url();
+    const back_end *known = find_back_end(url);
+    if (known == nullptr) {
+        return pm_error(OPSTORE_NO_CLIENT);
+    }
+    if (known->inspect == nullptr) {
+        return pm_error(ERRCODE_INVALID_ARGUMENT, std::string(url) + ": stores of this kind are not inspected");
+    }
+    return known->inspect(std::string(place_of(url)), to);
 }
 
 }  // namespace store

@@ -53,7 +53,8 @@ protected:
     writer() = default;
 };
 
-// What a writer does where there is no store.
-enum class missing_store { make, refuse };
+// What a writer does where there is no store. One that replaces begins with an empty store, also where the one that is
+// there is damaged or of an earlier format; its place is taken at the commit.
+enum class missing_store { make, refuse, replace };
 
 }  // namespace store
