@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
+#include "platform/local/redis_store/redis_writer.h"
 #include "tests/support/redis_server.h"
 
 namespace {
@@ -48,6 +49,18 @@ TEST(RedisStore, ReplacesAndMergesItemsBySetsOfAnySize) {
         EXPECT_EQ(server.run({"KEYS", "*:s:*"}), "");
         EXPECT_EQ(server.run({"EXISTS", "ps1:{state}:lock"}), "0");
     }
+}
+
+TEST(RedisStore, BeginsEmptyWhenItIsReplaced) {
+    const redis_server server;
+    ASSERT_FALSE(load_items(server.url(), 10, "old"));
+    std::unique_ptr<store::writer> writer;
+    ASSERT_FALSE(redis_store::open_writer(server.url(), store::missing_store::replace, &writer));
+    ASSERT_FALSE(put_named(writer.get(), "item/000003", "new"));
+    ASSERT_FALSE(writer->commit());
+    const auto reader = read_store(server.url());
+    EXPECT_EQ(name_at(reader.get(), "item/000003"), "new");
+    EXPECT_EQ(name_at(reader.get(), "item/000004"), "Item not found");
 }
 
 TEST(RedisStore, TakesTheLastOfItemsThatArePutTwice) {

@@ -178,6 +178,9 @@ pm_error redis_reader::match_page(const page_query &query, const store::selectio
             }
             if (next < companions.items().size() && name_of(next) == name) {
                 companion = companions.items()[next].parcel;
+                if (companion.empty()) {  // another item's value
+                    return pm_error(OPSTORE_DAMAGED);
+                }
             }
         }
         bool matches = false;
@@ -224,6 +227,9 @@ pm_error redis_reader::get(const branch &from, std::string_view path, const stor
     bool matches = true;
     if (which.predicate != nullptr) {
         const bool has_companion = !query.companions.empty() && !companion.items().empty();
+        if (has_companion && companion.items().front().parcel.empty()) {
+            return pm_error(OPSTORE_DAMAGED);
+        }
         const errcode code = which.predicate->match(
             path, item.parcel, has_companion ? companion.items().front().parcel : std::string_view(), &matches);
         if (code != ERRCODE_SUCCESS) {

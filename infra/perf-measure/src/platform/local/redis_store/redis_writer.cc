@@ -118,7 +118,7 @@ pm_error redis_writer::begin(store::missing_store missing) {
         served_.insert(each.named);
         items_.add_known(each.named);
     }
-    return read_inventory();
+    return missing == store::missing_store::replace ? clear() : read_inventory();
 }
 
 pm_error redis_writer::read_inventory() {
