@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From packets to printed text: every show that makes sense on a host, of a service that measures itself over the
 // loopback interface. What differs from run to run is written as a pattern: <n> a number, <t> a time stamp, <w> a wait
 // or an age, <p> a port, <r> the reason of an advertisement, <c> when the next check is due, <a> the delays of its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Stores that are not as they were written: cut short, overwritten, of another kind. A command says so
 // in one line and ends with status 1, whatever it finds; no signal ever ends it.
 #include "tests/perf-store/command_line/perf_store_fixture.h"
