@@ -54,23 +54,27 @@ ip_address loopback() {
     return address;
 }
 
-// Sends requests as fast as they are answered, from the second core.
-void load(std::uint16_t port, const std::atomic<bool> &ended) {
-    stay_on(1);
-    udp_socket socket;
-    static_cast<void>(socket.open({loopback(), 0, "", false}));
-    send_batch out;
-    receive_batch in;
-    std::vector<std::uint8_t> request(BASE_SIZE);
-    static_cast<void>(write_request(packet_mode::unauthenticated, {1, 1, 1, 1}, request));
-    while (!ended) {
-        for (std::size_t index = 0; index < BATCH_PACKETS; ++index) {
-            out.add({request, {loopback(), port, 0}, {}, 0, 0, 0});
-        }
-        out.flush(socket, [](std::size_t, int) {});
-        static_cast<void>(in.receive(socket, 0));
+// Sends a batch of requests to a port, and takes the answers away.
+class client {
+public:
+    client() : request_(BASE_SIZE) {
+        static_cast<void>(socket_.open({loopback(), 0, "", false}));
+        static_cast<void>(write_request(packet_mode::unauthenticated, {1, 1, 1, 1}, request_));
     }
-}
+    void ask(std::uint16_t port) {
+        for (std::size_t index = 0; index < BATCH_PACKETS; ++index) {
+            out_.add({request_, {loopback(), port, 0}, {}, 0, 0, 0});
+        }
+        out_.flush(socket_, [](std::size_t, int) {});
+    }
+    std::size_t answers() { return in_.receive(socket_, 0); }
+
+private:
+    udp_socket socket_;
+    send_batch out_;
+    receive_batch in_;
+    std::vector<std::uint8_t> request_;
+};
 
 // The plainest server there can be: what comes in goes out as it is.
 class bare_echo {
@@ -105,61 +109,55 @@ private:
     std::vector<char> data_;
 };
 
-// Packets per second of processor time of this thread, over a few seconds of load.
-double rate_of(udp_socket *socket, const std::function<std::size_t()> &serve) {
-    std::atomic<bool> ended = false;
-    std::thread loader(load, socket->port(), std::cref(ended));
+// Packets a second that `serve` answers, by the processor time of serving alone: the requests are there before.
+double rate_of(client *asking, std::uint16_t port, double seconds, const std::function<void()> &serve) {
     std::size_t packets = 0;
+    double worked = 0;
     const double begin = seconds_of(CLOCK_MONOTONIC);
-    const double worked = seconds_of(CLOCK_THREAD_CPUTIME_ID);
-    while (seconds_of(CLOCK_MONOTONIC) - begin < SECONDS) {
-        packets += serve();
+    while (seconds_of(CLOCK_MONOTONIC) - begin < seconds) {
+        asking->ask(port);
+        const double before = seconds_of(CLOCK_THREAD_CPUTIME_ID);
+        serve();
+        worked += seconds_of(CLOCK_THREAD_CPUTIME_ID) - before;
+        packets += asking->answers();
     }
-    const double rate = static_cast<double>(packets) / (seconds_of(CLOCK_THREAD_CPUTIME_ID) - worked);
-    ended = true;
-    loader.join();
-    return rate;
+    return static_cast<double>(packets) / worked;
+}
+
+// A socket without any option, at a port of the system's choice.
+int open_bare(std::uint16_t *port) {
+    const int fd = socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_storage address{};
+    socklen_t length = to_system({loopback(), 0, 0}, &address);
+    if (fd < 0 || bind(fd, reinterpret_cast<sockaddr *>(&address), length) != 0 ||
+        getsockname(fd, reinterpret_cast<sockaddr *>(&address), &length) != 0) {
+        std::perror("socket");
+        std::exit(1);
+    }
+    *port = from_system(address).port;
+    return fd;
 }
 
 int bench_reflector() {
     stay_on(0);
-    udp_socket plain;
     udp_socket stamped;
-    if (plain.open({loopback(), 0, "", false}) || stamped.open({loopback(), 0, "", false})) {
+    std::uint16_t bare_port = 0;
+    const int bare = open_bare(&bare_port);
+    if (stamped.open({loopback(), 0, "", false})) {
         return 1;
     }
-    // The bare loop asks the kernel for nothing beyond the packets.
-    const int bare = socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_storage address{};
-    const std::uint16_t port = plain.port();
-    plain.close();
-    const socklen_t length = to_system({loopback(), port, 0}, &address);
-    if (bind(bare, reinterpret_cast<sockaddr *>(&address), length) != 0) {
-        return 1;
-    }
+    client asking;
+    bare_echo echo;
+    reflector responder;
+    system_clocks clocks;
     double bare_rate = 0;
     double reflector_rate = 0;
-    reflector responder;
-    reply_settings settings;
-    system_clocks clocks;
-    bare_echo echo;
-    for (int round = 0; round < 2; ++round) {
-        std::atomic<bool> ended = false;
-        std::thread loader(load, port, std::cref(ended));
-        std::size_t packets = 0;
-        const double begin = seconds_of(CLOCK_MONOTONIC);
-        const double worked = seconds_of(CLOCK_THREAD_CPUTIME_ID);
-        while (seconds_of(CLOCK_MONOTONIC) - begin < SECONDS) {
-            packets += echo.serve(bare);
-        }
-        bare_rate = std::max(bare_rate, static_cast<double>(packets) / (seconds_of(CLOCK_THREAD_CPUTIME_ID) - worked));
-        ended = true;
-        loader.join();
-        reflector_rate = std::max(reflector_rate, rate_of(&stamped, [&] {
-                                      const std::uint64_t before = responder.totals().answered;
-                                      responder.serve(stamped, settings, clocks);
-                                      return static_cast<std::size_t>(responder.totals().answered - before);
-                                  }));
+    // Turn by turn, so that both see the same machine.
+    constexpr int ROUNDS = 10;
+    for (int round = 0; round < ROUNDS; ++round) {
+        bare_rate += rate_of(&asking, bare_port, SECONDS / ROUNDS, [&] { echo.serve(bare); }) / ROUNDS;
+        reflector_rate +=
+            rate_of(&asking, stamped.port(), SECONDS / ROUNDS, [&] { responder.serve(stamped, {}, clocks); }) / ROUNDS;
     }
     const double ratio = reflector_rate / bare_rate;
     std::printf("reflector %.0f packets/s, bare echo %.0f packets/s, ratio %.2f\n", reflector_rate, bare_rate, ratio);
@@ -222,7 +220,9 @@ many_result run_sessions(unsigned count, const std::function<void(prober &, cons
     while (seconds_of(CLOCK_MONOTONIC) - begin < 2 * SECONDS) {
         pollfd waited{sender->sockets().front().socket.fd(), POLLIN, 0};
         const moment now = clocks.now();
-        const mono_nsec left = sender->next().value_or(now.mono) - now.mono;
+        const std::timespec rest{0, sender->rest()};
+        nanosleep(&rest, nullptr);
+        const mono_nsec left = sender->next().value_or(now.mono) - now.mono - sender->rest();
         const std::timespec timeout{0, std::clamp<mono_nsec>(left, 0, NSEC_PER_MSEC)};
         ppoll(&waited, 1, &timeout, nullptr);
         sender->run_due();

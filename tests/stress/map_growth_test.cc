@@ -30,15 +30,18 @@ bool make_small_store(const std::string &folder) {
     MDB_env *env = nullptr;
     MDB_txn *txn = nullptr;
     MDB_dbi table = 0;
-    char key[] = "F";
     std::string format = lmdb_store::FORMAT;
-    MDB_val name{1, key};
+    MDB_val name = lmdb_store::to_value(lmdb_store::FORMAT_KEY);
     MDB_val value{format.size(), format.data()};
+    std::uint64_t end_record[] = {lmdb_store::link_between(lmdb_store::FORMAT_KEY, lmdb_store::END_KEY),
+                                  1};  // of the first transaction
+    MDB_val end = lmdb_store::to_value(lmdb_store::END_KEY);
+    MDB_val end_value{sizeof end_record, end_record};
     return mdb_env_create(&env) == 0 && mdb_env_set_mapsize(env, SMALL_MAP) == 0 &&
            mdb_env_set_maxreaders(env, lmdb_store::MAX_READERS) == 0 &&
            mdb_env_open(env, folder.c_str(), 0, 0640) == 0 && mdb_txn_begin(env, nullptr, 0, &txn) == 0 &&
            mdb_dbi_open(txn, nullptr, 0, &table) == 0 && mdb_put(txn, table, &name, &value, 0) == 0 &&
-           mdb_txn_commit(txn) == 0;
+           mdb_put(txn, table, &end, &end_value, 0) == 0 && mdb_txn_commit(txn) == 0;
 }
 
 TEST(MapGrowth, IsFollowedByAReaderThatOpenedTheStoreBefore) {

@@ -33,7 +33,8 @@ constexpr std::uint16_t COLLABORATOR_NUMBERS[] = {1, 2, 3, 4};
 constexpr const char *COLLABORATOR_NAMES[] = {"IM", "UDP V4 SOCKET", "UDP V6 SOCKET", "OPSTORE"};
 constexpr std::size_t MOST_EVENTS = 50;
 
-constexpr mono_nsec PUBLISH_INTERVAL = NSEC_PER_SEC;
+// A little over a second, so that publishing does not keep step with computations of whole seconds.
+constexpr mono_nsec PUBLISH_INTERVAL = 1037 * NSEC_PER_MSEC;
 constexpr std::int64_t PUBLISHING_PART = 12;  // of the time, at most one part in so many is spent on publishing
 constexpr mono_nsec RETRY_INTERVAL = 5 * NSEC_PER_SEC;      // of a store that failed, and of sockets
 constexpr mono_nsec HOST_READ_INTERVAL = NSEC_PER_SEC / 2;  // interfaces that change all the time
@@ -133,7 +134,7 @@ void daemon::loop() {
         sender_.run_due();
         mono_nsec until = std::min(next_second_, std::max(next_publication_, now.mono + NSEC_PER_MSEC));
         until = building_ != nullptr ? now.mono : std::min(until, sender_.next().value_or(until));
-        loop_.wait(until, clocks_.now().mono);
+        loop_.wait(until, clocks_.now().mono, building_ != nullptr ? 0 : sender_.rest());
     }
 }
 

@@ -28,12 +28,15 @@ void event_loop::forget(int fd) {
     watched_.erase(fd);
 }
 
-void event_loop::wait(std::optional<mono_nsec> until, mono_nsec now) {
+void event_loop::wait(std::optional<mono_nsec> until, mono_nsec now, mono_nsec least) {
     constexpr int MOST_EVENTS = 64;
     epoll_event events[MOST_EVENTS];
-    std::timespec timeout{};
+    std::timespec timeout{0, least};
+    if (least > 0) {
+        nanosleep(&timeout, nullptr);
+    }
     if (until) {
-        const mono_nsec left = std::max<mono_nsec>(*until - now, 0);
+        const mono_nsec left = std::max<mono_nsec>(*until - now - least, 0);
         timeout = {left / NSEC_PER_SEC, left % NSEC_PER_SEC};
     }
     const int count = epoll_pwait2(epoll_, events, MOST_EVENTS, until ? &timeout : nullptr, nullptr);

@@ -22,8 +22,9 @@ public:
     void watch(int fd, std::function<void()> ready);
     // The descriptor is about to be closed.
     void forget(int fd);
-    // Waits until something is ready or the time `until`, and calls for what is ready. None: waits for ever.
-    void wait(std::optional<mono_nsec> until, mono_nsec now);
+    // Waits until something is ready or the time `until`, but for `least` nanoseconds in any case, and calls for what
+    // is ready then. None: waits for ever.
+    void wait(std::optional<mono_nsec> until, mono_nsec now, mono_nsec least = 0);
 
 private:
     int epoll_;

@@ -103,6 +103,13 @@ public:
 
     // The earliest timer; none: nothing is due ever.
     [[nodiscard]] std::optional<mono_nsec> next() const { return timers_.next(); }
+    // How long whoever waits for the next timer and for packets may sleep whatever comes: with thousands of packets a
+    // second, those of a millisecond are handled together. What is measured does not change, as the kernel stamps
+    // packets.
+    [[nodiscard]] mono_nsec rest() const {
+        constexpr double MANY_PACKETS = 1000;  // a second
+        return budget_.interface.effective + budget_.endpoint.effective > MANY_PACKETS ? NSEC_PER_MSEC : 0;
+    }
     // Sends what is due, a limited number of packets.
     void run_due();
     // Reads what arrived at a socket.

@@ -12,7 +12,7 @@ namespace {
 std::string self(int port, const std::string &more = "") {
     const std::string number = std::to_string(port);
     return "node: {name: h, id: 1}\nreflector: {listen: [{address: 127.0.0.1, port: " + number +
-           "}]}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 1 s, tx-interval: 20 ms, "
+           "}]}\nprofiles:\n  - {name: p, kind: delay, computation-interval: 1 s, tx-interval: 100 ms, "
            "response-timeout: "
            "200 ms}\nendpoints:\n  - {name: a, address: 127.0.0.1, port: " +
            number + ", delay: p}\n" + more;
@@ -57,12 +57,12 @@ TEST(life, is_not_shown_while_it_is_suspended_and_makes_up_for_nothing) {
 TEST(life, a_configuration_that_is_read_again_keeps_what_did_not_change) {
     live_service service(self(18704, "  - {name: b, address: 127.0.0.1, port: 18704, liveness: true}\n"));
     ASSERT_TRUE(within(5, [&] { return service.shows("-c 6", "Endpoint name               : b"); }));
-    ASSERT_TRUE(within(5, [&] { return service.shows("-c 4 -t 29 -i a", "50/50"); }));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 4 -t 29 -i a", "10/10"); }));
     service.configure(self(18704, "  - {name: c, address: 127.0.0.1, port: 18704, delay: p}\n"));
     service.process().signal(SIGHUP);
     ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: c"); })) << service.log();
     EXPECT_TRUE(service.shows("-c 6 -s 1", "Endpoint name               : a"));
-    EXPECT_TRUE(service.shows("-c 4 -t 29 -i a", "50/50"));
+    EXPECT_TRUE(service.shows("-c 4 -t 29 -i a", "10/10"));
     // What is gone is shown as deleted for a moment, and then no more.
     EXPECT_TRUE(within(9, [&] { return !service.shows("-c 26", "Endpoint name: b"); }));
     service.configure("nonsense: 1\n");

@@ -33,6 +33,10 @@ struct load_options {
                          bool recursive);
 
 [[nodiscard]] int run_dump(const item_selection &selection);
+// Writes what is sound of a damaged store, and a line on standard error for each loss.
+[[nodiscard]] int run_dump_damaged();
+// Reads the whole store; a line on standard error for each thing that is wrong.
+[[nodiscard]] int run_verify();
 // Lists items: root, node, record type, path.
 [[nodiscard]] int run_ls(const item_selection &selection);
 [[nodiscard]] int run_get(const item_place &item);

@@ -26,6 +26,7 @@ struct arguments {
     load_options load;
     std::string root;
     std::string node;
+    bool damaged = false;
     std::string path;
     std::string type;
     std::string item;
@@ -62,6 +63,10 @@ void add_dump(CLI::App *app, arguments *given) {
     CLI::App *dump = app->add_subcommand("dump", "Write the store, or a part of it, as a data set");
     add_branch(dump, given, false);
     dump->add_option("--path", given->path, "Items whose path begins so only");
+    dump->add_flag("--damaged", given->damaged, "What is sound of a damaged store, and what is lost")
+        ->excludes("--root")
+        ->excludes("--node")
+        ->excludes("--path");
     dump->footer("Example: perf-store dump --root main --node 0x100 --path srpolicy/ > policies.ndjson");
 }
 
@@ -148,6 +153,7 @@ int run(int argc, char **argv) {
     add_item_commands(&app, &given);
     add_gen(&app, &given);
     app.add_subcommand("stat", "Items and bytes of each root and node")->footer("Example: perf-store stat");
+    app.add_subcommand("verify", "Read everything and say what is wrong")->footer("Example: perf-store verify");
     app.add_subcommand("types", "List the record types: name, version, size")->footer("Example: perf-store types");
     add_schema(&app, &given);
     if (const std::string wrong = unknown_command(app, argc, argv); !wrong.empty()) {
@@ -164,7 +170,7 @@ int run(int argc, char **argv) {
         return run_load(given.load);
     }
     if (app.got_subcommand("dump")) {
-        return run_dump(selection_of(given));
+        return given.damaged ? run_dump_damaged() : run_dump(selection_of(given));
     }
     if (app.got_subcommand("ls")) {
         return run_ls(selection_of(given));
@@ -177,6 +183,9 @@ int run(int argc, char **argv) {
     }
     if (app.got_subcommand("gen")) {
         return run_gen(given.synthetic);
+    }
+    if (app.got_subcommand("verify")) {
+        return run_verify();
     }
     if (app.got_subcommand("stat")) {
         return run_stat();

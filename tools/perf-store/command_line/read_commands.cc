@@ -7,6 +7,7 @@
 #include "perf-store/datasets/dataset_dumper.h"
 #include "perf-store/datasets/message_text.h"
 #include "perf-store/datasets/output_file.h"
+#include "perf-store/datasets/store_check.h"
 #include "platform/local/codec/parcel_codec.h"
 
 namespace perf_store {
@@ -63,11 +64,31 @@ void append_table(const std::vector<branch_usage> &branches, std::string *out) {
     append_usage("all", "", all.items, all.bytes, out);
 }
 
+void report_loss(const std::string &what) { static_cast<void>(report(pm_error(on_one_line(what)))); }
+
 }  // namespace
 
 int run_dump(const item_selection &selection) {
     output_file out;
     return report(dump_store(selection, &out));
+}
+
+int run_dump_damaged() {
+    output_file out;
+    check_result result;
+    const pm_error error = dump_sound_records(report_loss, &out, &result);
+    return error ? report(error) : result.losses == 0 ? EXIT_DONE : EXIT_REFUSED;
+}
+
+int run_verify() {
+    check_result result;
+    if (const pm_error error = verify_store(report_loss, &result)) {
+        return report(error);
+    }
+    output_file out;
+    out.buffer() = std::to_string(result.records) + " records, " + std::to_string(result.losses) + " errors\n";
+    const pm_error written = out.flush();
+    return written || result.losses != 0 ? report(written) | EXIT_REFUSED : EXIT_DONE;
 }
 
 int run_ls(const item_selection &selection) {

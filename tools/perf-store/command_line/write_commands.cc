@@ -67,7 +67,8 @@ int report_store(const pm_error &error) { return report(pm_error(error.code(), s
 
 int run_load(const load_options &options) {
     std::unique_ptr<store::writer> writer;
-    pm_error error = open_writer(store::missing_store::make, &writer);
+    using store::missing_store;
+    pm_error error = open_writer(options.replace ? missing_store::replace : missing_store::make, &writer);
     if (!error && options.replace) {
         error = writer->clear();
     }

@@ -5,7 +5,7 @@
 _perf_store_options() {
     case $1 in
     load) echo --replace --empty ;;
-    dump) echo --root --node --path ;;
+    dump) echo --root --node --path --damaged ;;
     ls | get) echo --root --node ;;
     rm) echo --root --node --recursive ;;
     gen) echo --nodes --interfaces --policies --paths --endpoints --tunnels --seed ;;
@@ -54,7 +54,7 @@ _perf_store() {
     done
 
     if [[ -z $subcommand ]]; then
-        words='load dump ls get rm types schema stat gen'
+        words='load dump ls get rm types schema stat verify gen'
         [[ $current == -* ]] && words='--help --version'
     else
         case $previous in

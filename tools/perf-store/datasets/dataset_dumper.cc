@@ -105,6 +105,8 @@ pm_error append_stored_item(const item_place &item, std::string_view parcel, jso
     });
 }
 
+std::unique_ptr<store_visitor> make_dumper(output_file *out) { return std::make_unique<dumper>(out); }
+
 pm_error dump_store(const item_selection &selection, output_file *out) {
     if (pm_error error = open_store()) {
         return error;

@@ -2,6 +2,7 @@
 // The store as a data set.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,10 @@ namespace perf_store {
 // appended.
 [[nodiscard]] pm_error append_stored_item(const item_place &item, std::string_view parcel, json_fields fields,
                                           std::string *out);
+
+// Writes what it visits, a line for each object, without the line of the data set's version. Nothing is written of an
+// object that gives an error.
+[[nodiscard]] std::unique_ptr<store_visitor> make_dumper(output_file *out);
 
 // Writes the store, or the items and publishers of a selection, as a data set of one object a line. Loading
 // it into an empty store and dumping again gives the same bytes. What was read before an error is written.

@@ -254,7 +254,10 @@ pm_error dataset_loader::read_type(const json_node &node, const parcel_descripto
     if (pm_error error = reader_.read_text(node, &name)) {
         return error;
     }
-    *type = pm_find_descriptor(name);
+    if (last_type_ == nullptr || name != last_type_->name) {
+        last_type_ = pm_find_descriptor(name);
+    }
+    *type = last_type_;
     return *type == nullptr ? reader_.refuse(node, "unknown record type " + excerpt(name) + nearest_type(name))
                             : pm_error();
 }

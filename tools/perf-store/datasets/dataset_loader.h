@@ -65,6 +65,7 @@ private:
     const document_stream *stream_ = nullptr;                 // the file that is read
     std::unordered_map<std::uint32_t, std::uint64_t> given_;  // lines of its nodes, by their ids
     bool store_failed_ = false;                               // the error is the store's, not the input's
+    const parcel_descriptor *last_type_ = nullptr;            // items of a type often come together
     std::uint64_t items_ = 0;
     std::uint64_t nodes_ = 0;
 };

@@ -38,6 +38,7 @@ private:
     [[nodiscard]] pm_error refused(std::size_t offset, const std::string &wrong) const;
     [[nodiscard]] std::uint64_t column_of(std::size_t offset) const;
     [[nodiscard]] pm_error read_document(json_document *document, bool *found);
+    [[nodiscard]] bool read_line(json_document *document);
     [[nodiscard]] pm_error read_more();
     void pass_document();
     [[nodiscard]] pm_error pass_separator();
@@ -46,7 +47,7 @@ private:
     pm_error error_;
     int file_descriptor_ = -1;
     bool at_end_ = false;
-    std::vector<char> buffer_;  // terminated
+    std::vector<char> buffer_;  // its last bytes are padding, and what is filled is terminated
     std::size_t filled_ = 0;
     std::size_t at_ = 0;        // start of the document read last, white space before it included
     std::size_t length_ = 0;    // of that document

@@ -5,11 +5,12 @@
 #include <arpa/inet.h>
 #include <cstring>
 
+#include "base/pm_address_text.h"
+
 namespace perf_store {
 
 namespace {
 
-constexpr char DIGITS[] = "0123456789abcdef";
 constexpr std::size_t MAC_OCTETS = 6;
 
 int hex_digit(char c) {
@@ -20,6 +21,23 @@ int hex_digit(char c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
+// Most numbers: up to 18 decimal digits, the first of which is no 0 that makes them octal.
+bool parse_short_decimal(std::string_view text, std::uint64_t *value) {
+    if (text.empty() || text.size() > 18 || (text[0] == '0' && text.size() > 1)) {
+        return false;
+    }
+    std::uint64_t number = 0;
+    for (const char c : text) {
+        const auto digit = static_cast<unsigned char>(c - '0');
+        if (digit > 9) {
+            return false;
+        }
+        number = number * 10 + digit;
+    }
+    *value = number;
+    return true;
+}
+
 bool parse_address(int family, std::string_view text, std::uint8_t *octets) {
     char terminated[INET6_ADDRSTRLEN];
     if (text.size() >= sizeof terminated || text.find('\0') != std::string_view::npos) {
@@ -28,11 +46,6 @@ bool parse_address(int family, std::string_view text, std::uint8_t *octets) {
     std::memcpy(terminated, text.data(), text.size());
     terminated[text.size()] = '\0';
     return inet_pton(family, terminated, octets) == 1;
-}
-
-void append_address(int family, const std::uint8_t *octets, std::string *out) {
-    char text[INET6_ADDRSTRLEN];
-    out->append(inet_ntop(family, octets, text, sizeof text));
 }
 
 // Bytes of the UTF-8 sequence at the front of `text`; 0 when there is none (RFC 3629).
@@ -72,6 +85,10 @@ std::size_t plain_length(std::string_view text) {
 }  // namespace
 
 number_result parse_integer(std::string_view text, std::uint64_t *value, bool *negative) {
+    if (parse_short_decimal(text, value)) {
+        *negative = false;
+        return number_result::ok;
+    }
     *negative = text.starts_with('-');
     text.remove_prefix(*negative ? 1 : 0);
     int base = 10;
@@ -134,23 +151,25 @@ bool parse_hexadecimal(std::string_view text, std::uint8_t *octets) {
     return true;
 }
 
-void append_ipv4(const std::uint8_t *octets, std::string *out) { append_address(AF_INET, octets, out); }
-void append_ipv6(const std::uint8_t *octets, std::string *out) { append_address(AF_INET6, octets, out); }
+void append_ipv4(const std::uint8_t *octets, std::string *out) {
+    char text[PM_IPV4_TEXT_SIZE];
+    out->append(text, pm_write_ipv4(text, octets));
+}
+
+void append_ipv6(const std::uint8_t *octets, std::string *out) {
+    char text[PM_IPV6_TEXT_SIZE];
+    out->append(text, pm_write_ipv6(text, octets));
+}
 
 void append_mac(const std::uint8_t *octets, std::string *out) {
-    for (std::size_t i = 0; i < MAC_OCTETS; ++i) {
-        if (i != 0) {
-            out->push_back(':');
-        }
-        append_hexadecimal(octets + i, 1, out);
-    }
+    char text[PM_MAC_TEXT_SIZE];
+    out->append(text, pm_write_mac(text, octets));
 }
 
 void append_hexadecimal(const std::uint8_t *octets, std::size_t count, std::string *out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        out->push_back(DIGITS[octets[i] >> 4]);
-        out->push_back(DIGITS[octets[i] & 0xF]);
-    }
+    const std::size_t before = out->size();
+    out->resize(before + 2 * count);
+    pm_write_hexadecimal(out->data() + before, octets, count);
 }
 
 bool is_utf8(std::string_view text) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/pm_address_text.h"
 #include "base/pm_format.h"
 #include "pm_utils/text_ring.h"
 
@@ -12,14 +13,14 @@ const char *pm_mac_to_dotted_str(const std::uint8_t *bytes, std::int32_t length)
         return text;
     }
     const auto count = std::min(static_cast<std::size_t>(length), PM_MAC_SIZE);
-    pm_text_writer writer(text, text + sizeof text - 1);
+    char *end = text;
     for (std::size_t at = 0; at < count; ++at) {
         if (at != 0 && at % 2 == 0) {
-            writer.fill('.', 1);
+            *end++ = '.';
         }
-        pm_format<"%02x">(writer, bytes[at]);
+        end = pm_write_hexadecimal(end, bytes + at, 1);
     }
-    *writer.cursor() = '\0';
+    *end = '\0';
     return text;
 }
 

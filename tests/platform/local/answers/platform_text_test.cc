@@ -158,6 +158,22 @@ TEST(Time, IsWhatTheLibraryWritesWhenTheOffsetChanges) {
     tzset();
 }
 
+// Times of many years in no order, most of them on another day than the one before.
+TEST(Time, OfAnyDayReadsAsTheCLibraryWritesIt) {
+    std::mt19937 random(1);
+    for (const char *zone : {"UTC", "EST5EDT,M3.2.0,M11.1.0", "LHST-10:30LHDT-11,M10.1.0,M4.1.0"}) {
+        setenv("TZ", zone, 1);
+        tzset();
+        for (int i = 0; i < 100000; ++i) {
+            const auto time = static_cast<std::time_t>(random());
+            ASSERT_EQ(calendar(time), calendar_of_the_library(time)) << zone << " " << time;
+            ASSERT_EQ(calendar(time + 1800), calendar_of_the_library(time + 1800)) << zone << " " << time;
+        }
+    }
+    setenv("TZ", "UTC", 1);
+    tzset();
+}
+
 TEST(Time, NowIsTheMomentOfAReplay) {
     setenv("PERF_SHOW_NOW", "1709647387042", 1);
     std::timespec now{};

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "base/pm_format.h"
+#include "base/pm_address_text.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ constexpr std::size_t SLOTS = 16;
 
 // The next of the rotating text buffers.
 char *next_slot() {
-    static char slots[SLOTS][INET6_ADDRSTRLEN];
+    static char slots[SLOTS][PM_IPV6_TEXT_SIZE + 1];
     static std::size_t next = 0;
     char *slot = slots[next];
     next = (next + 1) % SLOTS;
@@ -55,13 +55,14 @@ const char *inet_ntoa_r(std::uint32_t address) {
     std::uint8_t octets[IPV4_OCTETS];
     std::memcpy(octets, &address, sizeof octets);
     char *const text = next_slot();
-    // Without inet_ntop, which formats with printf: displays print many of these.
-    pm_format_text<"%u.%u.%u.%u">(text, INET6_ADDRSTRLEN, octets[0], octets[1], octets[2], octets[3]);
+    *pm_write_ipv4(text, octets) = '\0';
     return text;
 }
 
 const char *inet6_ntoa_r(const std::uint8_t *octets) {
-    return inet_ntop(AF_INET6, octets, next_slot(), INET6_ADDRSTRLEN);
+    char *const text = next_slot();
+    *pm_write_ipv6(text, octets) = '\0';
+    return text;
 }
 
 const char *ip_addr_string(const ip_prefix *prefix) {
@@ -98,10 +99,6 @@ int ip_addr2hex_string2(const ip_address *address, char *buffer, std::size_t siz
     if (octets == 0 || size <= 2 * octets) {
         return 1;
     }
-    for (std::size_t i = 0; i < octets; ++i) {
-        buffer[2 * i] = "0123456789abcdef"[address->octets[i] >> 4];
-        buffer[2 * i + 1] = "0123456789abcdef"[address->octets[i] & 0xF];
-    }
-    buffer[2 * octets] = '\0';
+    *pm_write_hexadecimal(buffer, address->octets, octets) = '\0';
     return 0;
 }

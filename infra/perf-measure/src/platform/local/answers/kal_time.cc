@@ -57,6 +57,7 @@ struct local_day {
     std::time_t end = 0;  // none yet
     long zone = 0;        // of the C library, when the day was looked up
     char date[24] = {};   // "%b %d %Y "
+    std::size_t date_length = 0;
 };
 
 // Whether another time has the date and the offset from UTC of `day`.
@@ -78,8 +79,11 @@ const local_day *day_of(std::time_t time) {
     }
     const std::time_t begin = time - local.tm_hour * 3600 - local.tm_min * 60 - local.tm_sec;
     const std::time_t end = begin + SEC_PER_DAY;
-    if (!is_same_offset(begin, local) || !is_same_offset(end - 1, local) ||
-        std::strftime(day.date, sizeof day.date, "%b %d %Y ", &local) == 0) {
+    if (!is_same_offset(begin, local) || !is_same_offset(end - 1, local)) {
+        return nullptr;
+    }
+    day.date_length = std::strftime(day.date, sizeof day.date, "%b %d %Y ", &local);
+    if (day.date_length == 0) {
         return nullptr;
     }
     day.begin = begin;
@@ -88,20 +92,26 @@ const local_day *day_of(std::time_t time) {
     return &day;
 }
 
+char *write_two_digits(char *to, std::uint32_t value) {
+    to[0] = static_cast<char>('0' + value / 10);
+    to[1] = static_cast<char>('0' + value % 10);
+    return to + 2;
+}
+
 // Writes the calendar format without strftime, which costs more than all else of a line. False when it cannot.
 bool format_calendar(std::time_t time, char *buffer, std::size_t size) {
+    constexpr std::size_t CLOCK_SIZE = sizeof "00:00:00";
     const local_day *const day = day_of(time);
-    if (day == nullptr) {
+    if (day == nullptr || day->date_length + CLOCK_SIZE > size) {
         return false;
     }
     const auto second = static_cast<std::uint32_t>(time - day->begin);
-    char text[sizeof day->date + 8];
-    const std::size_t length = pm_format_text<"%s%02u:%02u:%02u">(
-        text, sizeof text, static_cast<const char *>(day->date), second / 3600, second / 60 % 60, second % 60);
-    if (length >= size) {
-        return false;
-    }
-    std::memcpy(buffer, text, length + 1);
+    std::memcpy(buffer, day->date, day->date_length);
+    char *at = write_two_digits(buffer + day->date_length, second / 3600);
+    *at++ = ':';
+    at = write_two_digits(at, second / 60 % 60);
+    *at++ = ':';
+    *write_two_digits(at, second % 60) = '\0';
     return true;
 }
 

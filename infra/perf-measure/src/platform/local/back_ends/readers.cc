@@ -9,7 +9,9 @@
 
 #include "platform/errcode.h"
 #include "platform/local/codec/parcel_codec.h"
+#include "platform/local/lmdb_store/inspect.h"
 #include "platform/local/lmdb_store/lmdb_reader.h"
+#include "platform/local/redis_store/redis_reader.h"
 #include "platform/local/store/store_url.h"
 
 namespace store {
@@ -18,11 +20,17 @@ namespace {
 
 struct back_end {
     std::string_view scheme;
+    // Both take the place that follows the scheme, or of a back end that opens to see what it may read (it has no
+    // check_access) the whole URL.
     pm_error (*open)(const std::string &place, std::unique_ptr<reader> *out);
     access_state (*check_access)(const std::string &place);
+    pm_error (*inspect)(const std::string &place, inspector *to);  // null where damage cannot be searched for
 };
 constexpr back_end BACK_ENDS[] = {
-    {"lmdb", lmdb_store::open_reader, lmdb_store::check_access},
+    {"lmdb", lmdb_store::open_reader, lmdb_store::check_access, lmdb_store::inspect},
+    {"redis", redis_store::open_reader, nullptr, nullptr},
+    {"rediss", redis_store::open_reader, nullptr, nullptr},
+    {"redis+unix", redis_store::open_reader, nullptr, nullptr},
 };
 
 // Null for a URL that no back end takes.
@@ -42,16 +50,17 @@ bool read_schema(std::uint64_t fingerprint, std::string *schema) {
 
 pm_error shared_reader(reader **out) {
     static reader *the_reader = nullptr;  // never closed: exit has nothing to wait for
-    static errcode refused = ERRCODE_SUCCESS;
+    static pm_error refused;              // that would be refused again, or only after another wait
     if (the_reader == nullptr) {
         const std::string_view url = configured_url();
         const back_end *known = find_back_end(url);
-        if (known == nullptr || refused != ERRCODE_SUCCESS) {
-            return pm_error(known == nullptr ? OPSTORE_NO_CLIENT : refused);
+        if (known == nullptr || refused) {
+            return known == nullptr ? pm_error(OPSTORE_NO_CLIENT) : refused;
         }
+        const bool whole_url = known->check_access == nullptr;
         std::unique_ptr<reader> opened;
-        if (pm_error error = known->open(std::string(place_of(url)), &opened)) {
-            refused = error.code() == OPSTORE_DAMAGED ? OPSTORE_DAMAGED : ERRCODE_SUCCESS;  // not opened a second time
+        if (pm_error error = known->open(std::string(whole_url ? url : place_of(url)), &opened)) {
+            refused = error.code() == OPSTORE_DAMAGED || whole_url ? error : pm_error();
             return error;
         }
         the_reader = opened.release();
@@ -64,7 +73,27 @@ pm_error shared_reader(reader **out) {
 access_state check_access() {
     const std::string_view url = configured_url();
     const back_end *known = find_back_end(url);
-    return known != nullptr ? known->check_access(std::string(place_of(url))) : access_state{};
+    if (known == nullptr) {
+        return {};
+    }
+    if (known->check_access == nullptr) {
+        reader *ignored = nullptr;
+        const pm_error error = shared_reader(&ignored);
+        return {error.code() != OPSTORE_NO_CLIENT, error.code() == OPSTORE_NO_CLIENT ? error : pm_error()};
+    }
+    return known->check_access(std::string(place_of(url)));
+}
+
+pm_error inspect(inspector *to) {
+    const std::string_view url = configured_url();
+    const back_end *known = find_back_end(url);
+    if (known == nullptr) {
+        return pm_error(OPSTORE_NO_CLIENT);
+    }
+    if (known->inspect == nullptr) {
+        return pm_error(ERRCODE_INVALID_ARGUMENT, std::string(url) + ": stores of this kind are not inspected");
+    }
+    return known->inspect(std::string(place_of(url)), to);
 }
 
 }  // namespace store

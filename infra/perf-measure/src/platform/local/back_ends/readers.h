@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/pm_error.h"
+#include "platform/local/store/inspector.h"
 #include "platform/local/store/reader.h"
 
 namespace store {
@@ -14,5 +15,9 @@ namespace store {
 
 // Whether the store at configured_url() can be read. A URL of no back end cannot.
 [[nodiscard]] access_state check_access();
+
+// Reads the whole store at configured_url(), as far as it can be read. Needs no shared reader: a store that is too
+// damaged to be opened can be inspected. An error when nothing could be read, or the back end cannot do it.
+[[nodiscard]] pm_error inspect(inspector *to);
 
 }  // namespace store

@@ -8,6 +8,7 @@
 
 #include "platform/errcode.h"
 #include "platform/local/lmdb_store/lmdb_writer.h"
+#include "platform/local/redis_store/redis_writer.h"
 #include "platform/local/store/store_url.h"
 
 namespace store {
@@ -16,10 +17,14 @@ namespace {
 
 struct back_end {
     std::string_view scheme;
+    bool whole_url;  // else open() takes the place that follows the scheme
     pm_error (*open)(const std::string &place, missing_store missing, std::unique_ptr<writer> *out);
 };
 constexpr back_end BACK_ENDS[] = {
-    {"lmdb", lmdb_store::open_writer},
+    {"lmdb", false, lmdb_store::open_writer},
+    {"redis", true, redis_store::open_writer},
+    {"rediss", true, redis_store::open_writer},
+    {"redis+unix", true, redis_store::open_writer},
 };
 
 }  // namespace
@@ -30,7 +35,7 @@ pm_error open_writer(const char *url, missing_store missing, std::unique_ptr<wri
     if (known == std::end(BACK_ENDS)) {
         return pm_error(OPSTORE_NO_CLIENT, std::string(url) + ": a store is named lmdb:FOLDER");
     }
-    return known->open(std::string(place_of(url)), missing, out);
+    return known->open(std::string(known->whole_url ? url : place_of(url)), missing, out);
 }
 
 }  // namespace store

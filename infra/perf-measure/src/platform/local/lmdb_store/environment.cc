@@ -43,11 +43,14 @@ pm_error environment::open(const std::string &folder) {
         return pm_error(opened);
     }
     // The one table is open in every transaction; its first read tells whether the store is ours.
-    return read([](const table_state &state) {
-        bool is_ours = false;
-        const errcode code = state.check_format(&is_ours);
-        return code == ERRCODE_SUCCESS && is_ours ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+    ownership whose = ownership::foreign;
+    pm_error error = read([&](const table_state &state) {
+        const errcode code = state.check_format(&whose);
+        return code == ERRCODE_SUCCESS && whose == ownership::ours ? state.check_end(state.transaction())
+                                                                   : OPSTORE_DAMAGED;
     });
+    is_ours_ = !error;
+    return whose == ownership::of_old_format ? pm_error(OPSTORE_DAMAGED, old_format_text(folder_)) : error;
 }
 
 // Opens the data file. The map that it records is address space which a limited process may not have; then

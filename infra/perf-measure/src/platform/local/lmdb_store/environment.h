@@ -40,6 +40,8 @@ private:
     [[nodiscard]] int renew(MDB_txn *txn);
     [[nodiscard]] bool overtaken(MDB_txn *txn) const;
     template <class Body>
+    [[nodiscard]] errcode answer(const table_state &state, Body &body);
+    template <class Body>
     [[nodiscard]] errcode read_whole_state(MDB_txn *txn, Body &body);
 
     std::string folder_;
@@ -49,17 +51,31 @@ private:
     bool unlocked_ = false;
     MDB_dbi table_ = 0;
     const table_state *current_ = nullptr;  // while a body runs
+    bool is_ours_ = false;                  // a store of our format
+    std::size_t checked_ = 0;               // the last state that is known to be the one that the head names
     errcode broken_ = ERRCODE_SUCCESS;      // why LMDB must not be called any more
 };
 
 // Implementation of the templates ----------------------------------------------------------------
+
+// Runs the body on a state, the first time after a look whether the state is the one that the head names.
+template <class Body>
+errcode environment::answer(const table_state &state, Body &body) {
+    if (is_ours_ && state.transaction() != checked_) {
+        if (const errcode code = state.check_end(state.transaction()); code != ERRCODE_SUCCESS) {
+            return code;
+        }
+        checked_ = state.transaction();
+    }
+    return body(state);
+}
 
 // Runs the body again for each state that a writer overtook meanwhile.
 template <class Body>
 errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
     const table_state state(txn, table_);
     current_ = &state;
-    errcode code = body(state);
+    errcode code = answer(state, body);
     for (int tries = 0; overtaken(txn); ++tries) {
         if (tries == MAX_TRIES) {
             return OPSTORE_BUSY;
@@ -67,7 +83,7 @@ errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
         if (const int result = renew(txn); result != 0) {
             return code_of(result);
         }
-        code = body(state);
+        code = answer(state, body);
     }
     return code;
 }

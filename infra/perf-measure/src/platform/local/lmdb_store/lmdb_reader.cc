@@ -50,7 +50,7 @@ errcode read_publisher(const table_state &state, std::string_view key, known_sta
     *known = static_cast<store::publisher_state>(record.State);
     if (record.Lease != nullptr && *known == store::publisher_state::running &&
         store::lease_is_over(record.Lease->Boot != nullptr ? record.Lease->Boot : "", record.Lease->ExpiresMsec)) {
-        *known = store::publisher_state::unreachable;
+        *known = store::publisher_state::stopped;
     }
     parcel_free_indirections(&record, local_publisher_descriptor());
     return ERRCODE_SUCCESS;
@@ -79,21 +79,25 @@ public:
     [[nodiscard]] errcode match(const table_state &state, std::string_view path, std::string_view parcel,
                                 bool *matches) {
         *matches = true;
-        return which_.predicate == nullptr ? ERRCODE_SUCCESS
-                                           : which_.predicate->match(path, parcel, companion(state, path), matches);
+        if (which_.predicate == nullptr) {
+            return ERRCODE_SUCCESS;
+        }
+        std::string_view other;
+        const errcode code = companion(state, path, &other);
+        return code == ERRCODE_SUCCESS ? which_.predicate->match(path, parcel, other, matches) : code;
     }
 
 private:
-    [[nodiscard]] std::string_view companion(const table_state &state, std::string_view path) {
+    // An item without a companion has an empty one.
+    [[nodiscard]] errcode companion(const table_state &state, std::string_view path, std::string_view *parcel) {
         const store::companion_paths &paths = which_.companion;
-        std::string_view parcel;
-        if (!paths.companions.empty() && path.starts_with(paths.items)) {
-            companion_key_.resize(companion_prefix_);
-            companion_key_ += path.substr(paths.items.size());
-            const errcode code = state.get_parcel(companion_key_, &parcel);
-            return code == ERRCODE_SUCCESS ? parcel : std::string_view();
+        if (paths.companions.empty() || !path.starts_with(paths.items)) {
+            return ERRCODE_SUCCESS;
         }
-        return parcel;
+        companion_key_.resize(companion_prefix_);
+        companion_key_ += path.substr(paths.items.size());
+        const errcode code = state.get_parcel(companion_key_, parcel);
+        return code == ERRCODE_NOT_FOUND ? ERRCODE_SUCCESS : code;
     }
 
     const store::selection &which_;
@@ -286,16 +290,11 @@ pm_error lmdb_reader::interfaces(std::uint64_t from, std::vector<store::interfac
 pm_error lmdb_reader::count(store::census *out) {
     const std::string schemas = store::key(key_space::schema);
     return environment_.read([&](const table_state &table) {
-        std::uint64_t others = 0;
-        std::string_view format;
-        errcode code = table.get(store::key(key_space::format), &format);
-        others += code == ERRCODE_SUCCESS ? 1 : 0;
-        if (code == ERRCODE_SUCCESS || code == ERRCODE_NOT_FOUND) {
-            code = table.scan(schemas, [&](std::string_view, std::string_view) {
-                ++others;
-                return true;
-            });
-        }
+        std::uint64_t others = 2;  // the format's record, and the end
+        const errcode code = table.scan(schemas, [&](std::string_view, std::string_view) {
+            ++others;
+            return true;
+        });
         *out = {table.entries() - others, table.transaction()};
         return code;
     });

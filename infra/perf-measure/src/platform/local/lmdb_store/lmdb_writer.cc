@@ -33,9 +33,9 @@ struct node_position {
 
 class lmdb_writer final : public store::writer {
 public:
-    [[nodiscard]] pm_error begin(const std::string &folder) {
+    [[nodiscard]] pm_error begin(const std::string &folder, old_store old) {
         folder_ = folder;
-        return transaction_.begin(folder);
+        return transaction_.begin(folder, old);
     }
 
     [[nodiscard]] pm_error clear() override;
@@ -202,7 +202,15 @@ pm_error open_writer(const std::string &folder, store::missing_store missing, st
         return pm_error(OPSTORE_NO_CLIENT, check_access(folder).denial.text());
     }
     auto opened = std::make_unique<lmdb_writer>();
-    if (pm_error error = opened->begin(folder)) {
+    pm_error error = opened->begin(folder, old_store::keep);
+    if (missing == store::missing_store::replace) {
+        error = error ? std::move(error) : opened->clear();
+        if (error.code() == OPSTORE_DAMAGED && has_note(folder)) {  // it is ours, and nothing can be done in it
+            opened = std::make_unique<lmdb_writer>();
+            error = opened->begin(folder, old_store::leave_aside);
+        }
+    }
+    if (error) {
         return error;
     }
     *out = std::move(opened);

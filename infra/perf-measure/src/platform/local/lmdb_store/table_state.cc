@@ -15,7 +15,9 @@ errcode code_of(int result) {
     switch (result) {
     case 0: return ERRCODE_SUCCESS;
     case MDB_NOTFOUND: return ERRCODE_NOT_FOUND;
-    case ENOMEM: return ERRCODE_NO_MEMORY;
+    case ENOMEM:
+    case ENOSPC:
+    case EDQUOT: return ERRCODE_NO_MEMORY;
     case ENOENT:
     case ENOTDIR:
     case EACCES:
@@ -43,9 +45,16 @@ errcode table_state::get(std::string_view key, std::string_view *value) const {
     MDB_val found{};
     const int result = mdb_get(txn_, table_, &wanted, &found);
     if (result == 0) {
-        *value = to_view(found);
+        *value = without_link(to_view(found));
     }
-    return code_of(result);
+    if (result != MDB_NOTFOUND) {
+        return code_of(result);
+    }
+    gap at;
+    const errcode code = open_gap(key, &at);
+    const bool absent = code == ERRCODE_SUCCESS && to_view(at.key) != key;
+    mdb_cursor_close(at.cursor);
+    return absent ? ERRCODE_NOT_FOUND : code == ERRCODE_SUCCESS ? OPSTORE_DAMAGED : code;
 }
 
 errcode table_state::get_parcel(std::string_view key, std::string_view *parcel) const {
@@ -57,16 +66,59 @@ errcode table_state::get_parcel(std::string_view key, std::string_view *parcel) 
     return parcel->empty() ? OPSTORE_DAMAGED : ERRCODE_SUCCESS;
 }
 
-errcode table_state::check_format(bool *is_ours) const {
-    const char format_key = static_cast<char>(store::key_space::format);  // no string: a fault may end this
-    std::string_view format;
-    const errcode code = get({&format_key, 1}, &format);
-    if (code == ERRCODE_NOT_FOUND) {
-        *is_ours = entries() == 0;
+// Goes to the first record that is not before `from`, which is linked to the one before it. The caller closes the
+// cursor, whatever the answer is.
+errcode table_state::open_gap(std::string_view from, gap *out) const {
+    if (const int result = mdb_cursor_open(txn_, table_, &out->cursor); result != 0) {
+        return code_of(result);
+    }
+    out->key = to_value(from);
+    int result = mdb_cursor_get(out->cursor, &out->key, &out->kept, MDB_SET_RANGE);
+    if (result != 0) {
+        return result == MDB_NOTFOUND ? OPSTORE_DAMAGED : code_of(result);  // every place is before the end
+    }
+    if (to_view(out->key) < from) {
+        return OPSTORE_DAMAGED;
+    }
+    MDB_val before{};
+    MDB_val ignored{};
+    result = mdb_cursor_get(out->cursor, &before, &ignored, MDB_PREV);
+    if (result == MDB_NOTFOUND) {
+        return to_view(out->key) == FORMAT_KEY ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+    }
+    result = result == 0 ? mdb_cursor_get(out->cursor, &out->key, &out->kept, MDB_NEXT) : result;
+    if (result != 0) {
+        return code_of(result);
+    }
+    out->before = to_view(before);
+    const bool linked = out->before < from && from <= to_view(out->key) &&
+                        is_linked(to_view(out->kept), out->before, to_view(out->key));
+    return linked ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
+}
+
+errcode table_state::check_format(ownership *whose) const {
+    MDB_val key = to_value(FORMAT_KEY);
+    MDB_val found{};
+    const int result = mdb_get(txn_, table_, &key, &found);
+    *whose = ownership::foreign;
+    if (result == MDB_NOTFOUND) {
+        const bool is_first = transaction() <= 1;  // to be read: 0; the one that is to write it: 1
+        *whose = is_first && entries() == 0 ? ownership::never_written : ownership::foreign;
         return ERRCODE_SUCCESS;
     }
-    *is_ours = format == FORMAT;
-    return code;
+    if (result == 0 && to_view(found) == FORMAT) {
+        *whose = ownership::ours;
+    } else if (result == 0 && to_view(found) == OLD_FORMAT) {
+        *whose = ownership::of_old_format;
+    }
+    return code_of(result);
+}
+
+errcode table_state::check_end(std::uint64_t made_by) const {
+    std::string_view value;
+    const errcode code = get(END_KEY, &value);
+    const bool same = value.size() == sizeof made_by && std::memcmp(value.data(), &made_by, sizeof made_by) == 0;
+    return code == ERRCODE_SUCCESS && same ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
 }
 
 std::size_t table_state::entries() const {

@@ -8,11 +8,16 @@
 #include <string_view>
 
 #include "platform/errcode.h"
+#include "platform/local/lmdb_store/links.h"
 
 namespace lmdb_store {
 
-inline constexpr char FORMAT[] = "perf-show opstore 1";  // the value under key_space::format
-inline constexpr unsigned MAX_READERS = 510;             // at one time
+inline constexpr char FORMAT[] = "perf-show opstore 2";      // the value under key_space::format
+inline constexpr char OLD_FORMAT[] = "perf-show opstore 1";  // of stores whose records have no links
+inline constexpr unsigned MAX_READERS = 510;                 // at one time
+
+// Whose store it is. One without a format record is nobody's, unless nothing was ever committed to it.
+enum class ownership { ours, of_old_format, never_written, foreign };
 
 // The code of a result of LMDB, its own or the system's. A result that is not known is damage, never success.
 [[nodiscard]] errcode code_of(int result);
@@ -26,26 +31,29 @@ inline constexpr unsigned MAX_READERS = 510;             // at one time
     return {static_cast<const char *>(value.mv_data), value.mv_size};
 }
 
-// Views that it gives are into the store's map, valid while the transaction is open.
+// Views that it gives are into the store's map, valid while the transaction is open. Links are checked wherever
+// records are read, and are no part of the values.
 class table_state {
 public:
     table_state(MDB_txn *txn, MDB_dbi table) : txn_(txn), table_(table) {}
 
-    // ERRCODE_NOT_FOUND when there is no such key.
+    // ERRCODE_NOT_FOUND when there is no such key, which the record after its place confirms; OPSTORE_DAMAGED when
+    // that knows of another one.
     [[nodiscard]] errcode get(std::string_view key, std::string_view *value) const;
     // The parcel of a record; OPSTORE_DAMAGED when another key's value is there.
     [[nodiscard]] errcode get_parcel(std::string_view key, std::string_view *parcel) const;
 
-    // Whether the store is ours, or one in which nothing was ever committed; else it is another program's.
-    [[nodiscard]] errcode check_format(bool *is_ours) const;
+    [[nodiscard]] errcode check_format(ownership *whose) const;
+    // Whether the state was made by that transaction, which is the one that the file's head names.
+    [[nodiscard]] errcode check_end(std::uint64_t made_by) const;
 
-    // How many keys there are, of whatever kind; and which transaction made this state.
+    // How many keys there are, of whatever kind; and which transaction made this state, or is to make the next one.
     [[nodiscard]] std::size_t entries() const;
     [[nodiscard]] std::size_t transaction() const { return mdb_txn_id(txn_); }
 
     // Calls visit(key, value) for the keys that begin with `prefix`, in order, from the first one that is not before
-    // `from`, until visit returns false. OPSTORE_DAMAGED when the keys do not ascend: a damaged tree could go round in
-    // circles. Neither text may be empty.
+    // `from`, until visit returns false. OPSTORE_DAMAGED when a record is missing there, or when the keys do not
+    // ascend: a damaged tree could go round in circles. Neither text may be empty.
     template <class Visit>
     [[nodiscard]] errcode scan(std::string_view prefix, std::string_view from, Visit visit) const;
     template <class Visit>
@@ -54,6 +62,15 @@ public:
     }
 
 private:
+    // A place between two neighbours of the table, and a cursor at the later one.
+    struct gap {
+        MDB_cursor *cursor = nullptr;
+        std::string_view before;  // empty before the first record
+        MDB_val key{};
+        MDB_val kept{};
+    };
+    [[nodiscard]] errcode open_gap(std::string_view from, gap *out) const;
+
     MDB_txn *txn_;
     MDB_dbi table_;
 };
@@ -62,28 +79,23 @@ private:
 
 template <class Visit>
 errcode table_state::scan(std::string_view prefix, std::string_view from, Visit visit) const {
-    MDB_cursor *cursor = nullptr;
-    if (const int result = mdb_cursor_open(txn_, table_, &cursor); result != 0) {
-        return code_of(result);
-    }
-    MDB_val key = to_value(from);
-    MDB_val value{};
-    std::string_view before;
-    bool ascends = true;
-    int result = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
-    while (result == 0 && to_view(key).starts_with(prefix)) {
-        ascends = before.empty() ? from <= to_view(key) : before < to_view(key);
-        before = to_view(key);
-        if (!ascends || !visit(before, to_view(value))) {
+    gap at;
+    errcode code = open_gap(from, &at);
+    while (code == ERRCODE_SUCCESS && to_view(at.key).starts_with(prefix)) {
+        const std::string_view kept = to_view(at.kept);
+        at.before = to_view(at.key);
+        if (!visit(at.before, without_link(kept)) || at.before == END_KEY) {
             break;
         }
-        result = mdb_cursor_get(cursor, &key, &value, MDB_NEXT);
+        const int result = mdb_cursor_get(at.cursor, &at.key, &at.kept, MDB_NEXT);
+        if (result != 0) {
+            code = result == MDB_NOTFOUND ? OPSTORE_DAMAGED : code_of(result);  // the end is missing
+        } else if (at.before >= to_view(at.key) || !is_linked(to_view(at.kept), at.before, to_view(at.key))) {
+            code = OPSTORE_DAMAGED;
+        }
     }
-    mdb_cursor_close(cursor);
-    if (result == MDB_NOTFOUND) {
-        return ERRCODE_SUCCESS;
-    }
-    return ascends ? code_of(result) : OPSTORE_DAMAGED;
+    mdb_cursor_close(at.cursor);
+    return code;
 }
 
 }  // namespace lmdb_store

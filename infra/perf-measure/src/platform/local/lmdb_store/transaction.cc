@@ -50,6 +50,9 @@ off_t accounted_size(const std::string &folder) {
 
 }  // namespace
 
+// The result that guarded() takes for a code.
+int transaction::result_of(errcode code) { return code == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED; }
+
 // What a result of LMDB means to the user.
 pm_error transaction::describe(int result) const {
     switch (result) {
@@ -71,6 +74,7 @@ pm_error transaction::describe_fault() const {
 }
 
 transaction::~transaction() {
+    outdated_ = false;
     if (!damaged_ && env_ != nullptr) {
         const pm_error ignored = guarded([&] {
             if (txn_ != nullptr) {
@@ -93,10 +97,10 @@ transaction::~transaction() {
     }
 }
 
-pm_error transaction::begin(const std::string &folder) {
+pm_error transaction::begin(const std::string &folder, old_store old) {
     folder_ = folder;
     reserve_standard_descriptors();
-    if (pm_error error = place_.take(folder_)) {
+    if (pm_error error = place_.take(folder_, old == old_store::leave_aside)) {
         return error;
     }
     fault_guard::install();
@@ -131,7 +135,7 @@ pm_error transaction::refuse_foreign_store(std::uint64_t accounted) {
     }
     // What a writer that was killed has left after the data is not worth restoring.
     size_before_ = accounted != 0 ? std::min(status.st_size, static_cast<off_t>(accounted)) : status.st_size;
-    bool is_ours = true;
+    ownership whose = ownership::ours;
     pm_error error = guarded([&] {
         MDB_env *env = nullptr;
         MDB_txn *txn = nullptr;
@@ -140,13 +144,13 @@ pm_error transaction::refuse_foreign_store(std::uint64_t accounted) {
         result = result != 0 ? result : mdb_env_open(env, folder_.c_str(), MDB_RDONLY | MDB_NOLOCK | MDB_NOTLS, 0);
         result = result != 0 ? result : mdb_txn_begin(env, nullptr, MDB_RDONLY, &txn);
         if (result == 0 && (result = mdb_dbi_open(txn, nullptr, 0, &table)) == 0) {
-            result = table_state(txn, table).check_format(&is_ours) == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED;
+            result = result_of(table_state(txn, table).check_format(&whose));
         }
         mdb_txn_abort(txn);
         mdb_env_close(env);
         return result == ENOMEM ? 0 : result;  // too little address space for its map; check_format() comes later
     });
-    return !error && !is_ours ? not_ours(folder_) : error;
+    return !error && whose == ownership::foreign ? not_ours(folder_) : error;
 }
 
 // Opens the environment with the largest map that there is address space for. What is after the data of a file
@@ -214,33 +218,39 @@ pm_error transaction::read_everything() {
             sink = static_cast<char>(sink + key.back() + (value.empty() ? 0 : value.back()));
             return true;
         };
-        return table_state(txn_, table_).scan("", FIRST_OF_ALL, touch) == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED;
+        return result_of(table_state(txn_, table_).scan("", FIRST_OF_ALL, touch));
     });
 }
 
-// Gives an empty store its format.
+// Tells whose store it is; begins one where nothing was ever written.
 pm_error transaction::check_format() {
-    bool is_ours = false;
-    std::string_view format;
-    if (pm_error error = guarded(
-            [&] { return table_state(txn_, table_).check_format(&is_ours) == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED; })) {
+    ownership whose = ownership::foreign;
+    if (pm_error error = guarded([&] {
+            const table_state state(txn_, table_);
+            const errcode code = state.check_format(&whose);
+            return result_of(
+                code == ERRCODE_SUCCESS && whose == ownership::ours ? state.check_end(state.transaction() - 1) : code);
+        })) {
         return error;
     }
-    if (!is_ours) {
+    links_.attach(txn_, table_, &reserve_);
+    if (write_map_) {
+        reserve_.begin(data_, env_, txn_, table_);
+    }
+    outdated_ = whose == ownership::of_old_format;
+    if (whose == ownership::foreign) {
         return not_ours(folder_);
     }
-    const std::string key = store::key(store::key_space::format);
-    if (pm_error error = get(key, &format)) {
-        return error;
-    }
-    return format.empty() ? put(key, FORMAT) : pm_error();
+    return whose == ownership::never_written ? guarded([&] { return links_.begin_table(FORMAT); }) : pm_error();
 }
 
 pm_error transaction::clear() {
-    if (pm_error error = guarded([&] { return mdb_drop(txn_, table_, 0); })) {
-        return error;
-    }
-    return put(store::key(store::key_space::format), FORMAT);
+    outdated_ = false;
+    reserve_.table_was_emptied();
+    return guarded([&] {
+        const int result = mdb_drop(txn_, table_, 0);
+        return result != 0 ? result : links_.begin_table(FORMAT);
+    });
 }
 
 pm_error transaction::get(std::string_view key, std::string_view *value) {
@@ -248,53 +258,28 @@ pm_error transaction::get(std::string_view key, std::string_view *value) {
         MDB_val wanted = to_value(key);
         MDB_val found{};
         const int result = mdb_get(txn_, table_, &wanted, &found);
-        *value = result == 0 ? to_view(found) : std::string_view{};
+        *value = result == 0 ? without_link(to_view(found)) : std::string_view{};
         return result == MDB_NOTFOUND ? 0 : result;
     });
 }
 
 pm_error transaction::put(std::string_view key, std::string_view value) {
-    return guarded([&] {
-        MDB_val to = to_value(key);
-        MDB_val bytes = to_value(value);
-        return mdb_put(txn_, table_, &to, &bytes, 0);
-    });
+    return guarded([&] { return links_.put(key, value); });
 }
 
 pm_error transaction::remove(std::string_view key, std::uint64_t *removed) {
-    return guarded([&] {
-        MDB_val wanted = to_value(key);
-        const int result = mdb_del(txn_, table_, &wanted, nullptr);
-        *removed += result == 0 ? 1 : 0;
-        return result == MDB_NOTFOUND ? 0 : result;
-    });
+    return guarded([&] { return links_.remove(key, removed); });
 }
 
 pm_error transaction::remove_all(std::string_view prefix, std::uint64_t *removed) {
-    return guarded([&] {
-        MDB_cursor *cursor = nullptr;
-        MDB_val key = to_value(prefix);
-        MDB_val value{};
-        int result = mdb_cursor_open(txn_, table_, &cursor);
-        if (result != 0) {
-            return result;
-        }
-        result = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
-        while (result == 0 && to_view(key).starts_with(prefix)) {
-            result = mdb_cursor_del(cursor, 0);
-            *removed += result == 0 ? 1 : 0;
-            if (result == 0) {  // the cursor is where the item was, on the next one
-                result = mdb_cursor_get(cursor, &key, &value, MDB_GET_CURRENT);
-                result = result == EINVAL ? MDB_NOTFOUND : result;
-            }
-        }
-        mdb_cursor_close(cursor);
-        return result == MDB_NOTFOUND ? 0 : result;
-    });
+    return guarded([&] { return links_.remove_all(prefix, removed); });
 }
 
 pm_error transaction::commit() {
     off_t size = 0;
+    if (pm_error error = guarded([&] { return links_.finish(); })) {
+        return error;
+    }
     pm_error error = guarded([&] {
         MDB_txn *txn = txn_;
         txn_ = nullptr;
@@ -307,6 +292,9 @@ pm_error transaction::commit() {
         return result;
     });
     committed_ = !error;
+    if (committed_) {
+        note_head(data_);
+    }
     if (size > 0) {  // as far as its head says, so that one cut short is told from a whole one
         cut_to(size);
     }

@@ -10,12 +10,19 @@
 #include <sys/types.h>
 
 #include "base/pm_error.h"
+#include "platform/local/lmdb_store/data_file.h"
 #include "platform/local/lmdb_store/fault_guard.h"
+#include "platform/local/lmdb_store/link_keeper.h"
+#include "platform/local/lmdb_store/reserve.h"
 #include "platform/local/lmdb_store/table_state.h"
 #include "platform/local/lmdb_store/writers_folder.h"
 #include "platform/local/store/writer.h"
 
 namespace lmdb_store {
+
+// What becomes of the store that is in the folder: it is changed, or another one is made that takes its place at the
+// commit.
+enum class old_store { keep, leave_aside };
 
 // A failure names the folder and is ready to be shown; after it nothing of the transaction is committed. Views into
 // the store are valid until the next change.
@@ -29,9 +36,9 @@ public:
 
     // Opens the store in a folder and begins, after another writer's transaction if one is at work. Folder and files
     // are made when they are missing, readable for the folder's group; they are gone again when nothing is committed.
-    [[nodiscard]] pm_error begin(const std::string &folder);
+    [[nodiscard]] pm_error begin(const std::string &folder, old_store old);
 
-    // Removes every key but the format's.
+    // Removes every record.
     [[nodiscard]] pm_error clear();
     // An absent key gives an empty value.
     [[nodiscard]] pm_error get(std::string_view key, std::string_view *value);
@@ -49,6 +56,7 @@ public:
 private:
     template <class Body>
     [[nodiscard]] pm_error guarded(Body body);
+    [[nodiscard]] static int result_of(errcode code);
     [[nodiscard]] pm_error describe(int result) const;
     [[nodiscard]] pm_error describe_fault() const;
     [[nodiscard]] pm_error refuse_foreign_store(std::uint64_t accounted);
@@ -68,7 +76,10 @@ private:
     MDB_env *env_ = nullptr;
     MDB_txn *txn_ = nullptr;
     MDB_dbi table_ = 0;
-    bool damaged_ = false;  // LMDB must not be called any more
+    link_keeper links_;
+    page_reserve reserve_;
+    bool outdated_ = false;  // a store of the old format, which can be emptied and nothing else
+    bool damaged_ = false;   // LMDB must not be called any more
 };
 
 // Implementation of the templates ----------------------------------------------------------------
@@ -79,6 +90,9 @@ template <class Body>
 pm_error transaction::guarded(Body body) {
     if (damaged_) {
         return describe(MDB_CORRUPTED);
+    }
+    if (outdated_) {
+        return pm_error(OPSTORE_DAMAGED, old_format_text(folder_));
     }
     int result = 0;
     const errcode fault = fault_guard::guarded([&] {
@@ -94,8 +108,10 @@ pm_error transaction::guarded(Body body) {
 
 template <class Visit>
 pm_error transaction::scan(std::string_view prefix, Visit visit) {
-    return guarded(
-        [&] { return table_state(txn_, table_).scan(prefix, visit) == ERRCODE_SUCCESS ? 0 : MDB_CORRUPTED; });
+    return guarded([&] {
+        const int result = links_.close_runs();
+        return result != 0 ? result : result_of(table_state(txn_, table_).scan(prefix, visit));
+    });
 }
 
 }  // namespace lmdb_store

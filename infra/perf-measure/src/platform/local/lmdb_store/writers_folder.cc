@@ -51,7 +51,7 @@ writers_folder::~writers_folder() {
     }
 }
 
-pm_error writers_folder::take(const std::string &folder) {
+pm_error writers_folder::take(const std::string &folder, bool anew) {
     folder_ = folder;
     do {
         if (pm_error error = make()) {
@@ -63,7 +63,7 @@ pm_error writers_folder::take(const std::string &folder) {
     }
     remove_leftovers();
     std::error_code none;
-    if (std::filesystem::exists(file_in(folder_, DATA_FILE), none)) {
+    if (!anew && std::filesystem::exists(file_in(folder_, DATA_FILE), none)) {
         return {};
     }
     std::string place = file_in(folder_, MAKING) + "XXXXXX";

@@ -21,8 +21,9 @@ public:
     writers_folder(const writers_folder &) = delete;
     writers_folder &operator=(const writers_folder &) = delete;
 
-    // Makes the folder, and its parents, when it is missing, and waits until no other writer is in it.
-    [[nodiscard]] pm_error take(const std::string &folder);
+    // Makes the folder, and its parents, when it is missing, and waits until no other writer is in it. A new store is
+    // made when there is none, or when `anew` says so; it takes the place of the old one.
+    [[nodiscard]] pm_error take(const std::string &folder, bool anew);
 
     // Whether the store does not exist yet; and the folder where its files are to be written.
     [[nodiscard]] bool is_new() const { return !making_.empty(); }

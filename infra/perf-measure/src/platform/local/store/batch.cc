@@ -4,13 +4,19 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace store {
 
-void batch::clear(std::uint32_t max_items) {
+void batch::clear(std::uint32_t max_items, std::size_t max_bytes) {
     items_.clear();
     items_.reserve(max_items);
     max_items_ = max_items;
+    if (max_bytes != max_bytes_) {
+        max_bytes_ = max_bytes;
+        bytes_.reset();
+        capacity_ = 0;
+    }
     used_ = 0;
     more_ = false;
 }
@@ -23,7 +29,7 @@ bool batch::add(std::string_view path, std::string_view parcel) {
         return false;
     }
     if (!fits) {
-        capacity_ = std::max(size, BATCH_BYTES);
+        capacity_ = std::max(size, max_bytes_);
         bytes_ = std::make_unique_for_overwrite<char[]>(capacity_);
     }
     char *const to = bytes_.get() + used_;
@@ -36,6 +42,16 @@ bool batch::add(std::string_view path, std::string_view parcel) {
     items_.push_back({{to, path.size()}, {parcel_to, parcel.size()}});
     used_ += size;
     return true;
+}
+
+void batch::swap(batch *other) noexcept {
+    items_.swap(other->items_);
+    bytes_.swap(other->bytes_);
+    std::swap(capacity_, other->capacity_);
+    std::swap(used_, other->used_);
+    std::swap(max_items_, other->max_items_);
+    std::swap(max_bytes_, other->max_bytes_);
+    std::swap(more_, other->more_);
 }
 
 }  // namespace store

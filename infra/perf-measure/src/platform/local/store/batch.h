@@ -32,10 +32,11 @@ public:
     // For readers ------------------------------------------------------------------------------
 
     // Empties the batch, and makes room for a number of items so that adding them allocates no list.
-    void clear(std::uint32_t max_items);
+    void clear(std::uint32_t max_items, std::size_t max_bytes = BATCH_BYTES);
     // Copies an item to the end. False, and sets more(), when the batch has as many items as clear() was told
-    // or would grow beyond BATCH_BYTES; a first item always fits.
+    // or would grow beyond max_bytes; a first item always fits.
     [[nodiscard]] bool add(std::string_view path, std::string_view parcel);
+    void swap(batch *other) noexcept;
 
 private:
     std::vector<item> items_;
@@ -43,6 +44,7 @@ private:
     std::size_t capacity_ = 0;
     std::size_t used_ = 0;
     std::uint32_t max_items_ = 0;
+    std::size_t max_bytes_ = BATCH_BYTES;
     bool more_ = false;
 };
 

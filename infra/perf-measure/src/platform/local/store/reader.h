@@ -42,6 +42,7 @@ protected:
 
 // The companion of the item ITEMS + name is the item COMPANIONS + name of the same branch, for example the detail
 // record of the policy whose counters are read. No companion is looked up while `companions` is empty.
+// The prefix of a listing begins with `items`.
 struct companion_paths {
     std::string_view items;
     std::string_view companions;
@@ -89,8 +90,8 @@ public:
     reader &operator=(const reader &) = delete;
 
     // Fills `*out` with the next items of a branch, in ascending order of their paths, and tells the publisher's
-    // state unless `state` is null. At most max_items and BATCH_BYTES; out->more() tells whether others follow. Paths
-    // that do not ascend are OPSTORE_DAMAGED, so that every listing ends.
+    // state unless `state` is null. At most max_items, and not many more bytes than BATCH_BYTES; out->more() tells
+    // whether others follow. Paths that do not ascend are OPSTORE_DAMAGED, so that every listing ends.
     [[nodiscard]] virtual pm_error list(const branch &from, const list_query &asked, known_state *state,
                                         batch *out) = 0;
 

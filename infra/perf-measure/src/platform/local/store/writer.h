@@ -33,12 +33,8 @@ public:
     [[nodiscard]] virtual pm_error put_interface(std::uint32_t handle, const void *local_interface_record) = 0;
     [[nodiscard]] virtual pm_error put_publisher(const branch &served, publisher_state state) = 0;
     // Says that the process that serves a branch is running, and vouches for it until `lease_msec` milliseconds after
-    // the commit: unless it is put again by then, readers find the branch unreachable. A back end without leases takes
-    // its word for good.
-    [[nodiscard]] virtual pm_error put_leased_publisher(const branch &served, std::uint32_t lease_msec) {
-        static_cast<void>(lease_msec);
-        return put_publisher(served, publisher_state::running);
-    }
+    // the commit: unless it is put again by then, readers find its publisher stopped.
+    [[nodiscard]] virtual pm_error put_leased_publisher(const branch &served, std::uint32_t lease_msec) = 0;
     // Puts an item under its path, of at most MAX_PATH_LENGTH bytes, replacing one that is there, and keeps the
     // schema of its type. A branch that gets its first item gets a running publisher with it.
     [[nodiscard]] virtual pm_error put_item(const branch &into, std::string_view path, const void *record,
@@ -58,7 +54,8 @@ protected:
     writer() = default;
 };
 
-// What a writer does where there is no store.
-enum class missing_store { make, refuse };
+// What a writer does where there is no store. One that replaces begins with an empty store, also where the one that is
+// there is damaged or of an earlier format; its place is taken at the commit.
+enum class missing_store { make, refuse, replace };
 
 }  // namespace store

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: Apache-2.0
+// Connecting, sending and receiving on a non-blocking socket.
+#include "platform/local/redis_store/connection.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <fcntl.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "platform/errcode.h"
+#include "platform/local/redis_store/tls_session.h"
+
+namespace redis_store {
+namespace {
+
+constexpr char TIMED_OUT[] = "no answer in time";
+
+std::string text_of(int number) { return std::strerror(number); }
+
+using address_list = std::unique_ptr<addrinfo, decltype([](addrinfo *list) { ::freeaddrinfo(list); })>;
+
+}  // namespace
+
+connection::connection() = default;
+connection::~connection() { close(); }
+
+void connection::close() {
+    tls_.reset();
+    if (socket_ >= 0) {
+        ::close(socket_);
+        socket_ = -1;
+    }
+}
+
+pm_error connection::error(const std::string &what) const { return {OPSTORE_NO_CLIENT, server_.text() + ": " + what}; }
+
+pm_error connection::open(const redis_url &url, const server_address &server) {
+    close();
+    server_ = server;
+    timeout_ = url.timeout;
+    const clock::time_point deadline = clock::now() + timeout_;
+    pm_error failed = server.is_local() ? open_local(deadline) : open_network(deadline);
+    if (!failed && url.tls) {
+        failed = shake_hands(url, deadline);
+    }
+    if (failed) {
+        close();
+    }
+    return failed;
+}
+
+pm_error connection::open_local(clock::time_point deadline) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (server_.socket_path.size() >= sizeof address.sun_path) {
+        return error(text_of(ENAMETOOLONG));
+    }
+    std::memcpy(address.sun_path, server_.socket_path.c_str(), server_.socket_path.size());
+    return connect_to(AF_UNIX, &address, sizeof address, deadline);
+}
+
+pm_error connection::open_network(clock::time_point deadline) {
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_flags = AI_NUMERICSERV;
+    addrinfo *found = nullptr;
+    if (const int code = ::getaddrinfo(server_.host.c_str(), server_.port.c_str(), &hints, &found); code != 0) {
+        return error(code == EAI_SYSTEM ? text_of(errno) : ::gai_strerror(code));
+    }
+    const address_list addresses(found);
+    pm_error failed = error("the host has no address");
+    for (const addrinfo *next = found; next != nullptr && failed; next = next->ai_next) {
+        close();
+        failed = connect_to(next->ai_family, next->ai_addr, next->ai_addrlen, deadline);
+    }
+    return failed;
+}
+
+pm_error connection::connect_to(int family, const void *address, unsigned length, clock::time_point deadline) {
+    socket_ = ::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (socket_ < 0) {
+        return error(text_of(errno));
+    }
+    const int on = 1;
+    if (family != AF_UNIX) {  // requests are small and each is waited for
+        static_cast<void>(::setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on));
+    }
+    if (::connect(socket_, static_cast<const sockaddr *>(address), length) == 0) {
+        return {};
+    }
+    if (errno != EINPROGRESS) {
+        return error(text_of(errno));
+    }
+    if (pm_error failed = wait(POLLOUT, deadline)) {
+        return failed;
+    }
+    int result = 0;
+    socklen_t size = sizeof result;
+    if (::getsockopt(socket_, SOL_SOCKET, SO_ERROR, &result, &size) != 0) {
+        result = errno;
+    }
+    return result == 0 ? pm_error() : error(text_of(result));
+}
+
+pm_error connection::shake_hands(const redis_url &url, clock::time_point deadline) {
+    tls_ = std::make_unique<tls_session>();
+    if (pm_error failed = tls_->prepare(url, server_.host, socket_)) {
+        return error(failed.text());
+    }
+    for (int result = tls_->connect(); result <= 0; result = tls_->connect()) {
+        if (pm_error failed = wait_for_tls(result, deadline, "TLS handshake")) {
+            return failed;
+        }
+    }
+    return {};
+}
+
+pm_error connection::wait(short events, clock::time_point deadline) {
+    for (;;) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - clock::now()).count();
+        pollfd waited{.fd = socket_, .events = events, .revents = 0};
+        const int ready = ::poll(&waited, 1, static_cast<int>(std::clamp<long>(left, 0, INT_MAX)));
+        if (ready > 0) {
+            return {};
+        }
+        if (ready == 0) {
+            return error(TIMED_OUT);
+        }
+        if (errno != EINTR) {
+            return error(text_of(errno));
+        }
+    }
+}
+
+pm_error connection::wait_for_tls(int result, clock::time_point deadline, const char *what) {
+    const int system_error = errno;
+    switch (tls_->what(result)) {
+    case SSL_ERROR_WANT_READ: return wait(POLLIN, deadline);
+    case SSL_ERROR_WANT_WRITE: return wait(POLLOUT, deadline);
+    case SSL_ERROR_ZERO_RETURN: return error("the server closed the connection");
+    case SSL_ERROR_SYSCALL:
+        return error(system_error != 0 ? text_of(system_error) : "the server closed the connection");
+    default: return error(std::string(what) + ": " + tls_->reason());
+    }
+}
+
+pm_error connection::send(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const clock::time_point deadline = clock::now() + timeout_;
+        const long sent = tls_ != nullptr ? tls_->write(bytes.data(), bytes.size())
+                                          : ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (sent > 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(sent));
+            continue;
+        }
+        pm_error failed;
+        if (tls_ != nullptr) {
+            failed = wait_for_tls(static_cast<int>(sent), deadline, "TLS");
+        } else if (errno == EAGAIN || errno == EINTR) {
+            failed = wait(POLLOUT, deadline);
+        } else {
+            failed = error(text_of(errno));
+        }
+        if (failed) {
+            return failed;
+        }
+    }
+    return {};
+}
+
+pm_error connection::receive(char *buffer, std::size_t size, std::size_t *length) {
+    const clock::time_point deadline = clock::now() + timeout_;
+    for (;;) {
+        const long received = tls_ != nullptr ? tls_->read(buffer, size) : ::recv(socket_, buffer, size, 0);
+        if (received > 0) {
+            *length = static_cast<std::size_t>(received);
+            return {};
+        }
+        pm_error failed;
+        if (tls_ != nullptr) {
+            failed = wait_for_tls(static_cast<int>(received), deadline, "TLS");
+        } else if (received == 0) {
+            failed = error("the server closed the connection");
+        } else if (errno == EAGAIN || errno == EINTR) {
+            failed = wait(POLLIN, deadline);
+        } else {
+            failed = error(text_of(errno));
+        }
+        if (failed) {
+            return failed;
+        }
+    }
+}
+
+}  // namespace redis_store

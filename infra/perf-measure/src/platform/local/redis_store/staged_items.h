@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+// The changes of a writer's branches: kept here while they are few, and then staged in the server, as sets that take
+// the branches' places when the writer commits.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "platform/local/redis_store/branch_changes.h"
+#include "platform/local/redis_store/client.h"
+#include "platform/local/redis_store/commit_script.h"
+#include "platform/local/redis_store/redis_key.h"
+#include "platform/local/redis_store/writer_lock.h"
+
+namespace redis_store {
+
+class staged_items {
+public:
+    staged_items(client *server, const key_names *names, const writer_lock *lock)
+        : client_(*server), names_(*names), lock_(*lock) {}
+    // Removes what was staged.
+    ~staged_items();
+    staged_items(const staged_items &) = delete;
+    staged_items &operator=(const staged_items &) = delete;
+
+    // A branch of the store as it is. The others have no items.
+    void add_known(const store::branch &named);
+    // Nothing of the branches is kept.
+    [[nodiscard]] pm_error clear();
+
+    [[nodiscard]] pm_error put(const store::branch &into, std::string_view path, std::string_view sealed);
+    [[nodiscard]] pm_error remove(const store::branch &from, std::string_view path, std::uint64_t *removed);
+    [[nodiscard]] pm_error remove_below(const store::branch &from, std::string_view prefix, std::uint64_t *removed);
+    // Counts the item at a path, or those below a prefix.
+    [[nodiscard]] pm_error count(const store::branch &in, std::string_view path, std::uint64_t *found);
+    [[nodiscard]] pm_error count_below(const store::branch &in, std::string_view prefix, std::uint64_t *found);
+
+    // Keeps what is staged from expiring.
+    [[nodiscard]] pm_error prolong();
+    // The last step before the commit: what it needs. `*staged` is empty when nothing is staged.
+    [[nodiscard]] pm_error finish(std::vector<expected_set> *staged, command_list *changes, pipeline *typed);
+    // The staged sets have become the branches' own.
+    void forget() { branches_.clear(); }
+
+private:
+    struct state {
+        branch_changes changes;
+        bool is_known = false;  // the store has items of it, and they are kept
+        bool is_staged = false;
+        std::uint64_t members = 0;  // of the staged set
+        std::string highest;        // path in it, while it got nothing but ascending ones
+        bool ascends = true;
+    };
+    using entry = std::pair<const store::branch, state>;
+
+    [[nodiscard]] std::string base_key(const entry &of) const;
+    [[nodiscard]] pm_error ask_count(const entry &in, const member_range &range, std::uint64_t *found);
+    [[nodiscard]] pm_error stage_all();
+    [[nodiscard]] pm_error begin_stage(entry *of);
+    [[nodiscard]] pm_error stage_changes(entry *of);
+    void add_direct(const entry &of, command_list *changes) const;
+
+    client &client_;
+    const key_names &names_;
+    const writer_lock &lock_;
+    std::map<store::branch, state> branches_;
+    std::size_t pending_items_ = 0;
+    std::size_t pending_bytes_ = 0;
+};
+
+}  // namespace redis_store

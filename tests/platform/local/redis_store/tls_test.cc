@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+// Connections over TLS: the server must show a certificate that is trusted and made for its name.
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "platform/local/redis_store/redis_reader.h"
+#include "tests/support/redis_server.h"
+
+namespace {
+
+// A certificate that signs itself, FOLDER/NAME.pem with its key FOLDER/NAME.key.
+std::string make_certificate(const temporary_folder &folder, const std::string &name, const std::string &subject) {
+    const std::string base = folder.path() + "/" + name;
+    const std::string command =
+        "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 "
+        "-subj /CN=" +
+        name + " -addext subjectAltName=" + subject + " -keyout " + base + ".key -out " + base + ".pem 2>/dev/null";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    return base;
+}
+
+TEST(Tls, TakesTheRightCertificateOnly) {
+    const temporary_folder folder;
+    const std::string right = make_certificate(folder, "right", "IP:127.0.0.1");
+    const std::string other = make_certificate(folder, "other", "IP:127.0.0.1");
+    const std::string port = std::to_string(20'000 + getpid() % 20'000);
+    const redis_server server({"bind", "127.0.0.1", "tls-port", port, "tls-cert-file", right + ".pem", "tls-key-file",
+                               right + ".key", "tls-ca-cert-file", right + ".pem", "tls-auth-clients", "no"});
+    ASSERT_FALSE(load_items(server.url(), 300, "sealed"));
+    const std::string url = "rediss://127.0.0.1:" + port + "?timeout=2000";
+    const auto reader = read_store(url + "&ca=" + right + ".pem");
+    EXPECT_EQ(name_at(reader.get(), "item/000299"), "sealed");
+    std::unique_ptr<store::reader> refused;
+    EXPECT_EQ(redis_store::open_reader(url + "&ca=" + other + ".pem", &refused).text(),
+              "127.0.0.1:" + port + ": TLS handshake: self-signed certificate");
+    EXPECT_EQ(
+        redis_store::open_reader("rediss://localhost:" + port + "?timeout=2000&ca=" + right + ".pem", &refused).text(),
+        "localhost:" + port + ": TLS handshake: hostname mismatch");
+}
+
+}  // namespace
