@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decoding checkpoint blobs beside Protocol Buffers' parser, on the heap and in an arena, and beside
 // nanopb, which is given fixed sizes and so allocates nothing.
 #include <array>

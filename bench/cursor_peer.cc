@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The peer of tables: copies and checks the items that a table shows, and then writes the table's text from a file.
 // What a table takes longer than this, it spends on decoding and formatting.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decoding: a parcel beside Protocol Buffers' parser on an equivalent message, on the heap and in an
 // arena, and beside a plain copy of the parcel's bytes.
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Formatting: the lines of the program beside the C library's printf, both into memory.
 #include <benchmark/benchmark.h>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Listing: the database client beside a bare LMDB cursor over the same items, which either only
 // steps or also copies each key and value out, one batch after another, as a client must that holds
 // nothing of the store while output waits.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole programs that write into a pipe, beside each other: each command of the shell is run several times, in
 // turns with the others, while this program reads its output and throws it away.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reflector beside a bare echo loop, and thousands of sessions: ratios and shares of one core, in one run.
 //
 //   probed_bench reflector          packets a second: reflector / bare recvmmsg-sendmmsg echo (at least 0.7)

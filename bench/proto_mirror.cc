@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fills messages from records by walking the description of the record type.
 #include "bench/proto_mirror.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fills the Protocol Buffers mirror of a record (see schema_to_proto.cc) from the record.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fills records with values like those of a router.
 #include "bench/sample_records.h"
 

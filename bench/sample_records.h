@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records as a busy router publishes them: plausible counters and delays, many zeroes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes Protocol Buffers messages of the same fields as the record types named on the command
 // line, to compare the two encodings on equal terms. Field i of a record is field f<i+1>; a union has
 // its discriminator in f1 and its arms from f2 on. Messages are named <type>_T<number>.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Start to exit: perf-show -c 9 on the example store beside cat of a file of the same text, both into
 // /dev/null, run in turns. Prints the medians and their ratio.
 //

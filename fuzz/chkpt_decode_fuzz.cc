@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decodes each input as every kind of message, and what a caller may rely on of each result.
 #include "fuzz/chkpt_decode_fuzz.h"
 

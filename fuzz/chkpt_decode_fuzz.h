@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One input of the checkpoint fuzz target, for libFuzzer and for the ordinary tests that replay what
 // it found. The first byte says which message the blob is, in the order of all_shapes() of
 // tests/chkpt/shapes.h, the second at which allocation memory runs out (0 never); the rest is the blob.

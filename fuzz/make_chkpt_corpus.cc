@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the seed corpus of the checkpoint fuzz target: each message with all its fields, once with
 // memory that runs out, and cut at a few places.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the seed corpus of the parcel fuzz target: for a spread of record types a whole parcel, its
 // fields alone, and its fields with the schema that they were written with.
 //

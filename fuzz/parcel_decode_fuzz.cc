@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decodes a fuzz input and checks what the codec promises.
 #include "fuzz/parcel_decode_fuzz.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One input of the parcel fuzz target, for libFuzzer and for the ordinary tests that replay what it
 // found. The first byte says how the rest is read (parcel_fuzz_mode), the next two which record
 // type it claims to be.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Entry point for libFuzzer.
 #include "fuzz/parcel_decode_fuzz.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Configurations of perf-probed.
 #include "fuzz/probed_config_fuzz.h"
 

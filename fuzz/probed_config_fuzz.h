@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One input of the fuzz target of perf-probed's configuration: its text.
 #pragma once
 

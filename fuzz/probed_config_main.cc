@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Entry point for libFuzzer.
 #include "fuzz/probed_config_fuzz.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Test packets of STAMP from the network: requests, replies and their TLVs.
 #include "fuzz/stamp_packet_fuzz.h"
 

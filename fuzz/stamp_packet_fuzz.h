@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One input of the test packets' fuzz target. The first octet chooses: bit 0 authenticated mode, bit 1 short requests
 // are answered, bit 2 an HMAC is put right first, bit 3 PTP time; the rest is a packet.
 #pragma once

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What the scripts share: installing what is missing, steps that fail with one clear line, and the list of the show
 # commands.
 # Sourced; expects $me, the script's name.

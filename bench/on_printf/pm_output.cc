@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Standard output, standard error and assertions of a program whose output goes through printf.
 #include "base/pm_output.h"
 

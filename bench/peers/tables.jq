@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The tables of interfaces and SR policies from a dumped data set of one node.
 #
 #     jq -nj --arg table interface|policy -f tables.jq DUMP

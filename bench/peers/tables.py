@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The tables of interfaces and SR policies from a dumped data set, as a script would print them.
 
     python3 tables.py interface|policy DUMP

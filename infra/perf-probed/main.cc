@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // perf-probed: measures delay, loss and liveness with real packets, and publishes what it finds.
 #include <cstdio>
 #include <string>

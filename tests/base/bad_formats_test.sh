@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Formats that must not compile, and what the compiler has to say of each.
 #
 #   bad_formats_test.sh COMPILER SOURCES

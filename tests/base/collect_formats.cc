@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Collects the formats of the program: every format literal that is a template argument in the
 // given sources, one call of check<"...">() for each, without repeats. Run at build time, so
 // that no format can be added without being compared with the C library.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of addresses, beside those of the C library.
 #include "base/pm_address_text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The formatter against the C library's.
 #include "base/pm_format.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The output buffer: what is written, when, and what happens when nothing takes it.
 #include "base/pm_output.h"
 

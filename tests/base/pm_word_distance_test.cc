@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Distances of words, by hand.
 #include "base/pm_word_distance.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Builds checkpoint blobs byte by byte, for tests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Replays the checkpoint fuzz target's corpus and every input that ever crashed it.
 #include <gtest/gtest.h>
 

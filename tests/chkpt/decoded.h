@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decodes a blob for tests: from memory of exactly its size, so that a sanitizer sees any byte read
 // behind it, and into a record that is not zero before.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What holds for the decoder of every message: each status, damage at every place, memory that fails.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Blobs that Protocol Buffers' own library encoded, of messages filled at random, decode to every
 // value that was put in.
 #include <google/protobuf/message.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The members of each message, as the tests know them.
 #include "tests/chkpt/shapes.h"
 

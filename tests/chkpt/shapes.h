@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The messages of checkpoint blobs as the tests see them, so that what holds for every message is
 // tested on every message.
 #pragma once

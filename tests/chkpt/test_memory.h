@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The allocator of the decoders' tests: it counts, fails where it is told to, hands out memory that
 // is not zero, and frees everything at its end.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The values that checkpoint blobs decode to, and what is particular to numbers, texts and arrays.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The words that the bash completions of perf-store and perf-show offer.
 #
 #   completion_test.sh PERF_STORE PERF_SHOW

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Every example of the manual pages runs on the example chassis, and each of its commands prints something.
 #
 #   examples_test.sh FOLDER_OF_PROGRAMS

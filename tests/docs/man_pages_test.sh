@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The manual pages render without a warning and name all that the programs have.
 #
 #   man_pages_test.sh PERF_SHOW PERF_STORE PERF_MEASURE

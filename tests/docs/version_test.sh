@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The version is one number, everywhere.
 #
 #   version_test.sh VERSION FOLDER_OF_PROGRAMS

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The words and names that the bash completion of perf-measure offers, and how fast it finds them among many.
 #
 #   words_completion_test.sh PERF_MEASURE PERF_STORE LIMIT-MSEC

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A platform whose answers a test sets, and that records how it is called.
 #include "tests/fakes/platform_fake.h"
 

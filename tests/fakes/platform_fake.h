@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A platform for tests of the front end: store, codec, inventory and node identity, with answers
 // that a test sets and a log of the calls. Texts, times and error texts are platform_text_fake.h.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A platform for tests of pm_utils.
 #include "tests/fakes/platform_text_fake.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A platform for tests of pm_utils: the operations that it calls, with answers that a test sets.
 #pragma once
 

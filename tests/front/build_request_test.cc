@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of the command table, through pm_show_build_request of front/dispatch.h.
 #include "front/advert_legend.h"
 #include "front/command_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // examples/commands.txt, which the documents are made from, against the command table.
 #include <algorithm>
 #include <fstream>

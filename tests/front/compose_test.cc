@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of front/compose.h.
 #include "front/compose.h"
 #include "tests/front/front_test.h"

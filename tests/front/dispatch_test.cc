@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of pm_show_dispatch of front/dispatch.h.
 #include "front/dispatch.h"
 #include "tests/front/front_test.h"

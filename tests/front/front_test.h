@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the front end share: a fresh process state for each test, a command line as one
 // text, and captured output.
 #pragma once

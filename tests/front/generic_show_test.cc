@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of front/generic_show.h.
 #include "front/generic_show.h"
 #include "tests/front/show_test.h"

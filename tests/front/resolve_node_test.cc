@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of front/resolve_node.h.
 #include "front/resolve_node.h"
 #include "tests/front/front_test.h"

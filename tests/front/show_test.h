@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the walker share: a request whose display prints each record as "[text]" and
 // answers as the test says.
 #pragma once

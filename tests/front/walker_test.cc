@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of front/walker.h.
 #include "front/walker.h"
 #include "front/advert_legend.h"

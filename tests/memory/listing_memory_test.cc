@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The memory that listing takes does not depend on how much there is to list.
 #include <cstdio>
 #include <fstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The memory that loading and dumping take does not depend on how much there is.
 #include <algorithm>
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of item paths: what follows from a row, and what no row may lack.
 #include "paths/item_paths.h"
 

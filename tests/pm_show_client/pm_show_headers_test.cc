@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rules around headers.
 #include "pm_show_client/pm_show_headers.h"
 

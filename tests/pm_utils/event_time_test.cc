@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of pm_utils/event_time.h.
 #include "pm_utils/event_time.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Checks a whole table of names through the routine that reads it.
 #pragma once
 

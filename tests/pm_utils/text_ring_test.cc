@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of the rotating text slots and of the routines' use of them.
 #include "pm_utils/text_ring.h"
 

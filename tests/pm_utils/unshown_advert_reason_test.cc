@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of pm_utils/unshown_advert_reason.h.
 #include "pm_utils/unshown_advert_reason.h"
 

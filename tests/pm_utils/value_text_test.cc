@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of pm_utils/value_text.h.
 #include "pm_utils/value_text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The descriptors that the schema compiler makes from the record catalogue.
 #include "schema/pm_descriptors.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Registration of the record types, against a codec that fails where a test says.
 #include "schema/registration.h"
 

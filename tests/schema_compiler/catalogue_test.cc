@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The schema compiler: what it makes of a catalogue, and what it refuses.
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The scripts tell what they do, refuse arguments that they do not know, and are the same through a symbolic link.
 #
 #   arguments_test.sh SCRIPTS

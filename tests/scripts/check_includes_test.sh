@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # scripts/check-includes on small trees: one that is in order, and one for each offence.
 #
 #   check_includes_test.sh CHECK_INCLUDES

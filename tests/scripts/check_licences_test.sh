@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # scripts/check-licences names each source that has no licence line, and nothing else.
 #
 #   check_licences_test.sh CHECK_LICENCES

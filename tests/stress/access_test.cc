@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Who may read a store that another user writes. Only root can become other users.
 #include <grp.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loads into a store that does not exist yet, beside one another, and loads onto a full disk.
 #include <gtest/gtest.h>
 #include <sched.h>

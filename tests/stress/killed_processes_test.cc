@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Readers and writers that are killed or stopped at any moment.
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A reader whose map is smaller than what a writer has made of the store since.
 #include <gtest/gtest.h>
 #include <lmdb.h>

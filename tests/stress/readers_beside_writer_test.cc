@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Listings while a writer changes what is listed.
 #include <algorithm>
 #include <functional>

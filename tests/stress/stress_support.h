@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Processes that run beside each other on one store, and data sets whose records tell which load they
 // came from.
 #pragma once

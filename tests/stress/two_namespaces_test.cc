@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Readers with the same process id, as programs of two containers that share a store have. Making a
 // namespace of process ids takes root.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs code in a child process: LMDB lets a process open a store once only, so what writes a store that
 // a test reads must be another process.
 #pragma once

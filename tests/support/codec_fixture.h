@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the codec's tests share: decoded records that free themselves, resealed parcels, and record
 // types and schemas that only exist for tests.
 #pragma once

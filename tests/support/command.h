@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole programs, run by tests: what they wrote and how they ended.
 #pragma once
 

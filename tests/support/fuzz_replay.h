@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Replays the inputs of a fuzz target that are kept as files.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Walks descriptions of record types: to fill a structure at random, and to compare two.
 #include "tests/support/random_record.h"
 

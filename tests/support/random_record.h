@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records of any type for tests: filled at random from the type's schema, and compared field by
 // field. Works from the type's description, independently of the codec's plans.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Starts, asks and ends the server.
 #include "tests/support/redis_server.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A private redis-server on a socket in a temporary folder, which ends with the object.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs whose address space is limited (ulimit -v), as that of a service often is. The store's map is
 // larger than that, what it holds is not.
 #include <gtest/gtest.h>

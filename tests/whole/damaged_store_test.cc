@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Damaged, foreign and missing stores: a clear message from both programs, never a signal.
 #include <gtest/gtest.h>
 #include <lmdb.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What someone meets who has no store yet, or has not said where it is.
 #include <cstdlib>
 #include <fcntl.h>

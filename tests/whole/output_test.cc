@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // perf-show and the far end of its standard output.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Nothing is lost without a word: a store with a cut, a changed bit, a page that is zeroed, swapped or overwritten, a
 // changed head or page header gives its whole contents or a message, and no command ends by a signal.
 //

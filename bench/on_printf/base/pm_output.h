@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program's output routines on the C library's printf, for the benchmark's peer of perf-show. The build of that
 // peer finds this header where all others find infra/perf-measure/src/base/pm_output.h.
 #pragma once

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Bash completion for perf-show.
 
 # The ids of the nodes that the store has items of. perf-store is the one beside the program.

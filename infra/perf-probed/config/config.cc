@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sections of the file.
 #include "perf-probed/config/config.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The configuration of perf-probed: what docs/man/perf-probed.yaml.5 describes, read and checked.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keys, units and ranges of the profiles.
 #include "perf-probed/config/profiles.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The settings of profiles as they are written in the configuration.
 #pragma once
 

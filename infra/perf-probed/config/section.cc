@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Typed values of one mapping.
 #include "perf-probed/config/section.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One mapping of the YAML file while it is read: typed values by key, with errors that name file, line and key.
 #pragma once
 

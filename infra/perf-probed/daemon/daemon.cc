@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Start, loop and end of the service.
 #include "perf-probed/daemon/daemon.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The running service: sessions, responder, publishing, and the signals that it obeys.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The loop over epoll.
 #include "perf-probed/daemon/event_loop.h"
 

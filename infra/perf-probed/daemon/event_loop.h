@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Waits for file descriptors and a deadline on the monotonic clock, and calls whoever asked for them.
 #pragma once
 

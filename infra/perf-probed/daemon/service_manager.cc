@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The datagram to the service manager.
 #include "perf-probed/daemon/service_manager.h"
 

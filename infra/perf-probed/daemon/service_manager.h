@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the service manager is told of this process (sd_notify(3)): a datagram to the socket that it names in the
 // environment. Nothing happens where there is none.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Addresses as text, as prefixes and in the system's structures.
 #include "perf-probed/net/address.h"
 

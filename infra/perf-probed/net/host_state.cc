@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Interfaces and addresses from getifaddrs, neighbours from the routing socket.
 #include "perf-probed/net/host_state.h"
 

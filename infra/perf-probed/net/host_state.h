@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The interfaces of this host, their addresses and neighbours, and a socket that tells when they change.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Many packets with one system call, in memory that is allocated once.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Receiving: packets with what the kernel says of them, and the time stamps of packets that left.
 #include <cerrno>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sending: each packet with the source address, interface, DSCP and hop limit that it needs.
 #include <algorithm>
 #include <cerrno>

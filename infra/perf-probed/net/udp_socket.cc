@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Options of the socket, by family.
 #include "perf-probed/net/udp_socket.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A UDP socket of one address family for test packets: TTL 255 out, and with each packet received its time,
 // TTL, DSCP, destination address and interface.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Big-endian numbers in packet bytes. The caller has checked that they are within its buffer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // HMAC (RFC 2104) over two saved SHA-256 states.
 //
 // OpenSSL's newer digest contexts allocate when a state is copied, which this program must not do for each packet, so

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The HMAC of test packets: HMAC-SHA-256 cut to its first 16 octets.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One table of offsets for each direction and mode, and the readers and writers over them.
 #include "perf-probed/packet/stamp_packet.h"
 

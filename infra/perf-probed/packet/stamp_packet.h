@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The test packets of STAMP (RFC 8762, RFC 8972) and TWAMP Light (RFC 5357 appendix I): their fields and
 // where they are.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Conversions between nanoseconds and the two time stamp formats.
 #include "perf-probed/packet/time_stamp.h"
 

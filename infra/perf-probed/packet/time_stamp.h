@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time stamps of test packets and the error estimate beside them (RFC 8762 section 4.2, RFC 8186).
 //
 // Inside the program a time is a count of nanoseconds since 1970, UTC; in a packet it is 64 bits of one

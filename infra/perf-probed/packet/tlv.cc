@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One pass to check the integrity, one to answer, and a last one for the reply's own HMAC.
 #include "perf-probed/packet/tlv.h"
 

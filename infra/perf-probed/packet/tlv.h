@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The TLVs after a base packet (RFC 8972) and what a reflector makes of them.
 //
 // A TLV is flags (1 octet), type (1), length of the value (2), value. The sender sets U in each; the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The publishing thread and its transactions.
 #include "perf-probed/publish/publisher.h"
 

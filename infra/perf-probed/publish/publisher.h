@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes snapshots into the store, in a thread of its own: one transaction for each, so that no measurement waits for
 // a disk or a server.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The loop over what arrived, and the counters.
 #include "perf-probed/reflector/reflector.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The session-reflector: answers what arrives at its sockets, and counts by interface and reason.
 #pragma once
 

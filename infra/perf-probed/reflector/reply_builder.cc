@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reply: the base packet from the request's fields, then its TLVs.
 #include "perf-probed/reflector/reply_builder.h"
 

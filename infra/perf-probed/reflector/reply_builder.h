@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a session-reflector answers to one packet, or why it does not.
 //
 // Keeps no state and allocates nothing. A reply has the length of its request, unless the short requests of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The system's clocks.
 #include "perf-probed/schedule/clocks.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two clocks of the program, and how a step of the wall clock is told from time that passed.
 //
 // Everything is scheduled on the monotonic clock, which never jumps. The wall clock is what packets and

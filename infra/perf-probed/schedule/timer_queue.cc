@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The heap of timers.
 #include "perf-probed/schedule/timer_queue.h"
 

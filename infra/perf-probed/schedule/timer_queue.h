@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Timers on the monotonic clock: which of many owners is due next.
 //
 // An owner is a small number (the index of a session) and has one timer at most. A binary heap with the

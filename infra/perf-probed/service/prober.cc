@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of sessions: made, kept, removed, and resolved against the host.
 #include "perf-probed/service/prober.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The session-sender: all sessions, their timers, and the sockets that their packets leave by.
 //
 // Owned by one thread. Tells nobody of changes: whoever publishes looks at the entries and at `changes`.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The packets of the sessions: out, and their answers in.
 #include <algorithm>
 #include <cerrno>

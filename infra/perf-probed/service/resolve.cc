@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checks in the order in which their reasons go before each other.
 #include "perf-probed/service/resolve.h"
 

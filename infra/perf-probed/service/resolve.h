@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether a session can run on this host as it is now, and if so from where: the reasons for which the shows have
 // words.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the configuration to sessions.
 #include "perf-probed/service/session_plan.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which sessions a configuration asks for, and how their packets share the allowed rate.
 #pragma once
 

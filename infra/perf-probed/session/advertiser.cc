@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The order of the checks at the end of a computation: anomaly, first advertisement, accelerated, periodic.
 #include "perf-probed/session/advertiser.h"
 

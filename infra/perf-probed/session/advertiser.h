@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // When measured delays are advertised, and why.
 //
 // A session hands in the delays of each computation. Every so many computations their aggregate is compared

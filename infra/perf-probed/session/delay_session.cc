@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The life of a delay session.
 #include "perf-probed/session/delay_session.h"
 

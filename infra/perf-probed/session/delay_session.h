@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A session that measures delay: computations of a fixed length, each of some packets.
 //
 // A packet belongs to the computation in which it was sent. A computation that has ended stays open until each of

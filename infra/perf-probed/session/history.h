@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The newest of something, oldest first, up to a fixed number.
 #pragma once
 

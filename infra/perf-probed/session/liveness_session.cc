@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The life of a liveness session.
 #include "perf-probed/session/liveness_session.h"
 

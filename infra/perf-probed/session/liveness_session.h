@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A session that tells whether an endpoint answers: up at the first answer, down when as many packets in a row
 // as the multiplier says were not answered before the next one was due.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The ring of sent packets.
 #include "perf-probed/session/packet_window.h"
 

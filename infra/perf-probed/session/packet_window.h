@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The packets that a session sent lately: which answer belongs to which, and what kind of answer it is.
 //
 // A ring of a power of two slots, indexed by sequence number. An answer must carry the sequence number and

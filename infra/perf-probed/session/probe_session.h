@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A session that only sends: packets along a path, to be seen by those who are on it. Answers are not waited for.
 #pragma once
 

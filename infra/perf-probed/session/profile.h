@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a session is told to do: the settings of the three kinds of measurement, with their defaults.
 //
 // The words are those of the profile shows; docs/man/perf-probed.yaml.5 explains each.

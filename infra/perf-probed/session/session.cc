@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts that all kinds of sessions share.
 #include "perf-probed/session/session.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What every session has: its identity, whether it runs, its counters, and when it is due.
 //
 // A session knows neither sockets nor clocks. The service tells it the time, sends what it asks for, and

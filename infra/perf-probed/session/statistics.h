@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Delays of many packets summed up: average, minimum, maximum and variance.
 //
 // Variance is the shows' word for the average less the minimum.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sessions are grouped into their endpoints and interfaces once, and compared by revision each time.
 #include "perf-probed/state/change_tracker.h"
 

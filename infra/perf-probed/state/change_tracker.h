@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What changed since the last snapshot: of thousands of sessions only those that did something are published again.
 #pragma once
 

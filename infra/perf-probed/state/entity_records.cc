@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One item for each path of an endpoint or interface.
 #include "perf-probed/state/entity_records.h"
 

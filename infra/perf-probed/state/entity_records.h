@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The items of endpoints, interfaces and sessions.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The items of the host as a whole: summaries, profiles, rates, capabilities, the process, and the responder's.
 #pragma once
 

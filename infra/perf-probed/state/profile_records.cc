@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Profiles, and who may send what to whom.
 #include <cstdlib>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What answers probes: the responder's interfaces and counters, and the receive path.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sessions into records, field by field.
 #include "perf-probed/state/session_records.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A session as the records of the shows have it: the parts that several items share.
 //
 // docs/man/perf-probed.8 tells what each counter of the shows means on a host.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records on their way into the store: built by the thread that measures, written by the one that publishes.
 //
 // A snapshot owns the memory of all its records, which are never changed once they are in it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Totals over all sessions, rates, capabilities and the process.
 #include <algorithm>
 #include <cmath>

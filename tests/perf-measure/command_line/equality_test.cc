@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What words show is, byte for byte, what the numbers show: every phrase, with each of its options.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Exit statuses and messages: what scripts rely on.
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What may be typed next.
 #include "perf-measure/completion/candidates.h"
 

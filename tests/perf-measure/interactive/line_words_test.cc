@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lines taken apart into words.
 #include "perf-measure/interactive/line_words.h"
 

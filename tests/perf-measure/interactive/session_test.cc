@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The interactive mode, typed at on a pseudo terminal.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Failures as a user is told them.
 #include "perf-measure/items/outcome.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Shows as JSON, read back by jq and by Python.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Reads what perf-measure --json wrote, and compares it with a data set.
 
     read_back.py JSON-LINES DATA-SET

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words to the options of perf-show: every phrase, every option, abbreviations, and what is refused with which words.
 #include "perf-measure/phrases/parser.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Everything that perf-show has can be said in words.
 #include <gtest/gtest.h>
 #include <set>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Plots of small series, whose drawings were made by hand.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plot command on whole stores.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A program on a pseudo terminal, with what it draws and the keys that it is given.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Red words, and what of a text has changed.
 #include "perf-measure/terminal/changes.h"
 

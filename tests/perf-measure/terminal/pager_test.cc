@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Long output on a terminal: the pager and the colours.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The watch: on a terminal and elsewhere.
 #include <gtest/gtest.h>
 #include <string>

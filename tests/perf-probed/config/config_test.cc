@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The configuration: what is read, and errors that name file, line and key.
 #include "perf-probed/config/config.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The HMAC against the test cases of RFC 4231 and against OpenSSL's own.
 #include "perf-probed/packet/hmac.h"
 

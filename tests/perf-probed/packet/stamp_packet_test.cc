@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The test packets against bytes written by hand from the layout tables.
 #include "perf-probed/packet/stamp_packet.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time stamps and error estimates: known values, eras, and an estimate that never says less than the truth.
 #include "perf-probed/packet/time_stamp.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a reflector makes of TLVs, from bytes written by hand.
 #include "perf-probed/packet/tlv.h"
 

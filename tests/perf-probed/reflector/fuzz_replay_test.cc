@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inputs that the fuzz target of the test packets began with, and those that it found.
 #include <gtest/gtest.h>
 

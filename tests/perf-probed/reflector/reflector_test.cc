@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reflector at real sockets of the loopback interface: who gets an answer, what is counted, and that nothing is
 // allocated meanwhile.
 #include "perf-probed/reflector/reflector.h"

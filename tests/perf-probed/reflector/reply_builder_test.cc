@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the reflector answers, from packets written by hand.
 #include "perf-probed/reflector/reply_builder.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Timers: order, moving and cancelling, and the same as a sorted list over many random changes.
 #include "perf-probed/schedule/timer_queue.h"
 

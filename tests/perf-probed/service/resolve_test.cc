@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why a session does not run: each reason that a host can cause, from a state of the host that causes it.
 #include "perf-probed/service/resolve.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // When delays are advertised: each reason, from the delays that cause it.
 #include "perf-probed/session/advertiser.h"
 

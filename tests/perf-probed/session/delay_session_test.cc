@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Delay sessions in simulated time: schedule, computations, and answers of every kind.
 #include "perf-probed/session/delay_session.h"
 

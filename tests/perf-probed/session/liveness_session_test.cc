@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Liveness sessions in simulated time.
 #include "perf-probed/session/liveness_session.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A session in simulated time: a clock that a test moves, and a path whose delays and losses it sets.
 #pragma once
 

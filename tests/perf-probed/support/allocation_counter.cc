@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C library's allocation, counted: in the sanitizer's build by its hooks, else by functions that go before the
 // library's.
 #include "tests/perf-probed/support/allocation_counter.h"

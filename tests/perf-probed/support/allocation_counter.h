@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How often this program has allocated memory, whoever asked for it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Packets written by hand as hexadecimal text.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Running services: perf-probed and others as processes, in network namespaces or not, with stores of their own.
 #pragma once
 

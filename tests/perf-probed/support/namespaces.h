@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Two network namespaces joined by a pair of interfaces, removed at the end. Needs root and iproute2.
 //
 //   NAME-a: interface "a", 198.18.N.1/24 and 2001:db8:N::1     NAME-b: interface "b", the same with 2

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A relay between a session-sender and a session-reflector, for tests: it holds requests for a while, and loses,
 // duplicates and delays some of them, by their number.
 //

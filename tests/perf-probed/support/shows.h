@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From packets to printed text: a service that measures itself over the loopback interface, and patterns for what
 // differs from run to run: <n> a number, <t> a time stamp, <w> a wait or an age, <p> a port, <r> the reason of an
 // advertisement, <c> when the next check is due, <a> the delays of its interval so far, <_> blanks. Trailing blanks do

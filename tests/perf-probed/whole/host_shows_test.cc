@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From packets to printed text: the shows of the host as a whole.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The service's life as others see it: starting, running, killed, ended; configurations read again; stores that fail.
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Over a path of its own, with a relay on it whose delays, losses, duplicates and reorderings are known; and what
 // happens when the path, its interface or its peer go away.
 #include <cmath>

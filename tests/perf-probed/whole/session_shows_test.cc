@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From packets to printed text: the shows of interfaces, endpoints and sessions.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+-- SPDX-License-Identifier: Apache-2.0
 -- The authenticated packets of STAMP (RFC 8762, sections 4.2.2 and 4.3.2) for tshark. Requests go to port 862.
 local stamp = Proto("stamp_authenticated", "STAMP, authenticated")
 local f = {

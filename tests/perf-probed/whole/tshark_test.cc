@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The packets as another program reads them: tshark decodes each mode, field by field.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Data sets that perf-store refuses: what it says of them, and that the store stays as it was.
 #include "tests/perf-store/command_line/perf_store_fixture.h"
 

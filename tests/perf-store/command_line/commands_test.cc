@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Usage, and the commands that print types and counts.
 #include "tests/perf-store/command_line/perf_store_fixture.h"
 

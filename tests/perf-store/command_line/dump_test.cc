@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // perf-store dump: data sets that give the same store again, and parts of a store.
 #include "tests/perf-store/command_line/perf_store_fixture.h"
 

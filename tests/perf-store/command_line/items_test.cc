@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // perf-store's ls, get and rm: single items of a store.
 #include "tests/perf-store/command_line/perf_store_fixture.h"
 

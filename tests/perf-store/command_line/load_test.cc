@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // perf-store load: what it says and what is in the store afterwards.
 #include "tests/perf-store/command_line/perf_store_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects of data sets, and the lines of what commands print.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole perf-store commands: each test has a folder of its own, with the store in it, and runs the
 // program there.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Progress of long work, as a terminal shows it.
 #include "perf-store/datasets/progress_line.h"
 

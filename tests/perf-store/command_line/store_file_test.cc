@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a load does to the files of a store that it must not change, and to what others left in them.
 #include <csignal>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // verify, dump --damaged and load --replace: what is wrong with a store, what is left of it, and the way out.
 #include "tests/perf-store/command_line/perf_store_fixture.h"
 

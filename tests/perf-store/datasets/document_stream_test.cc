@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file as a stream of JSON documents.
 #include "perf-store/datasets/document_stream.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JSON texts into nodes.
 #include "perf-store/datasets/json_document.h"
 

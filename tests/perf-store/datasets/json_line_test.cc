@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lines read by the fast parser, which must take nothing that the careful one reads otherwise.
 #include <cstring>
 #include <random>

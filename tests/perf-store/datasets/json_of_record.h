@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records read from JSON and written again, as tests show them.
 #pragma once
 

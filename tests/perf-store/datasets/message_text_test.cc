@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What messages repeat of the input.
 #include "perf-store/datasets/message_text.h"
 

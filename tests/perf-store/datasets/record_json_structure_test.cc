@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records to JSON and back: addresses, optionals, arrays and unions.
 #include <cstring>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records to JSON and back: whole records, numbers and texts.
 #include <algorithm>
 #include <cstring>

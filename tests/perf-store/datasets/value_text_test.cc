@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of single values, read and written.
 #include "perf-store/datasets/value_text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A synthetic data set, read back into records.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Synthetic data sets: histories.
 #include "tests/perf-store/generator/generated_set.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Synthetic data sets: the set as a whole, and how many items it has.
 #include "tests/perf-store/generator/generated_set.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Synthetic data sets: the values of the records make sense, alone and together.
 #include "tests/perf-store/generator/generated_set.h"
 

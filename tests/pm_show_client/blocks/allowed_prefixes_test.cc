@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The promises of allowed prefixes that no stored record can break;
 // tests/golden/allowed-queriers and tests/golden/allowed-responders have the whole reports.
 #include "pm_show_client/blocks/allowed_prefixes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Atomic paths, as no show command meets them. tests/golden has the others.
 #include "pm_show_client/blocks/atomic_path.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Counter blocks.
 #include "pm_show_client/blocks/counters.h"
 

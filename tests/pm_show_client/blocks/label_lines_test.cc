@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lines of a label and a value.
 #include "pm_show_client/blocks/label_lines.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Indented lines.
 #include "pm_show_client/blocks/lines.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Liveness profiles, as no show command meets them. tests/golden/profile has the reports.
 #include "pm_show_client/blocks/liveness_profile.h"
 

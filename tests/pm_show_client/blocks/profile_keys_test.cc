@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Profile keys, as no show command meets them. tests/golden has the others.
 #include "pm_show_client/blocks/profile_keys.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lists of a profile, of lengths for which whole commands would be many.
 #include "pm_show_client/blocks/profile_lines.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of time stamps, durations and ages.
 #include "pm_show_client/blocks/time_text.h"
 

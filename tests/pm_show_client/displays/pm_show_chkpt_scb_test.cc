@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A checkpoint that is filtered out; tests/golden/chkpt-scb has the whole reports.
 #include "pm_show_client/displays/pm_show_chkpt_scb.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The distribution list without a record; tests/golden/session-distribution has the whole reports.
 #include "pm_show_client/displays/pm_show_dr.h"
 

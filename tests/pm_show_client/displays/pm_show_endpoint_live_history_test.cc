@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Liveness histories of endpoints that have none; tests/golden/endpoint-history has the whole reports.
 #include "pm_show_client/displays/pm_show_endpoint_live_history.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Endpoints without a section to show; tests/golden/endpoint has the whole reports.
 #include "pm_show_client/displays/pm_show_endpoint.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The detail of an interface and its counters; tests/golden/interface has the whole reports.
 #include "pm_show_client/displays/pm_show_intf.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A profile with a long name; tests/golden/profile has the reports.
 #include "pm_show_client/displays/pm_show_name_profile.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process state machine in another time zone; tests/golden/process-fsm has the whole reports.
 #include "pm_show_client/displays/pm_show_proc_fsm.h"
 

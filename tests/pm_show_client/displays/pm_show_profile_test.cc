@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Default profiles of a kind that has no section; tests/golden/profile has the reports.
 #include "pm_show_client/displays/pm_show_profile.h"
 

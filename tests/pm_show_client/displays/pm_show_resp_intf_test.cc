@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An interface of the responder and its counters; tests/golden/resp-intf has the whole reports.
 #include "pm_show_client/displays/pm_show_resp_intf.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The promise that no stored record can break; tests/golden/dr-retry-queue has the whole reports.
 #include "pm_show_client/displays/print_dr_retry_queue.h"
 

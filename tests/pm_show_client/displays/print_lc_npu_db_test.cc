@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The NPU database's promises that no stored record can break; tests/golden/npu-database has the whole
 // reports.
 #include "pm_show_client/displays/print_lc_npu_db.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Displays of checkpoints without a record or a blob; tests/golden has the whole reports.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Displays that are called without a record, as an empty listing does. The others say so themselves or abort.
 #include <gtest/gtest.h>
 

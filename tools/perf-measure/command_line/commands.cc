@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From an invocation to the show, plot or help that it asks for.
 #include "perf-measure/command_line/commands.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Candidates as lines.
 #include "perf-measure/command_line/complete.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Completion for shells.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plain options.
 #include "perf-measure/command_line/invocation.h"
 

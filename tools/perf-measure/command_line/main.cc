@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // perf-measure: the shows of perf-show, asked for in words.
 #include <csignal>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From a history in the store to a drawing.
 #include "perf-measure/command_line/plot.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plot of a history, in the terminal and as a picture.
 #pragma once
 

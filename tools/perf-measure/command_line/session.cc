@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // This program again, once for each line.
 #include "perf-measure/command_line/session.h"
 

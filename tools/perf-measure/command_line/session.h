@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The interactive mode: each line is a command, in a process of its own.
 #pragma once
 

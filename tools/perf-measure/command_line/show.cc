@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words to the back end, and the back end's answer to an exit status.
 #include "perf-measure/command_line/show.h"
 

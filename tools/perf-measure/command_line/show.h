@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One show, from parsed words to its output.
 #pragma once
 

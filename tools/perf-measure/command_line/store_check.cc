@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The check of the store, before a show would say less.
 #include "perf-measure/command_line/store_check.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether there is a store to read.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program's version, which the build gives.
 #pragma once
 

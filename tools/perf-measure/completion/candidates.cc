@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Candidates from the parser's place.
 #include "perf-measure/completion/candidates.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What may be typed next: words of the phrase table, names that are in the store, and plain options.
 #pragma once
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Bash completion for perf-measure. The program itself knows what may follow, also the names in the store.
 
 # _perf_measure COMMAND CURRENT PREVIOUS, as complete -F calls it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names by scanning paths, and beginnings of names by stepping over them.
 #include "perf-measure/completion/stored_names.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names that are in the store, for completion.
 #pragma once
 

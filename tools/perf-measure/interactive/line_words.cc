@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words, quotes and backslashes.
 #include "perf-measure/interactive/line_words.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A line taken apart into words, as a shell does it.
 #pragma once
 

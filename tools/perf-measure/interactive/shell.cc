@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The line editor with its keys, and the loop around it.
 #include "perf-measure/interactive/shell.h"
 

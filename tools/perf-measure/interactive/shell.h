@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads commands from the terminal, line by line.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading items over the database's client.
 #include "perf-measure/items/item_reader.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The items of a command as records, for whoever does not want the text of a show: the same nodes, filters and
 // names, read as a show reads them.
 #pragma once

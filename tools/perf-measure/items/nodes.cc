@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The inventory's names.
 #include "perf-measure/items/nodes.h"
 

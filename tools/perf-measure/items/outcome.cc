@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which failures count.
 #include "perf-measure/items/outcome.h"
 

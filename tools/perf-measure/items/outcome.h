@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What reading came to, node by node: the failures that a user is told, and the exit status.
 #pragma once
 

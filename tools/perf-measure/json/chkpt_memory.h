@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory for the texts and arrays of a decoded checkpoint message.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The members of each checkpoint message by name.
 #include "perf-measure/json/chkpt_message.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The objects and their way out.
 #include "perf-measure/json/json_show.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A show as JSON: one object for each item, each on a line.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JSON as text.
 #include "perf-measure/json/json_text.h"
 

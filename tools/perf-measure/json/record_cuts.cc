@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The cuts of each record type.
 #include "perf-measure/json/record_cuts.h"
 

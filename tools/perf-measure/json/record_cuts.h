@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Cuts a record down to what a show would print of it: a limit of history rows, one segment list, the sections of
 // a kind or transport.
 #pragma once

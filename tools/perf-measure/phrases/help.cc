@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The layouts of help.
 #include "perf-measure/phrases/help.h"
 

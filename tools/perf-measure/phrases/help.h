@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Help texts from the phrase table: for a place in a command, for a whole command, and for documents.
 #pragma once
 

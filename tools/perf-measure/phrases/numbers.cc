@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Matching options of perf-show against the letters of the phrase table.
 #include "perf-measure/phrases/numbers.h"
 

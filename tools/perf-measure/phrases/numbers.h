@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the options of perf-show back to words, for documents and for those who have the numbers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parser over the phrase table.
 #include "perf-measure/phrases/parser.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From words to the options of perf-show.
 //
 //     word_parser parser;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table itself: choices, options, groups, phrases.
 #include "perf-measure/phrases/phrase_table.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands in words, as data: each phrase with the options of perf-show that it stands for, and one line
 // of help for every word.
 //

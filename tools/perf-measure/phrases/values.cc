@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Checks of values.
 #include "perf-measure/phrases/values.h"
 

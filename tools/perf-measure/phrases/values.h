@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The values of options, checked: perf-show itself takes any text, junk as 0.
 #pragma once
 

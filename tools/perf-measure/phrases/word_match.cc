@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Abbreviations and near misses of words.
 #include "perf-measure/phrases/word_match.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Finding the word that someone means: abbreviations, and near misses.
 #pragma once
 

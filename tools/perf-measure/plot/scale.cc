@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Round numbers for an axis.
 #include "perf-measure/plot/scale.h"
 

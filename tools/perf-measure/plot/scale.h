@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The vertical axis of a plot.
 #pragma once
 

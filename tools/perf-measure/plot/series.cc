@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // History records taken apart into series.
 #include "perf-measure/plot/series.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a plot draws: the delays of one measured thing over time.
 #pragma once
 

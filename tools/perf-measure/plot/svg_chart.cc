@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Drawing with lines and areas.
 #include "perf-measure/plot/svg_chart.h"
 

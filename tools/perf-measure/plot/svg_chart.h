@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plot as a picture in the form of Scalable Vector Graphics.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Drawing with characters.
 #include "perf-measure/plot/text_chart.h"
 

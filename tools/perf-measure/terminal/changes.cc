@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Comparing two texts, and drawing a line with what has changed.
 #include "perf-measure/terminal/changes.h"
 

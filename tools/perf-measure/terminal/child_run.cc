@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The child process and its pipes.
 #include "perf-measure/terminal/child_run.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs a piece of this program in a child process and reads what it prints.
 //
 // A show keeps state for the life of its process and ends it when its reader goes away, so that a program that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words that are red.
 #include "perf-measure/terminal/colours.h"
 

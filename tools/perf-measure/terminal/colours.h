@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Colours where they carry a meaning: what is down, does not run or is an error is red.
 #pragma once
 

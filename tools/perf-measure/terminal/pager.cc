@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Starting the pager and waiting for it.
 #include "perf-measure/terminal/pager.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pager: a program between this one and the terminal, so that long output can be read page by page.
 #pragma once
 

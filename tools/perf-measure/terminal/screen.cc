@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Taking the terminal and giving it back.
 #include "perf-measure/terminal/screen.h"
 

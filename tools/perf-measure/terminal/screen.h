@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The terminal as a whole screen: keys without echo, and a picture of its own that leaves no trace.
 #pragma once
 

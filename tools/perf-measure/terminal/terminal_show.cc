@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lines of a child, coloured on their way to the terminal.
 #include "perf-measure/terminal/terminal_show.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A command's output on a terminal: with colours, and through a pager.
 #pragma once
 

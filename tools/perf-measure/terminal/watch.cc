@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The loop of the watch, its keys and its picture.
 #include "perf-measure/terminal/watch.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Repeats a command: full-screen with what has changed on a terminal, as plain blocks elsewhere.
 #pragma once
 

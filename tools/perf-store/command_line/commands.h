@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What perf-store does, one function a command. Each returns the exit status and reports on standard error
 // what went wrong.
 #pragma once

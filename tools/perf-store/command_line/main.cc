@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // perf-store: puts data sets into the store of the local platform and gets them out.
 #include <CLI/CLI.hpp>
 #include <algorithm>

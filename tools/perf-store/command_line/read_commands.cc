@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // dump, ls, get and stat: the commands that read the store.
 #include <cstdio>
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Errors on standard error.
 #include <cstdio>
 

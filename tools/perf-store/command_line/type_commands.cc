@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // types, schema and gen: the commands that need no store.
 #include <cstdio>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // load and rm: the commands that change the store, in one transaction each.
 #include <cstdio>
 #include <memory>

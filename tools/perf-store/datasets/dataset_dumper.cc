@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decodes what the store holds and writes its lines.
 #include "perf-store/datasets/dataset_dumper.h"
 

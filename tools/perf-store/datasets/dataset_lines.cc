@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects of data sets as JSON; records are written by record_writer.cc.
 #include "perf-store/datasets/dataset_lines.h"
 

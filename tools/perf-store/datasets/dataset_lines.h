@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines of a data set: one object each, as JSON, in one form wherever a data set is written.
 //
 // Each routine appends one line with its newline. On an error nothing is appended, and the error says what

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the objects of a data set, one kind after the other, and puts each into the store.
 #include "perf-store/datasets/dataset_loader.h"
 

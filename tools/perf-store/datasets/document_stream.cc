@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the file in large parts and hands them to the parser, which stops after each document.
 #include "perf-store/datasets/document_stream.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A data set's file as a stream of JSON documents, separated by white space. Memory holds a part of the
 // file, as large as its largest document needs.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The first bytes of what is no data set.
 #include "perf-store/datasets/foreign_text.h"
 

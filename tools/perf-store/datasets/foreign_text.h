@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is often given in place of JSON, by its name.
 #pragma once
 

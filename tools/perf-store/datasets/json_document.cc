@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The careful parser: RapidJSON parses; its events build the nodes.
 #include "perf-store/datasets/json_document.h"
 

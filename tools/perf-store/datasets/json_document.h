@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A JSON text read into a flat list of nodes, numbers kept as they are written.
 //
 // Each node knows its place in the input, so that an error can name the line.

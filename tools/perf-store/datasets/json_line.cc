@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fast parser: simdjson finds the tokens of a line, and a walk over them builds the nodes.
 #include <algorithm>
 #include <cstring>

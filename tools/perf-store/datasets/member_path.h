@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The place of an error in a document: "item.record.CandidatePaths[2].Preference".
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a message shows of a text that may be long or hold anything.
 #include "perf-store/datasets/message_text.h"
 

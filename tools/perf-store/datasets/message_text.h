@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of the input as messages repeat them: short, and on one line.
 #pragma once
 

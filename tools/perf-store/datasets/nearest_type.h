@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The record type that someone may have meant.
 #pragma once
 

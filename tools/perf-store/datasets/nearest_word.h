@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The word that someone may have meant, for messages on one that is not known.
 #pragma once
 

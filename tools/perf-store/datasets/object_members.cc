@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Finds members by their names.
 #include "perf-store/datasets/object_members.h"
 

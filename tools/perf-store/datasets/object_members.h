@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An object of a data set whose members have fixed names.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the buffer whole, however little the file takes at a time.
 #include "perf-store/datasets/output_file.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Output through one large buffer, to standard output or another file descriptor.
 //
 // The buffer is filled by its user, who calls flush_when_full() after each line and flush() at the end;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The record types by path: what the show commands decode there.
 #include "perf-store/datasets/path_types.h"
 

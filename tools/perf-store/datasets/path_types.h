@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which record type an item of a path has.
 #pragma once
 

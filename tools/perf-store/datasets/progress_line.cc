@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Draws the line at most ten times a second.
 #include "perf-store/datasets/progress_line.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Progress of long work, on standard error when that is a terminal.
 #pragma once
 

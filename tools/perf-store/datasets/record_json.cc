@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One JSON text to one record; data sets, which are streams of documents, use the parts by themselves.
 #include "perf-store/datasets/record_json.h"
 

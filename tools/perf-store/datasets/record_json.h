@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records as JSON: for every program that shows records or takes them, whatever keeps them.
 //
 //     std::string text;

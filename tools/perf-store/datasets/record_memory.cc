@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Allocation in blocks.
 #include "perf-store/datasets/record_memory.h"
 

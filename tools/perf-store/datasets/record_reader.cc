@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Walks a document's nodes and a record's shape side by side.
 #include "perf-store/datasets/record_reader.h"
 

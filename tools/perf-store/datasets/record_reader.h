@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JSON nodes to records and to single values.
 #pragma once
 

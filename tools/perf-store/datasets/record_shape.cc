@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The descriptions of record types that a process has made for JSON.
 #include "perf-store/datasets/record_shape.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A record type's description, as the reader and the writer of JSON walk it: with no code per type.
 #pragma once
 

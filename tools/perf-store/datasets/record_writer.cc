@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records to JSON: walks a record's shape, with no code per type.
 #include <algorithm>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decodes what an inspection finds.
 #include "perf-store/datasets/store_check.h"
 

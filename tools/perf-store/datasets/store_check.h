@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the whole store and tells what is wrong with it.
 #pragma once
 

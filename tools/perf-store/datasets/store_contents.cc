@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the store's batches one after the other.
 #include "perf-store/datasets/store_contents.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the store that OPSTORE_URL names holds, read in batches: while output waits, no transaction is open.
 //
 // Every error is ready to be shown: it names the store or the item. Parcels are views that live during the

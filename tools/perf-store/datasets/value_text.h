@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of single values in data sets: numbers in C notation, addresses, hexadecimal digits.
 #pragma once
 

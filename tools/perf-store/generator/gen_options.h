@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How large a synthetic data set is.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Synthetic data sets: a router's state of any size, for tests and measurements.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The data set as a whole, and the inventory that it begins with.
 #include "perf-store/generator/generator.h"
 

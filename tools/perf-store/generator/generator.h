@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of a synthetic data set, one routine a family, each in a file of its own
 // (generator_interfaces.cc and so on). They share the lines, the memory and the nodes' totals.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Endpoints: a delay or a liveness session each.
 #include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Interfaces: a delay and a loss session each, on the node of their card.
 #include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"

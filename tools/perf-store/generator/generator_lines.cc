@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The data sets room writes the lines; the first error is kept here.
 #include "perf-store/generator/generator_lines.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Parts of records that several kinds of objects share.
 #include "perf-store/generator/generator_parts.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of records that show a session, made from its state; each is the same wherever it appears.
 #pragma once
 

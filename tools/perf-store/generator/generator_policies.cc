@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SR policies: their candidate paths, segment lists and sessions, one session an atomic path.
 #include "perf-store/generator/generator_policies.h"
 

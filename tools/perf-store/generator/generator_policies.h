@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An SR policy of a synthetic data set, shared by the files that write its records.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The detail record of an SR policy.
 #include "paths/item_paths.h"
 #include "perf-store/generator/generator_parts.h"

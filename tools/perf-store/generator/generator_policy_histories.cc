@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The histories of an SR policy: of delays, or of liveness.
 #include "paths/item_paths.h"
 #include "perf-store/generator/generator_parts.h"

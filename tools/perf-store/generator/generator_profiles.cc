@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Profiles of every node: the default ones in one record, the named ones in a record each.
 #include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"

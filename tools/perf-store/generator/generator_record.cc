@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Addresses and texts of records.
 #include "perf-store/generator/generator_record.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Building records of a synthetic data set.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What happens to a session: packets, delays, advertisements, liveness.
 #include "perf-store/generator/generator_session.h"
 

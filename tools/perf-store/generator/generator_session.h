@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The state of one measurement session, from which all its records are made, so that they agree.
 #pragma once
 

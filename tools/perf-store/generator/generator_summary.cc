@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One summary a node: what the generated sessions add up to.
 #include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RSVP-TE tunnels: a delay session for the LSP of each.
 #include "paths/item_paths.h"
 #include "perf-store/generator/generator.h"

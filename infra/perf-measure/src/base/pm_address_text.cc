@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Addresses, digit by digit.
 #include "base/pm_address_text.h"
 

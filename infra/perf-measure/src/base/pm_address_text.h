@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of addresses, without printf: displays and data sets hold many.
 //
 // Each routine writes at `to`, without a terminator, and returns where the text ends.

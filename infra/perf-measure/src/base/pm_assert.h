@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Assertions on what a caller promised. Always on.
 #pragma once
 

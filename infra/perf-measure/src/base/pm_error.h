@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The error type inside the program. At the platform's own boundary an errcode takes its place.
 //
 //     if (pm_error error = store.commit()) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Formatting with printf formats that are checked and taken apart at compile time.
 //
 // A format is a template argument: pm_format_text<"%-34s: %u\n">(buffer, size, label, value). The

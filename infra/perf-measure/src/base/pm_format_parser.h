@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Taking printf formats apart at compile time. pm_format.h says which formats there are.
 //
 // A format is a template argument. One that cannot be understood does not compile: the compiler's message names

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The output buffer: how it is emptied, and what is said when nobody takes its bytes.
 #include "base/pm_output.h"
 

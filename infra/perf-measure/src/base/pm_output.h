@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Standard output and standard error of the program.
 //
 // Everything that a show prints goes through one buffer, written out when it is full, before a

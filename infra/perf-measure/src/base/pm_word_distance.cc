@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Computes the distance row by row: a cell is the distance between two beginnings.
 #include "base/pm_word_distance.h"
 

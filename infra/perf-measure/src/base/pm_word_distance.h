@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How much a word differs from the one that was meant, for the messages that name the latter.
 #pragma once
 

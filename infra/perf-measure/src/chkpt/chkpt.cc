@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // See chkpt.h. The messages' descriptions, and the decoder of each.
 #include "chkpt/chkpt.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Checkpoint blobs: the records that they decode into, and one decoder for each.
 //
 // A checkpoint item carries its payload as bytes in the binary form of Protocol Buffers. A decoder

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one decoder of checkpoint messages. It is a template over a message's description, the list of
 // its record's members: what a member is says how its field is read. For the files of chkpt only.
 #pragma once

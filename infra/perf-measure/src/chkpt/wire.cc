@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads tags, varints and fixed-size numbers, and passes over fields that nobody asked for.
 #include "chkpt/wire.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The binary form of Protocol Buffers, as far as checkpoint blobs use it: numbers, tags, and how to
 // pass over a field. For the files of chkpt only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reasons of advertisements, short and long.
 #include "front/advert_legend.h"
 

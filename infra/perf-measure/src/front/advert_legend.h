@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The legend above advertisement histories.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rows of the show commands, by ascending type. command_table.h explains their columns.
 #include "front/command_table.h"
 

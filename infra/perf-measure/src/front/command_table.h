@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The show commands as data: what each reads, how its item path is composed, and who displays it.
 //
 // Look a command's type up here to find its display.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Composes item paths: walks the components of a filter key and takes each from the options.
 #include "front/compose.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Item paths below a node's branch, composed from pm_show_options.
 //
 // A plain path is a place's path and the name (-i), or the place's path alone, which lists everything. A

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the options to a row of the command table, and from the row to a request.
 #include "front/dispatch.h"
 

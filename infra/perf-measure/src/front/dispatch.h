@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From pm_show_options to a show: which command, what to read, and the exit status.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The read of one node: its listings in batches, its single items, and what is said when the store has none.
 #include "front/generic_show.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One node's read: from a request to the calls of its display. The walk over nodes is walker.h.
 #pragma once
 

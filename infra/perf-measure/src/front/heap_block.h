@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Owner of what the platform allocates and its caller frees with free.
 #pragma once
 

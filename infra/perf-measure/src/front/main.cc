@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // perf-show: one show command, coded as short options, onto standard output.
 #include <csignal>
 #include <ctime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The option table and its getopt loop.
 #include "front/options.h"
 

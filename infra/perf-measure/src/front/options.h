@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line: short options into pm_show_options.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The node of an interface: its card where that keeps measurements, else the active route processor.
 #include "front/resolve_node.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From an interface's name to the node that holds its data.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which nodes a show reads, in which order, and what is printed between them.
 #include "front/walker.h"
 

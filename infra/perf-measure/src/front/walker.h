@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The walk over the nodes that a show reads. How one node is read is generic_show.h.
 #pragma once
 

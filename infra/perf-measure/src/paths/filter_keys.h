@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Filter keys: what a filtered path asks for, component by component.
 //
 //   srpolicy/detail-filter/0xa,0a000001,________,...,________/NAME

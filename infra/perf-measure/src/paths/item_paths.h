@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where items are below a node's branch: every path that a show command reads or a generated data set fills.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The data roots of the operational state database, one for each publishing process.
 //
 // The items of a root are kept by node: "<path of the root>node/<id in hex>/<item path>".

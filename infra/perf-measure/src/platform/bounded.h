@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bounded copies (after C11 Annex K) and tagged allocation.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Error codes of the platform and their texts.
 //
 // Every platform operation that can fail returns an errcode: 0 is success, every other value

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The node inventory and the redundancy service.
 #pragma once
 

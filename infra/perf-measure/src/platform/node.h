@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Node identity: which node this is, what kind of router, and how node ids relate.
 #pragma once
 

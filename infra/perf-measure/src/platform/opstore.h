@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Client of the operational state database.
 //
 // Items live under hierarchical text paths. Each node (a route processor or a line card) has a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Parcels: self-describing encoded records, and the descriptors that say how a record type looks.
 //
 // A descriptor carries a type's schema text and the C layout of its structure; the codec works

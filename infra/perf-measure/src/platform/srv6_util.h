@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names of SRv6 SID formats and of SRv6 endpoint behaviours (RFC 8986, section 10.2).
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a display is: the routine that prints one record of a show command.
 #pragma once
 

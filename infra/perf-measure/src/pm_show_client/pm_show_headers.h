@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The headers of nodes and tables: the rules around them, and whether a table still has to print its own.
 #pragma once
 

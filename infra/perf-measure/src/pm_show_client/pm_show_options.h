@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the command line asked for. The front end fills it (front/options.h); displays only read it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of MAC addresses and prefixes. Those of the addresses of the measurement engine are in
 // unshown_address_text.h.
 //

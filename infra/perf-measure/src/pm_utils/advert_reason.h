@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why values were advertised: the words, and what a reason says about the values.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words for the control codes of probe packets.
 #pragma once
 

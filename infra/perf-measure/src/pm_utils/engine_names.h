@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words for the inner workings of the measurement engine: its queues, events and distribution. More are in
 // unshown_engine_names.h.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pm_utils/measurement_names.h"
 
 #include "pm_utils/name_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words for what is measured and how: transports, measurements, modes, protocols, pools. More are in
 // unshown_measurement_names.h.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tables of names and the one lookup that reads them. For the files of pm_utils only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Why a probe is not running. How serious a reason is, unshown_not_running_reason.h tells.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words for measurement sessions that are offloaded to a network processor (NPU). More are in
 // unshown_npu_names.h.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words for the measurement process's own life: its redundancy role, the states and events of its
 // state machine, and the processes that it works with.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pm_utils/text_ring.h"
 
 char *pm_next_text_slot() {

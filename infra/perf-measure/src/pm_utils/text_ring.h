@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rotating slots that hold built texts. For the files of pm_utils only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: addresses as the measurement engine has them, and what can be asked about an address.
 //
 // Their texts are in unshown_address_text.h. Records carry addresses in a form of their own

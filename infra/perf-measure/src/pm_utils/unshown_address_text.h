@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: texts of addresses and keys as the measurement engine has them.
 //
 // Unless it says otherwise a routine gives a result that is borrowed from the rotating slots (text_ring.h): the tenth

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: what triggered an advertisement.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: words for the batches, timers, operations, ports and checkpoints of the measurement engine.
 //
 // Every routine takes any value and returns constant text, never null; a value without a word of

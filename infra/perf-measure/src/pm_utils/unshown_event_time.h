@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: points in time of the realtime clock, and the time since an event.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show.
 #include "pm_utils/unshown_measurement_names.h"
 

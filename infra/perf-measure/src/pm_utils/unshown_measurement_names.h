@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: more words for what is measured and how.
 //
 // Every routine takes any value and returns constant text, never null; a value without a word of

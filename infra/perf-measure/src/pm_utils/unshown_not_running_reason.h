@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: how serious a reason is for which a probe is not running.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: more words for measurement sessions that are offloaded to a network processor (NPU).
 //
 // Every routine takes any value and returns constant text, never null; a value without a word of

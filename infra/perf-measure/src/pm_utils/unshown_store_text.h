@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: decoding of names that are components of database paths.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show.
 //
 // The table is that of the reflected CRC-32 of IEEE 802.3, but the update shifts left as the

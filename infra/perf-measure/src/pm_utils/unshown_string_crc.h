@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: a 32-bit checksum of texts.
 #pragma once
 

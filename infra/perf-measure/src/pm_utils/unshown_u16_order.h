@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: the order of 16-bit numbers that travel in wider fields.
 #pragma once
 

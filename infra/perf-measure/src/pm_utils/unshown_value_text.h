@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: texts of nodes, interfaces, ports and lists of numbers.
 //
 // A result is borrowed from the rotating slots (text_ring.h): the tenth result after it, of whatever

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of interfaces, counts and cut names.
 //
 // Unless stated otherwise a result is borrowed from the rotating slots (text_ring.h): the tenth

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The enumerations of record fields, by the names that the record catalogue uses.
 //
 // They are unscoped with a fixed type, so that a record may carry any 32-bit value: a reader must

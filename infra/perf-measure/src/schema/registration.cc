@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Registers all descriptors of the catalogue with the codec.
 #include "schema/registration.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Registration of a run of record types with the parcel codec, all or nothing.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads a record catalogue: its lines, then the bodies of its types, which refer to each other by name.
 #include "schema_compiler/catalogue.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A record catalogue, read. Its form is explained at the head of schema/catalogue.txt.
 #pragma once
 

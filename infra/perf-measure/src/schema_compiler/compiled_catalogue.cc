@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Describes the types of a catalogue: each with the schema of all that it reaches, and its C structure.
 #include "schema_compiler/compiled_catalogue.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A catalogue whose types are described: schema texts made, parsed and laid out.
 #pragma once
 

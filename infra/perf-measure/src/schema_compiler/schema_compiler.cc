@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compiles a record catalogue into C++: the structs with their size and offset assertions, the
 // descriptors with their layout tables, the accessors and the registration routines.
 //

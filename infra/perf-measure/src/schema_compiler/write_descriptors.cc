@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the descriptors of a catalogue's record types, their accessors and the registration routines.
 #include "schema_compiler/writers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the C structures of a catalogue's types.
 #include <set>
 

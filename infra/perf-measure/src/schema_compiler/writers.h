@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C++ that is made of a compiled catalogue.
 #pragma once
 

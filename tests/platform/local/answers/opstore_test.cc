@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The database client over a real store.
 #include "platform/opstore.h"
 

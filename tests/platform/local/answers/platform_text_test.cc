@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The local platform's texts: addresses, times, names, bounded copies.
 #include <cstdlib>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parcel codec: round trips of every record type, and damaged or hostile parcels.
 #include <cstring>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records that were written with another version of their type's schema.
 #include <cstring>
 #include <gtest/gtest.h>

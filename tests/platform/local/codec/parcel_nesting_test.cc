@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Optionals and arrays within each other, byte by byte: no record type has all of these yet.
 #include <cstring>
 #include <gtest/gtest.h>

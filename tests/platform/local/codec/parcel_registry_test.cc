@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Registration with the codec itself.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The filters that the program composes from its options, read from a real store.
 #include <cstdio>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Derived item paths over a real store: what each component of a key selects.
 #include "tests/platform/local/filters/derived_store.h"
 

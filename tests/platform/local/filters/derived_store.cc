@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The store of the tests of derived paths.
 #include "tests/platform/local/filters/derived_store.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of derived paths share: the store that they read, and reading it.
 //
 // A process opens one store only, once, so every store is filled and every listing made in a child.

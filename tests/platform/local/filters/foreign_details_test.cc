@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Filters over detail records that are not of this program's schema, or cannot be read.
 #include <cstdlib>
 #include <filesystem>

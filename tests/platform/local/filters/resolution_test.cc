@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The node that hosts an interface, from the inventory of a real store.
 #include <optional>
 #include <sstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The filters' views of detail records against the records themselves: the same fields of the same kinds, and
 // the same values of any record.
 #include <algorithm>

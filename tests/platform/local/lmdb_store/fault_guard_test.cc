@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Guarded bodies: however one ends, faults go afterwards where they went before.
 #include "platform/local/lmdb_store/fault_guard.h"
 

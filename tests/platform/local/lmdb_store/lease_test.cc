@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Leases of publishers in an embedded store.
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What results of LMDB and of the system mean.
 #include <cerrno>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What changes that were not sent yet say about items.
 #include <gtest/gtest.h>
 

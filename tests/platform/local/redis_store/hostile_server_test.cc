@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Servers that answer anything, and how often a server is asked.
 #include <atomic>
 #include <cstring>

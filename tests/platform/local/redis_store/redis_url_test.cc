@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // URLs of networked stores.
 #include <cstdlib>
 #include <gtest/gtest.h>

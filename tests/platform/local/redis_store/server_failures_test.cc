@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What readers and writers say when a server fails, refuses or was tampered with.
 #include <csignal>
 #include <cstdlib>

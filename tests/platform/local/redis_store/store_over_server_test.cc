@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A store in a server: what is written is read, in one step and in order.
 #include <algorithm>
 #include <gtest/gtest.h>

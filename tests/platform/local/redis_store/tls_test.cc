@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Connections over TLS: the server must show a certificate that is trusted and made for its name.
 #include <cstdlib>
 #include <gtest/gtest.h>

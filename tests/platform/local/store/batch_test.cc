@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What fits into a batch.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keys made and taken apart.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The store's URL taken apart, and what is said of a store.
 #include <cstdlib>
 #include <gtest/gtest.h>

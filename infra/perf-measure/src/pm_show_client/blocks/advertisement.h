@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a delay session has advertised, and when it looks for something to advertise again.
 #pragma once
 

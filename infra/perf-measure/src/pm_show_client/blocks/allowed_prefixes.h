@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the displays of allowed queriers and of allowed responders have in common: the prefixes from which packets are
 // accepted, and the UDP ports that are open for them.
 #pragma once

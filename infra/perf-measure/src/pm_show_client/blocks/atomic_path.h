@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One atomic path of an SR policy's segment list.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the displays of checkpoint blobs share.
 #pragma once
 

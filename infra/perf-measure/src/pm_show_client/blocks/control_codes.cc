@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pm_show_client/blocks/control_codes.h"
 
 #include "pm_show_client/blocks/label_lines.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Control codes that a responder sent.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Counter blocks: packets, errors and probes of a measurement session, in one shape for all
 // displays. With `detail` the errors are listed by reason, sent and received apart.
 #pragma once

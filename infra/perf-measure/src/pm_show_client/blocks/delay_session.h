@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The delay session of interfaces, endpoints and session items.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tables of endpoints: delays, liveness states and probes.
 #pragma once
 

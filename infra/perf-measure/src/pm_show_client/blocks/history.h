@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The histories of a measurement, as tables.
 #pragma once
 

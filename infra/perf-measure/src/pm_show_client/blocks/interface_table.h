@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of interfaces: the delays that were measured.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lines of a label and a value, with the colons of a block in one column.
 #pragma once
 

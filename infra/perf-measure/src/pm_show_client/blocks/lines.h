@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines that every block is made of: indented text, headings and empty lines. Those of a label and a value are
 // in label_lines.h.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Liveness detection of a session.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The loss session of an interface and of its bundle members.
 #pragma once
 

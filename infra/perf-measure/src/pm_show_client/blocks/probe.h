@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a probe has measured, and what it does next.
 #pragma once
 

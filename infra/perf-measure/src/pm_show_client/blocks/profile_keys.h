@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which profile a session runs with.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines that profiles of all kinds are made of. The colons are in column PM_COLON whatever
 // the indent; a profile's own lines are at indent 4, what belongs to one of them is further in.
 #pragma once

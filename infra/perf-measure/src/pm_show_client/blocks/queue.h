@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The block of an operation queue: its size, its enqueues and its high water mark.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reply counters of the responder, of one interface or of the whole node.
 #pragma once
 

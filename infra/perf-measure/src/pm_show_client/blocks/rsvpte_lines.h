@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lines that the counters and the history of an RSVP-TE tunnel share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The delay session of one LSP of an RSVP-TE tunnel.
 #pragma once
 

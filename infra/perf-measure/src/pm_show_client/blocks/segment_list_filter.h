@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The filter of segment lists that the endpoint displays share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Segments of a segment list, and the hops and labels of a path.
 #pragma once
 

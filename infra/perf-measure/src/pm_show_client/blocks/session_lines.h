@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lines that many blocks of a session share, each with its one wording.
 #pragma once
 

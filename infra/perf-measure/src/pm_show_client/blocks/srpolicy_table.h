@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tables of SR policies: delays, and liveness states.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pm_show_client/blocks/tables.h"
 
 #include "base/pm_output.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tables of sessions share. A row has no line end of its own: the line break before the next item,
 // or the end of the listing, ends it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of points in time, and durations and ages as the displays print them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Called by no show: label lines with their column and indent as arguments. Displays print them through label_lines.h.
 #pragma once
 

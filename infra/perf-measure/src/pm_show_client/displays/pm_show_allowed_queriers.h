@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The prefixes of allowed queriers, and the ports on which the responder receives their packets.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pm_show_client/displays/pm_show_allowed_responders.h"
 
 #include "pm_show_client/blocks/allowed_prefixes.h"

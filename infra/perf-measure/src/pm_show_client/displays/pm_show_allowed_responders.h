@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The prefixes of allowed responders, and the ports on which the querier receives their packets, on
 // the CPU and on NPUs.
 #pragma once

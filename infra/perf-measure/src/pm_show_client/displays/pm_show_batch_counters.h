@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The counters of batched messages: how many messages and batches of each kind, their sizes and
 // latencies.
 #pragma once

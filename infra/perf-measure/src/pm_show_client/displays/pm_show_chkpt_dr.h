@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checkpointed distribution records: the line cards that each is distributed to.
 #pragma once
 

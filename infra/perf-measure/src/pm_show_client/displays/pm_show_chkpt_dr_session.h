@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checkpointed distributed sessions: where each SR policy's session is hosted, its liveness and
 // that of its segment lists.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The session checkpoints: for each measured interface the last advertisement and the control codes
 // that were received last.
 #pragma once

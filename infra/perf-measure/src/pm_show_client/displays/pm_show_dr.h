@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the sessions of an SR policy are distributed: those on the route processor, those offloaded to
 // NPUs, and which session measures which segment list.
 #pragma once

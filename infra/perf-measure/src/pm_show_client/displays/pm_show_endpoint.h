@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Endpoints: delay, liveness and probe measurement, each as detail and as a table.
 #pragma once
 

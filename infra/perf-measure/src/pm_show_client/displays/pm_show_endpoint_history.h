@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The histories of an endpoint's segment lists.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Interfaces that are measured: a table, or their detail.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The counters of the delay sessions of an interface.
 #pragma once
 

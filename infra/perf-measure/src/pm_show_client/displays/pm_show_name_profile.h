@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One measurement profile: how probes of a kind are sent, measured and advertised on a transport.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The state machine of the measurement process: its role and state, role changes, when it entered each
 // state, its connections to other processes, and the events so far.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The default measurement profiles: how probes of each kind are sent, measured and advertised on each transport.
 #pragma once
 

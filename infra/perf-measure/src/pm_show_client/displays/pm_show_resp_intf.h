@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An interface of the responder: its attributes and its reply rate.
 #pragma once
 

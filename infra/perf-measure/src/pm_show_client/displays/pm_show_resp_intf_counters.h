@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reply counters of an interface of the responder.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The responder's summary: its interfaces, reply counters and reply rate.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RSVP-TE tunnels: their delay sessions as detail or as a table.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The receive path's summary: packets, errors and punt rates, the queues between the receiving
 // threads, and the UDP ports that are open for each use.
 #pragma once

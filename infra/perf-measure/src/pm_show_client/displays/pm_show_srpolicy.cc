@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pm_show_client/displays/pm_show_srpolicy.h"
 
 #include "platform/address.h"

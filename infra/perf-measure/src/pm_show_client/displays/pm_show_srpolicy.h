@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SR policies: their detail, a table of delays and a table of liveness states.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Counters of SR policies: those of the sessions on the CPU, then of those offloaded to network processors.
 #pragma once
 

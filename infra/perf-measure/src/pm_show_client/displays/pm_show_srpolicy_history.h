@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The histories of an SR policy's candidate paths, of their segment lists and of the atomic paths in those.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The infrastructure summary: how many interfaces, SR policies, endpoints and RSVP-TE tunnels have
 // measurement sessions, the session totals of each transport and measurement kind, the global
 // counters, the probe sessions and the sessions offloaded to each NPU.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the platform supports for injecting and punting measurement packets.
 #pragma once
 

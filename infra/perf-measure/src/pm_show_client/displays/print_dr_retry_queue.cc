@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pm_show_client/displays/print_dr_retry_queue.h"
 
 #include "base/pm_assert.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The queue of distribution records that wait for another try.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The line cards to which sessions can be distributed, and the offload capability and capacity of
 // their NPUs.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the packets per second of the service are divided between the kinds of sessions, on the route
 // processor and on each NPU.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of IP addresses.
 #include "platform/address.h"
 

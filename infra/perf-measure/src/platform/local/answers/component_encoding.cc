@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any text as one path component and back.
 #include <charconv>
 #include <cstdlib>

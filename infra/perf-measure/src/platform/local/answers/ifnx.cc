@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Interface names: taken apart, and looked up by handle.
 #include "platform/ifnx.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inventory, redundancy and node identity, from the store.
 #include "platform/node.h"
 

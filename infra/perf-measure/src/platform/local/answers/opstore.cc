@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The database client: branches, listings and single items, answered from the store.
 #include "platform/opstore.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The router that the store describes: its nodes, its own identity and its interface names.
 #pragma once
 

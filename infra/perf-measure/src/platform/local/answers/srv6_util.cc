@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names of SRv6 SID formats and endpoint behaviours. See platform/srv6_util.h.
 #include "platform/srv6_util.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether the store can be read at all, and its opening.
 #include "platform/local/answers/store_client.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process's store as the answers of this room use it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opens the store that a URL names for reading, whichever back end it takes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The back ends that can be written, by the scheme of their URLs.
 #include "platform/local/back_ends/writers.h"
 

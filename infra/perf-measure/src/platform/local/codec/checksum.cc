@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checksum by the form of the library's algorithm that this machine runs best.
 #include "platform/local/codec/checksum.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checksum of parcels and the fingerprint of schemas: XXH3-64 with seed 0.
 #pragma once
 

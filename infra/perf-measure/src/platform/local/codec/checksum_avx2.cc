@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checksum compiled for AVX2, which only this file is.
 #include "platform/local/codec/checksum_avx2.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The checksum for processors with AVX2; half the time on parcels of a few hundred bytes and more.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The codec's entry points: parcels with their headers, and the plans made so far.
 #include "platform/local/codec/parcel_codec.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The local platform's parcel codec beyond platform/parcel.h: encoding, for the serving side, and
 // the schemas of records that were written by another version. docs/parcel-encoding.md gives the
 // wire form.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The decoder: a walk over the steps of a plan, from the bytes of a parcel into a structure.
 #include "platform/local/codec/parcel_decoder.h"
 

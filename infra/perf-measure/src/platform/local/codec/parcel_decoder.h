@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decodes the fields of a parcel by a plan, and finds again what decoding allocated.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encoder: a walk over the steps of a plan, from a structure to the bytes of a parcel.
 #include "platform/local/codec/parcel_encoder.h"
 

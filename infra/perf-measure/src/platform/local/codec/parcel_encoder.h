@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encodes the fields of a structure by a plan.
 #pragma once
 

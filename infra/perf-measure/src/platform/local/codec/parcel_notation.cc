@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A recursive-descent parser of the schema notation, and look-ups in what it gives.
 #include "platform/local/codec/parcel_notation.h"
 

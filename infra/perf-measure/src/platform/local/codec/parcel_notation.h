@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The description of a record type, made once from its schema text: the codec, the JSON of perf-store and
 // the schema compiler all work from it.
 //

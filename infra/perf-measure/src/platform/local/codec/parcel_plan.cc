@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compiles decode plans from the descriptions of the two schemas.
 #include "platform/local/codec/parcel_plan.h"
 

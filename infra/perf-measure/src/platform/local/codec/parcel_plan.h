@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decode plans: a descriptor's schema and layout, compiled into a flat list of steps.
 //
 // A plan is made once per record type (and once more for each other schema that a stored record

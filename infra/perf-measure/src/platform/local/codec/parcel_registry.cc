@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Registration: which record types this process serves, one descriptor for each name.
 #include <algorithm>
 #include <vector>

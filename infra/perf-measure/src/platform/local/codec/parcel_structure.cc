@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sizes and offsets of described types: taken from a layout table, or laid out as the C language does.
 #include <algorithm>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What decoder, encoder and header share: bytes of the wire form and of the structures.
 #pragma once
 

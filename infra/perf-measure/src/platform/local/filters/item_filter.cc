@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes derived paths apart and matches items by their detail records.
 #include "platform/local/filters/item_filter.h"
 

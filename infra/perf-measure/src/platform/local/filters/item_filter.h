@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Derived item paths: what the measurement service would answer to a filter.
 //
 //   X-filter/KEY/            the items of X/ whose detail record matches KEY (SR policies, endpoints,

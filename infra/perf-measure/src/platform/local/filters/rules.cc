@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tables of what each component of a filter key compares, one for each family.
 #include "platform/local/filters/rules.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a filter key compares in the detail records.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the components of filter keys.
 #include "platform/local/filters/wanted_component.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One component of a filter key, read once for a whole listing.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Who may read the store in a folder.
 #include <cerrno>
 #include <cstdio>

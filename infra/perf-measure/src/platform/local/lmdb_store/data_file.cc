@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the two meta pages at the start of an LMDB file.
 #include "platform/local/lmdb_store/data_file.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The store's data file, as far as it can be known without LMDB.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opens the environment and begins its read transactions.
 #include "platform/local/lmdb_store/environment.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The store's LMDB environment opened for reading.
 #pragma once
 

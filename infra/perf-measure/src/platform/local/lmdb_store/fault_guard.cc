@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The signal handlers of guarded bodies.
 #include "platform/local/lmdb_store/fault_guard.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Turns the faults of a damaged store into an error code.
 //
 // LMDB reads its file through a memory map and trusts it: a file cut short raises SIGBUS, a wild

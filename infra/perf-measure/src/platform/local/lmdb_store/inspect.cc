@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Puts names to what a walk through the pages finds.
 #include "platform/local/lmdb_store/inspect.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A reading of an embedded store that goes on where something is wrong.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs of records, and the links at their ends.
 #include "platform/local/lmdb_store/link_keeper.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Changes of the table that keep the links between neighbours right.
 #pragma once
 

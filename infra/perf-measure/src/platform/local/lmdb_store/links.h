@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Links between neighbours: each record of the table carries a checksum of its key and the one before it, so that
 // every reading sees whether a record that was written is missing.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Answers out of one read transaction each.
 #include "platform/local/lmdb_store/lmdb_reader.h"
 

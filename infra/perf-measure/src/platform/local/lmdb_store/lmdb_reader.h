@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The embedded store's side of store/reader.h: an LMDB environment in a folder.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records into keys and values of one transaction.
 #include "platform/local/lmdb_store/lmdb_writer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The embedded store's side of store/writer.h: one LMDB transaction.
 #pragma once
 

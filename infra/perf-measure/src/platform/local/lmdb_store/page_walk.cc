@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Walks an LMDB tree with every number checked before it is used.
 #include "platform/local/lmdb_store/page_walk.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the pages of a store's table one by one, without LMDB, which ends at the first that is damaged.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bounds the pages of a transaction by the size of its table, and reserves ahead of them.
 #include "platform/local/lmdb_store/reserve.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Room on the file system for pages that are written through the map: there a full disk would be a fault.
 #pragma once
 

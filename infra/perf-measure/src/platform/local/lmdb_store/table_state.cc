@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Single records of a state of the table.
 #include "platform/local/lmdb_store/table_state.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One consistent state of the store's table, and what LMDB's results mean. Every use of it is inside
 // fault_guard::guarded: the file is not trusted.
 #pragma once

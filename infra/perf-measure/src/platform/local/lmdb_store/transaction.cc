@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opens the store for writing, and reads and writes in one transaction.
 #include "platform/local/lmdb_store/transaction.h"
 

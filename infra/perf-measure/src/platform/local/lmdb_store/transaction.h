@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A write transaction on the store's table, and the data file while it is at work. The lowest layer of writing:
 // what it takes and gives are keys and values.
 #pragma once

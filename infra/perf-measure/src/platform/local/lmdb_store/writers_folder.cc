@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes and locks the folder, and moves a new store into its place.
 #include "platform/local/lmdb_store/writers_folder.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The folder of a store while a writer is at work in it.
 //
 // A store that does not exist yet is made in a folder of its own inside this one and comes into its place

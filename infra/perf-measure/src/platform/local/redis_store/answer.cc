@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keeps the elements of small replies.
 #include "platform/local/redis_store/answer.h"
 

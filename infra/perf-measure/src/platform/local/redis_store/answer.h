@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Replies as those who send commands take them: one that keeps whatever comes, for replies of bounded size.
 #pragma once
 

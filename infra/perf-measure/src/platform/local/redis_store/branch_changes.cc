@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Collects changes so that the last one of each item is left.
 #include "platform/local/redis_store/branch_changes.h"
 

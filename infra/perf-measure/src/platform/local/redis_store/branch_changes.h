@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Changes of a branch that are not in the server yet.
 #pragma once
 

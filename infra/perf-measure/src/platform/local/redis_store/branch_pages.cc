@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Queries of pages as commands, and their answers.
 #include "platform/local/redis_store/branch_pages.h"
 

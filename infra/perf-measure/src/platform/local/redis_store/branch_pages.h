@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the pages of a branch one after another, with its publisher's state, and asks for one ahead.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Exchanges, and what is done when a server is not ready or a connection is lost.
 #include "platform/local/redis_store/client.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands to the store's server and their answers, over a connection that is made when it is needed and again when it
 // was lost.
 //

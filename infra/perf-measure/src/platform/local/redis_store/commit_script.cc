@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commits through MULTI and through a script.
 #include "platform/local/redis_store/commit_script.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Changes that take effect in one step: all of them or none.
 #pragma once
 

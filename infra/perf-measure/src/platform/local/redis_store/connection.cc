@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Connecting, sending and receiving on a non-blocking socket.
 #include "platform/local/redis_store/connection.h"
 

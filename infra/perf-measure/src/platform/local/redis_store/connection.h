@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A byte stream to one server: a socket, or TLS over one, with a deadline for everything that waits.
 //
 // Errors have the code OPSTORE_NO_CLIENT and a text that names the server. After an error the connection is useless.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads the router's keys.
 #include "platform/local/redis_store/directory.h"
 

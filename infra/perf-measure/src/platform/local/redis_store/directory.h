@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a store keeps of the router as a whole: its marks, the inventory and the list of branches.
 #pragma once
 

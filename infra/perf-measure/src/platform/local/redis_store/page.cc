@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Members into items.
 #include "platform/local/redis_store/page.h"
 

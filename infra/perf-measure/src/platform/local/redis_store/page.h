@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pages: the items of a range of a branch, as the server's answer brings them.
 #pragma once
 

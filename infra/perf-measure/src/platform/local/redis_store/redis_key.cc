@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes keys, and bounds of ranges.
 #include "platform/local/redis_store/redis_key.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The names of the store's keys in a server, the form of what is in them, and ranges of items.
 //
 // docs/networked-store.md is the full account. An item is a member of its branch's sorted set, with the score 0:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Answers out of pages, hashes and lists.
 #include "platform/local/redis_store/redis_reader.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The networked store's side of store/reader.h: sorted sets of a Redis server.
 #pragma once
 

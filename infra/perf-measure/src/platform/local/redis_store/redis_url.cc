@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes the URL of a networked store apart, from its scheme to its options.
 #include "platform/local/redis_store/redis_url.h"
 

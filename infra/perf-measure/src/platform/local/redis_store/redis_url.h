@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The URL of a networked store, taken apart.
 //
 //     redis://HOST[:PORT][,HOST[:PORT]...][/DB][?OPTIONS]     over TCP

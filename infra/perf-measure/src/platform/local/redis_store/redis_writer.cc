@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records into commands that take effect in one step.
 #include "platform/local/redis_store/redis_writer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The networked store's side of store/writer.h: changes that take effect in one step.
 #pragma once
 

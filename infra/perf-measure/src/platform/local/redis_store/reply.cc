@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // hiredis' reader with functions that hand each element on instead of making an object of it.
 #include "platform/local/redis_store/reply.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Replies of a server, read element by element into whatever the caller keeps.
 //
 // The wire form is RESP2 (https://redis.io/docs/reference/protocol-spec). hiredis' reader takes it apart; its elements

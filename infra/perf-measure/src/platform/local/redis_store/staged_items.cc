@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Changes into commands: of the branches' own sets, or of staged ones.
 #include "platform/local/redis_store/staged_items.h"
 

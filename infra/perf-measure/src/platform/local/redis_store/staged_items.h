@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The changes of a writer's branches: kept here while they are few, and then staged in the server, as sets that take
 // the branches' places when the writer commits.
 #pragma once

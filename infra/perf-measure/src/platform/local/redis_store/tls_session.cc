@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // TLS through OpenSSL: the server's certificate is always verified.
 #include "platform/local/redis_store/tls_session.h"
 

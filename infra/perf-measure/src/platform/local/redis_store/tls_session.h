@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // TLS over a connected, non-blocking socket.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes, prolongs and gives back the lock.
 #include "platform/local/redis_store/writer_lock.h"
 

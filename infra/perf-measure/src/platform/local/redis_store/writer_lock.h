@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lock of the one writer at work: a key with the writer's token and an expiry, which the writer refreshes; so a
 // killed writer keeps the others waiting for a while only.
 #pragma once

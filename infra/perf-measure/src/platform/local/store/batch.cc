@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The memory of a batch: one block, which grows only for an item that is larger than it.
 #include "platform/local/store/batch.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Items read from a branch, in memory of their own: nothing of the store is held while they are used.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where items are kept: data roots, their branches on the nodes, and the processes that serve them.
 #pragma once
 

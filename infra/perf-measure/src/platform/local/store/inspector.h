@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A reading of a whole store that goes on where something is wrong: what is there, and what is lost.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The system's boot and the time since it.
 #include "platform/local/store/lease.h"
 

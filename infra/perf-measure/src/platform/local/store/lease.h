@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How long a store takes a running process's word for it, where nothing but the store tells that it died.
 //
 // The time is that since the host was booted, which nobody sets and which goes on while the host sleeps; so a lease is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The interface of a store that is read. Each back end implements it in a folder of its own;
 // platform/local/back_ends opens the one that the store's URL names.
 //

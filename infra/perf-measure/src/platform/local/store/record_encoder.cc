@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records into sealed values.
 #include "platform/local/store/record_encoder.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records on their way into a store: encoded, sealed, and the schemas of their types noticed.
 #pragma once
 

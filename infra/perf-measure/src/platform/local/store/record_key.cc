@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes keys and takes them apart.
 #include "platform/local/store/record_key.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The key of a record: one letter for what it names (key_space) and the name itself, numbers in big-endian order, so
 // that the items of a branch are together in the byte order of their paths.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Checksums of keys before the parcels.
 #include "platform/local/store/seal.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values of the store: a record is kept as the checksum of its key and its parcel, so that a record that has come to
 // be under another key is noticed.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes the store's URL apart.
 #include "platform/local/store/store_url.h"
 

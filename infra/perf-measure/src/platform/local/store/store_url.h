@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The URL that names the store: a back end's scheme, ':' and what that back end makes of the rest.
 #pragma once
 

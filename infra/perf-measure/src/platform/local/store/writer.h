@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The interface of a store that is written: one transaction that is committed whole or leaves no trace.
 //
 // A failure ends the transaction; the store is then as it was before it began. Its text names the store and is ready
