@@ -39,7 +39,7 @@ expect() {
     [ "$actual" = "$expected" ] || fail "'perf-store $*' offers '$actual' instead of '$expected'"
 }
 
-expect 'dump gen get load ls rm schema stat types' ''
+expect 'dump gen get load ls rm schema stat types verify' ''
 expect 'dump' d
 expect '--help --version' -
 expect '--root' dump --r
