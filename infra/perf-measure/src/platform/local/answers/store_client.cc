@@ -33,7 +33,7 @@ void report(const pm_error &error) {
 
 bool opstore_client_present() {
     const store::access_state access = store::check_access();
-    report(access.denial);
+    report(access.readable || access.denial ? access.denial : pm_error(OPSTORE_NO_CLIENT));
     return access.readable;
 }
 
