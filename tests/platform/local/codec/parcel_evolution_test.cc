@@ -146,10 +146,12 @@ TEST(Evolution, EmptyRecordsThatDoubleWithoutEndAreRefused) {
     EXPECT_EQ(compile(chain("{A}a(@){B}@{C}@", 60, "{A}D")), PARCEL_UNKNOWN_SCHEMA);
 }
 
-TEST(Evolution, AsManyTypesWithinArraysAsASchemaMayHaveAreCompiled) {
-    EXPECT_EQ(compile(chain("{A}a(@)", 4096, "{A}D")), ERRCODE_SUCCESS);
+// At most 256 levels below the record itself.
+TEST(Evolution, TypesWithinArraysNestToABound) {
+    EXPECT_EQ(compile(chain("{A}a(@)", 257, "{A}D")), ERRCODE_SUCCESS);
+    EXPECT_EQ(compile(chain("{A}a(@)", 258, "{A}D")), PARCEL_UNKNOWN_SCHEMA);
+    EXPECT_EQ(compile(chain("{A}a(@)", 4096, "{A}D")), PARCEL_UNKNOWN_SCHEMA);
     EXPECT_EQ(compile(chain("{A}16A(16A(@))", 4096, "{A}D")), PARCEL_UNKNOWN_SCHEMA);
-    EXPECT_EQ(compile(chain("{A}a(@)", 4097, "{A}D")), PARCEL_UNKNOWN_SCHEMA);
 }
 
 TEST(Evolution, HostileSchemasAreRefused) {

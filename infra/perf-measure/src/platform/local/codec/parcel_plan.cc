@@ -22,6 +22,8 @@ using parcel_notation::schema;
 constexpr std::uint32_t MAX_FLATTENING = 64;    // of records that are in one another by value
 constexpr std::size_t MAX_STEPS = 1U << 16;     // of a whole plan; a hostile schema could double without end
 constexpr std::uint32_t MAX_PASSED = 1U << 24;  // bytes in one step
+// Of programs that call each other, a level of the stack each. Values nest less deeply (docs/parcel-encoding.md).
+constexpr std::uint32_t MAX_NESTING = 256;
 
 // A program while it is made.
 struct draft {
@@ -88,11 +90,17 @@ private:
         if (const auto known = made_.find(key); known != made_.end()) {
             return known->second;
         }
+        if (nesting_ == MAX_NESTING) {
+            fail(PARCEL_UNKNOWN_SCHEMA);
+            return 0;
+        }
         const auto index = static_cast<std::uint32_t>(plan_->programs.size());
         made_.emplace(key, index);  // before its steps: a type may hold itself
         plan_->programs.emplace_back();
         draft next;
+        ++nesting_;
         add_type(&next, writer, reader, 0, 0);
+        --nesting_;
         finish(index, next);
         if (reader != nullptr && next.steps.size() == 1 && next.steps[0].kind == step_kind::copy &&
             next.steps[0].offset == 0 && next.steps[0].count == reader->size) {
@@ -312,6 +320,7 @@ private:
     std::map<std::pair<const data_type *, const data_type *>, std::uint32_t> made_;
     std::map<const data_type *, bool> empty_;
     std::size_t steps_ = 0;
+    std::uint32_t nesting_ = 0;  // of programs that are being made
     errcode error_ = ERRCODE_SUCCESS;
 };
 
