@@ -29,7 +29,7 @@ examples() {
 }
 
 # Whether a show has more than the headers of nodes.
-shows() { grep -v '^ *$\|^-*$\|^rp[0-9]*$\|^lc[0-9]*$' "$1" | grep -qv 'Item not found\|PM process is not running'; }
+shows() { grep -v '^ *$\|^-*$\|^rp[0-9]*$\|^lc[0-9]*$' "$1" | grep -v 'Item not found\|PM process is not running' >/dev/null; }
 
 run() {
     local line=$1
