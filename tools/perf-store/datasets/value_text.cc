@@ -6,20 +6,13 @@
 #include <cstring>
 
 #include "base/pm_address_text.h"
+#include "base/pm_hex_digit.h"
 
 namespace perf_store {
 
 namespace {
 
 constexpr std::size_t MAC_OCTETS = 6;
-
-int hex_digit(char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
 
 // Most numbers: up to 18 decimal digits, the first of which is no 0 that makes them octal.
 bool parse_short_decimal(std::string_view text, std::uint64_t *value) {
@@ -141,8 +134,8 @@ bool parse_hexadecimal(std::string_view text, std::uint8_t *octets) {
         return false;
     }
     for (std::size_t i = 0; i < text.size(); i += 2) {
-        const int high = hex_digit(text[i]);
-        const int low = hex_digit(text[i + 1]);
+        const int high = pm_hex_digit(text[i]);
+        const int low = pm_hex_digit(text[i + 1]);
         if (high < 0 || low < 0) {
             return false;
         }

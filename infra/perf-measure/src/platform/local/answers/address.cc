@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/pm_address_text.h"
+#include "base/pm_hex_digit.h"
 
 namespace {
 
@@ -24,19 +25,11 @@ char *next_slot() {
     return slot;
 }
 
-int hex_digit(char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 // Two digits an octet; false for anything else.
 bool read_hexadecimal(std::string_view text, std::uint8_t *octets) {
     for (std::size_t i = 0; i < text.size(); i += 2) {
-        const int high = hex_digit(text[i]);
-        const int low = hex_digit(text[i + 1]);
+        const int high = pm_hex_digit(text[i]);
+        const int low = pm_hex_digit(text[i + 1]);
         if (high < 0 || low < 0) {
             return false;
         }

@@ -8,19 +8,13 @@
 #include <memory>
 #include <optional>
 
+#include "base/pm_hex_digit.h"
+
 namespace redis_store {
 namespace {
 
 constexpr std::size_t MAX_PASSWORD_LENGTH = 4096;
 constexpr std::string_view PREFIX_ALPHABET = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-:";
-
-int hexadecimal_digit(char digit) {
-    if (digit >= '0' && digit <= '9') {
-        return digit - '0';
-    }
-    const char letter = static_cast<char>(digit | 0x20);
-    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
-}
 
 // The text with its %XX replaced; none when one of them is cut short, no number or a zero byte.
 std::optional<std::string> decode(std::string_view text) {
@@ -30,8 +24,8 @@ std::optional<std::string> decode(std::string_view text) {
             decoded += text[at];
             continue;
         }
-        const int high = at + 1 < text.size() ? hexadecimal_digit(text[at + 1]) : -1;
-        const int low = at + 2 < text.size() ? hexadecimal_digit(text[at + 2]) : -1;
+        const int high = at + 1 < text.size() ? pm_hex_digit(text[at + 1]) : -1;
+        const int low = at + 2 < text.size() ? pm_hex_digit(text[at + 2]) : -1;
         if (high < 0 || low < 0 || (high == 0 && low == 0)) {
             return std::nullopt;
         }
