@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Records that were written with another version of their type's schema.
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
@@ -101,6 +102,54 @@ TEST(Evolution, AnArmThatTheReaderLacksIsSkippedAndKeepsItsDiscriminator) {
     EXPECT_EQ(decoded.as<choice>().Kind, 5U);
     EXPECT_EQ(decoded.as<choice>().Text, nullptr);
     EXPECT_EQ(decoded.as<choice>().After, 9U);
+}
+
+// Such a record is passed over and zero in the structure, also where its bytes would have a place there.
+TEST(Evolution, ARecordOfWhichTheReaderKnowsNoFieldStaysZero) {
+    const parcel_descriptor *writer = make_type("$1={List}a($2){One}p($2){Two}2A($2){Last}D;$2={Old}D{Older}D;",
+                                                {{1, 48, {0, 16, 24, 40}}, {2, 8, {0, 4}}});
+    const parcel_descriptor *reader =
+        make_type("$1={List}a($2){One}p($2){Two}2A($2){Last}D;$2={New}D;", {{1, 40, {0, 16, 24, 32}}, {2, 4, {0}}});
+    struct old {
+        std::uint32_t Old, Older;
+    } list[2] = {{1, 2}, {3, 4}};
+    struct written {
+        parcel_array<old> List;
+        old *One;
+        old Two[2];
+        std::uint32_t Last;
+    } record{{2, list}, list, {{5, 6}, {7, 8}}, 9};
+    static_assert(sizeof(written) == 48);
+    struct read {
+        parcel_array<std::uint32_t> List;
+        std::uint32_t *One;
+        std::uint32_t Two[2];
+        std::uint32_t Last;
+    };
+    static_assert(sizeof(read) == 40);
+    const decoded_record decoded(encode(&record, writer), reader);
+    ASSERT_EQ(decoded.code(), ERRCODE_SUCCESS);
+    const auto &got = decoded.as<read>();
+    ASSERT_EQ(got.List.count, 2U);
+    EXPECT_EQ(got.List.elements[0], 0U);
+    EXPECT_EQ(got.List.elements[1], 0U);
+    EXPECT_EQ(*got.One, 0U);
+    EXPECT_EQ(got.Two[0], 0U);
+    EXPECT_EQ(got.Two[1], 0U);
+    EXPECT_EQ(got.Last, 9U);
+}
+
+TEST(Evolution, AnArmOfWhichTheReaderKnowsNoFieldWritesNothingBesideItsPlace) {
+    const parcel_descriptor *writer = make_type("$1={Choice}$2;$2=?(<Kind,kind_e>,5:{Arm}$3);$3={Old}256A(D);",
+                                                {{2, 1028, {0}}, {2, 1028, {0, 4}}, {3, 1024, {0}}});
+    const parcel_descriptor *reader =
+        make_type("$1={Choice}$2;$2=?(<Kind,kind_e>,5:{Arm}$3);$3={New}D;", {{2, 8, {0}}, {2, 8, {0, 4}}, {3, 4, {0}}});
+    std::uint32_t record[257] = {5};
+    std::fill(record + 1, record + 257, ~0U);
+    const decoded_record decoded(encode(record, writer), reader);
+    ASSERT_EQ(decoded.code(), ERRCODE_SUCCESS);
+    EXPECT_EQ(decoded.as<std::uint32_t[2]>()[0], 5U);
+    EXPECT_EQ(decoded.as<std::uint32_t[2]>()[1], 0U);
 }
 
 TEST(Evolution, ASchemaThatNobodyKeptIsRefused) {

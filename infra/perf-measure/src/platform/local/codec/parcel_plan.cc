@@ -102,14 +102,21 @@ private:
         add_type(&next, writer, reader, 0, 0);
         --nesting_;
         finish(index, next);
-        if (reader != nullptr && next.steps.size() == 1 && next.steps[0].kind == step_kind::copy &&
-            next.steps[0].offset == 0 && next.steps[0].count == reader->size) {
-            plan_->programs[index].flat = next.steps[0].count;
-        }
-        if (next.steps.size() == 1 && next.steps[0].kind == step_kind::pass) {
+        if (is_flat(next, reader)) {
             plan_->programs[index].flat = next.steps[0].count;
         }
         return index;
+    }
+
+    // Whether a value is one copy of the whole structure that the reader has for it, or is passed at once where the
+    // reader has none. A record of which the reader knows no field is neither: it is passed, and zero in the structure.
+    static bool is_flat(const draft &made, const data_type *reader) {
+        if (made.steps.size() != 1) {
+            return false;
+        }
+        const plan_step &only = made.steps[0];
+        return reader == nullptr ? only.kind == step_kind::pass
+                                 : only.kind == step_kind::copy && only.offset == 0 && only.count == reader->size;
     }
 
     // Whether a step can put a pointer into the structure that it belongs to. An arm that the reader does not
