@@ -14,7 +14,7 @@ fail() {
     exit 1
 }
 
-for script in demo check bench; do
+for script in demo check bench fuzz; do
     ln -s "$scripts/$script" "$work/link"
     for way in "$scripts/$script" "$work/link"; do
         "$way" --help >"$work/out" 2>"$work/err" || fail "$way --help: status $?"
@@ -27,3 +27,13 @@ for script in demo check bench; do
     done
     rm "$work/link"
 done
+
+for wrong in 0 -1 1.5 10000000 --cover; do
+    status=0
+    "$scripts/fuzz" "$wrong" >"$work/out" 2>"$work/err" || status=$?
+    [ $status -eq 1 ] || fail "fuzz $wrong: status $status"
+    grep -qx "scripts/fuzz: unknown argument $wrong (see scripts/fuzz --help)" "$work/err" || fail "fuzz $wrong: $(cat "$work/err")"
+done
+status=0
+"$scripts/fuzz" 5 6 >"$work/out" 2>"$work/err" || status=$?
+[ $status -eq 1 ] && grep -q '^scripts/fuzz: unknown argument 6' "$work/err" || fail "fuzz 5 6: $(cat "$work/err")"
