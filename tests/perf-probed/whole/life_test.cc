@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include "tests/perf-probed/support/live.h"
+#include "tests/support/redis_server.h"
 
 namespace {
 
@@ -30,15 +31,38 @@ TEST(life, is_published_within_seconds_and_stopped_at_the_end) {
               std::string::npos);
 }
 
-TEST(life, is_shown_as_not_running_seconds_after_it_was_killed) {
-    live_service service(self(18702));
-    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+// Whether a dump says so of each branch that the service serves.
+bool dumps(const live_service &service, const std::string &state) {
+    std::string expected = "{\"dataset\":{\"version\":1}}\n";
+    for (const char *const root : {"main", "resp", "rx"}) {
+        expected += std::string(R"({"publisher":{"root":")") + root + R"(","node":1,"state":")" + state + "\"}}\n";
+    }
+    return service.run(PERF_STORE " dump --path none").out == expected;
+}
+
+// A service that nobody could tell its end is shown, and dumped, as stopped once its lease has run out.
+void expect_lease_to_end(live_service &service) {
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); })) << service.log();
+    EXPECT_TRUE(dumps(service, "running")) << service.run(PERF_STORE " dump --path none").out;
     service.process().end(SIGKILL);
     EXPECT_TRUE(service.shows("-c 26", "Endpoint name: a"));
     EXPECT_TRUE(within(7, [&] { return !service.shows("-c 26", "Endpoint name: a"); }));
     EXPECT_TRUE(service.shows("-c 26", "PM process is not running"));
+    EXPECT_TRUE(dumps(service, "stopped")) << service.run(PERF_STORE " dump --path none").out;
     service.start();
     EXPECT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    EXPECT_TRUE(dumps(service, "running")) << service.run(PERF_STORE " dump --path none").out;
+}
+
+TEST(life, is_shown_as_not_running_seconds_after_it_was_killed) {
+    live_service service(self(18702));
+    expect_lease_to_end(service);
+}
+
+TEST(life, is_shown_as_not_running_by_a_server_seconds_after_it_was_killed) {
+    const redis_server server;
+    live_service service(self(18711), "", server.url());
+    expect_lease_to_end(service);
 }
 
 TEST(life, is_not_shown_while_it_is_suspended_and_makes_up_for_nothing) {
