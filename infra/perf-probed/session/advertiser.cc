@@ -146,7 +146,7 @@ void advertiser::withdraw(pm_advert_reason_e reason, const moment &now) {
 }
 
 void advertiser::link_down(const moment &now) {
-    if (is_advertised_) {
+    if (is_advertised_ && last_.reason != PM_ADVERT_REASON_LINK_DOWN) {
         advertise(PM_ADVERT_REASON_LINK_DOWN, last_.values, now);
     }
 }

@@ -43,7 +43,7 @@ public:
     // A static delay in microseconds is advertised from now on; none: no more.
     void set_static_delay(std::optional<std::uint32_t> delay_usec, const moment &now);
 
-    // The link is down: the last values are advertised once more for this reason.
+    // The link is down: the last values are advertised once more for this reason, once.
     void link_down(const moment &now);
     // Takes back what is advertised, for one of the reasons that withdraw values. Does nothing when nothing is.
     void withdraw(pm_advert_reason_e reason, const moment &now);

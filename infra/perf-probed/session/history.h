@@ -10,7 +10,8 @@ namespace probed {
 template <class T>
 class history {
 public:
-    explicit history(std::size_t capacity = 0) : capacity_(capacity) {}
+    // Has all its memory from the beginning: entries are added while packets are received.
+    explicit history(std::size_t capacity = 0) : capacity_(capacity) { entries_.reserve(capacity); }
 
     // Forgets the oldest when full. With a capacity of 0 nothing is kept.
     void add(const T &entry) {

@@ -19,11 +19,10 @@ void session::set_reason(pm_probe_running_error_reason reason, const moment &now
     if (reason == reason_) {
         return;
     }
-    const bool was_running = is_running();
     reason_ = reason;
     if (reason == PM_NOT_RUNNING_NONE) {
         started(now, delay);
-    } else if (was_running) {
+    } else {
         next_send_ = NEVER;
         stopped(now, reason);
     }

@@ -108,6 +108,7 @@ public:
 
 protected:
     virtual void started(const moment &now, mono_nsec delay) = 0;
+    // It does not run any more, or for another reason than before.
     virtual void stopped(const moment &now, pm_probe_running_error_reason reason) = 0;
 
     void count_failure(send_failure reason) { ++counters_.send_errors[static_cast<unsigned>(reason)]; }
