@@ -88,7 +88,11 @@ pm_error prober::apply(const config &settings, const host_state &host) {
     host_ = host;
     const std::vector<const session_plan *> added = keep_or_remove(plans, now);
     for (const auto &entry : entries_) {
-        if (entry != nullptr && !entry->removed_at && !entry->plan.key_file().empty()) {
+        if (entry == nullptr || entry->removed_at) {
+            continue;
+        }
+        entry->run->resize_histories(settings.histories);
+        if (!entry->plan.key_file().empty()) {
             entry->key = keys.at(entry->plan.key_file());
         }
     }

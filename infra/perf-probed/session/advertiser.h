@@ -40,6 +40,11 @@ public:
     // The settings changed. What was advertised stays, unless advertising ended.
     void reconfigure(const advertisement_settings &settings, std::uint32_t computations, const moment &now);
 
+    void resize_histories(const history_sizes &sizes) {
+        advertised_.resize(sizes.advertisement);
+        aggregated_.resize(sizes.aggregated);
+    }
+
     // A static delay in microseconds is advertised from now on; none: no more.
     void set_static_delay(std::optional<std::uint32_t> delay_usec, const moment &now);
 

@@ -53,6 +53,10 @@ public:
     // Takes back what is advertised: cleared by a person, or as the session is about to be removed.
     void withdraw(pm_advert_reason_e reason, const moment &now) { advertiser_.withdraw(reason, now); }
 
+    void resize_histories(const history_sizes &sizes) override {
+        probes_.resize(sizes.probe);
+        advertiser_.resize_histories(sizes);
+    }
     [[nodiscard]] mono_nsec deadline() override;
     [[nodiscard]] bool on_timer(const moment &now) override;
     void sent(const moment &now, std::uint64_t stamp_bits) override;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace probed {
@@ -24,6 +25,18 @@ public:
             entries_[first_] = entry;
             first_ = (first_ + 1) % capacity_;
         }
+    }
+
+    // Keeps the newest.
+    void resize(std::size_t capacity) {
+        if (capacity == capacity_) {
+            return;
+        }
+        history resized(capacity);
+        for (std::size_t index = 0; index < size(); ++index) {
+            resized.add((*this)[index]);
+        }
+        *this = std::move(resized);
     }
 
     void clear() {

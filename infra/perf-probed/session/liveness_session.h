@@ -25,6 +25,7 @@ public:
     // Other settings for the same session, which stays in its state.
     void reconfigure(const liveness_profile &profile, std::uint32_t tx_interval_usec, const moment &now);
 
+    void resize_histories(const history_sizes &sizes) override { changes_.resize(sizes.liveness); }
     [[nodiscard]] mono_nsec deadline() override;
     [[nodiscard]] bool on_timer(const moment &now) override;
     void sent(const moment &now, std::uint64_t stamp_bits) override;

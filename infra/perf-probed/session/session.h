@@ -11,6 +11,7 @@
 
 #include "perf-probed/schedule/clocks.h"
 #include "perf-probed/session/packet_window.h"
+#include "perf-probed/session/profile.h"
 #include "schema/pm_enums.h"
 
 namespace probed {
@@ -83,6 +84,9 @@ public:
 
     // Starts, stops, or changes the reason. Starting sends the first packet `delay` later.
     void set_reason(pm_probe_running_error_reason reason, const moment &now, mono_nsec delay = 0);
+
+    // Other sizes of its histories, which keep the newest entries.
+    virtual void resize_histories(const history_sizes &sizes) = 0;
 
     // When on_timer is due next; NEVER while nothing is.
     [[nodiscard]] virtual mono_nsec deadline() = 0;

@@ -170,6 +170,31 @@ TEST_F(prober_test, a_removed_session_withdraws_does_not_run_for_an_unknown_reas
     EXPECT_EQ(tested.entries().at(id), nullptr);
 }
 
+TEST_F(prober_test, other_sizes_of_histories_keep_the_newest_entries_and_the_counters) {
+    settings.interface_delay.advertisement.accelerated_enabled = true;
+    ASSERT_FALSE(tested.apply(settings, host));
+    run(1300);
+    settings.interfaces[0].static_delay_usec = 7;  // a second advertisement, and a third
+    ASSERT_FALSE(tested.apply(settings, host));
+    settings.interfaces[0].static_delay_usec = 8;
+    ASSERT_FALSE(tested.apply(settings, host));
+    ASSERT_EQ(adverts().advertised().size(), 3U);
+    const std::uint64_t sent = entry(session_kind::delay).run->counters().sent;
+    settings.histories.advertisement = 2;
+    ASSERT_FALSE(tested.apply(settings, host));
+    ASSERT_EQ(adverts().advertised().size(), 2U);
+    EXPECT_EQ(adverts().advertised()[0].values.average, 7U);
+    EXPECT_EQ(adverts().advertised()[1].values.average, 8U);
+    EXPECT_EQ(entry(session_kind::delay).run->counters().sent, sent);
+    settings.histories.advertisement = 3;
+    ASSERT_FALSE(tested.apply(settings, host));
+    settings.interfaces[0].static_delay_usec = 9;
+    ASSERT_FALSE(tested.apply(settings, host));
+    ASSERT_EQ(adverts().advertised().size(), 3U);
+    EXPECT_EQ(adverts().advertised()[0].values.average, 7U);
+    EXPECT_EQ(adverts().advertised()[2].values.average, 9U);
+}
+
 TEST_F(prober_test, allocates_nothing_for_what_it_receives) {
     ASSERT_FALSE(tested.apply(settings, host));
     std::size_t allocated = 0;
