@@ -8,7 +8,6 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-#include "perf-probed/daemon/service_manager.h"
 #include "platform/local/store/store_url.h"
 
 namespace probed {
@@ -224,6 +223,10 @@ void daemon::host_changed() {
 void daemon::every_second(const moment &now) {
     next_second_ = std::max(next_second_ + NSEC_PER_SEC, now.mono + NSEC_PER_SEC / 2);
     responder_.tick(now.mono);
+    if (watchdog_ != 0 && now.mono >= next_sign_of_life_) {
+        notify_manager("WATCHDOG=1");
+        next_sign_of_life_ = now.mono + watchdog_ / 3;
+    }
     sender_.forget_removed();
     if (now.mono - host_read_at_ >= RETRY_INTERVAL) {  // ports that were taken may be free again
         host_is_stale_ = true;

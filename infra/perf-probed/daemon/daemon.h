@@ -13,6 +13,7 @@
 #include "perf-probed/config/config.h"
 #include "perf-probed/daemon/event_loop.h"
 #include "perf-probed/daemon/listeners.h"
+#include "perf-probed/daemon/service_manager.h"
 #include "perf-probed/net/host_state.h"
 #include "perf-probed/publish/publisher.h"
 #include "perf-probed/reflector/reflector.h"
@@ -69,6 +70,8 @@ private:
     bool host_is_stale_ = false;
     bool settings_changed_ = true;
     mono_nsec next_second_ = 0;
+    mono_nsec watchdog_ = watchdog_interval();
+    mono_nsec next_sign_of_life_ = 0;
     mono_nsec next_publication_ = 0;
     mono_nsec last_publication_ = 0;
     mono_nsec next_sessions_ = 0;     // when sessions are published again; the rest, and the lease, go more often
