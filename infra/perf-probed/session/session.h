@@ -119,8 +119,6 @@ protected:
     // The time after `due`, a whole number of intervals on, that is not past: packets that could not be sent in
     // time, as the process was suspended, are left out and not made up for.
     [[nodiscard]] static mono_nsec next_after(mono_nsec due, mono_nsec interval, mono_nsec now);
-    // Puts the kernel's time in a packet's slot when it is plausible: not before the packet was made, nor long after.
-    static void take_transmit_stamp(packet_window &window, std::uint32_t sequence, wall_nsec time);
 
     session_counters counters_;
     mono_nsec next_send_ = NEVER;
