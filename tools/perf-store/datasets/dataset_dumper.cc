@@ -69,9 +69,10 @@ public:
             return append_interface_line(handle, record.template as<local_interface>(), &lines_);
         }));
     }
-    pm_error publisher(const item_place &branch, std::string_view parcel) override {
+    pm_error publisher(const item_place &branch, std::string_view parcel, store::kept_lease lease) override {
         return passed_on(with_record("publisher", parcel, local_publisher_descriptor(), [&](const auto &record) {
-            return append_publisher_line(branch.root.word, branch.node, record.template as<local_publisher>(), &lines_);
+            const auto state = store::seen_state(record.template as<local_publisher>(), lease);
+            return append_publisher_line(branch.root.word, branch.node, state, &lines_);
         }));
     }
     pm_error item(const item_place &item, std::string_view parcel) override {
