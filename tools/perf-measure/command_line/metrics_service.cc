@@ -34,7 +34,7 @@ bool is_address(const std::string &text) {
 
 }  // namespace
 
-bool read_place(std::string_view text, std::string *address, std::string *port) {
+bool read_place(std::string_view text, std::string *address, std::uint32_t *port) {
     const std::size_t colon = text.rfind(':');
     if (colon == std::string_view::npos) {
         return false;
@@ -45,15 +45,14 @@ bool read_place(std::string_view text, std::string *address, std::string *port) 
         host = host.substr(1, host.size() - 2);
     }
     const bool is_ipv6 = host.find(':') != std::string_view::npos;
-    std::uint32_t number = 0;
     *address = host;
-    *port = text.substr(colon + 1);
-    return is_ipv6 == has_brackets && is_address(*address) && read_number(*port, 0, LARGEST_PORT, &number);
+    return is_ipv6 == has_brackets && is_address(*address) &&
+           read_number(text.substr(colon + 1), 0, LARGEST_PORT, port);
 }
 
 int serve_metrics(const invocation &given) {
     std::string address;
-    std::string port;
+    std::uint32_t port = 0;
     if (!read_place(given.listen, &address, &port)) {
         return report_usage("--listen wants a numeric address and a port: 127.0.0.1:9464 or [::1]:9464");
     }

@@ -87,7 +87,7 @@ public:
     pm_error collect() {
         std::vector<std::uint32_t> nodes;
         if (!pm_show_visit_nodes([&](std::uint32_t node) { nodes.push_back(node); })) {
-            return pm_error(describe({NODEID_NONE, ERRCODE_NOT_FOUND, {}}));
+            return pm_error("the inventory of nodes cannot be read");
         }
         for (const std::uint32_t node : nodes) {
             if (pm_error error = collect_node(node)) {
