@@ -97,8 +97,8 @@ protected:
     void SetUp() override {
         const std::string set = own_.path() + "/set";
         const command_result loaded =
-            run_command(PERF_STORE " gen --nodes 3 --interfaces 40 --policies 20 --endpoints 8 --tunnels 8 >" + set +
-                            "; " PERF_STORE " load " + set,
+            run_command("perf-store gen --nodes 3 --interfaces 40 --policies 20 --endpoints 8 --tunnels 8 >" + set +
+                            "; perf-store load " + set,
                         store());
         ASSERT_EQ(loaded.status, 0) << loaded.err;
         sound_ = read_file(store() + "/data.mdb");
