@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // The memory that loading and dumping take does not depend on how much there is.
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 
