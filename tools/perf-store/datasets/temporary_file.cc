@@ -5,25 +5,22 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <string>
 #include <unistd.h>
 
 namespace perf_store {
 
-namespace {
-
-std::string folder_name() {
+std::string temporary_folder_name() {
     const char *const named = std::getenv("TMPDIR");
     return named != nullptr && *named != '\0' ? named : "/tmp";
 }
 
-}  // namespace
-
-pm_error temporary_file_error(int error_number) { return pm_error(folder_name() + ": " + std::strerror(error_number)); }
+pm_error temporary_file_error(int error_number) {
+    return pm_error(temporary_folder_name() + ": " + std::strerror(error_number));
+}
 
 // Some file systems need a name for a moment.
 pm_error open_temporary_file(int *file) {
-    const std::string folder = folder_name();
+    const std::string folder = temporary_folder_name();
     *file = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC | O_EXCL, 0600);
     if (*file >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL)) {
         return *file >= 0 ? pm_error() : temporary_file_error(errno);

@@ -2,11 +2,16 @@
 // Files for what does not fit in memory.
 #pragma once
 
+#include <string>
+
 #include "base/pm_error.h"
 
 namespace perf_store {
 
-// Opens a file for reading and writing below TMPDIR, else /tmp. It has no name, so that nothing is left of it however
+// TMPDIR, else /tmp.
+[[nodiscard]] std::string temporary_folder_name();
+
+// Opens a file for reading and writing there. It has no name, so that nothing is left of it however
 // the program ends; the descriptor is the caller's.
 [[nodiscard]] pm_error open_temporary_file(int *file);
 

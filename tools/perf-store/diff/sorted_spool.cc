@@ -142,7 +142,8 @@ pm_error sorted_spool::write_run() {
         }
     }
     sort_memory();
-    output_file out(file_, temporary_folder_name());
+    const std::string folder = temporary_folder_name();
+    output_file out(file_, folder.c_str());
     for (const std::uint64_t place : places_) {
         const char *record = records_.data() + place;
         out.buffer().append(record, length_of(sizes_at(record)));
