@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The memory that a running program takes.
+// How much memory a program takes that is its own.
 #pragma once
 
 #include <algorithm>
@@ -21,7 +21,7 @@ inline long own_memory_kb(pid_t process) {
     return 0;
 }
 
-// The most that a perf-store command has at any time.
+// The most that a command has at any time.
 inline long largest_memory_kb(const std::vector<std::string> &words, const std::string &store) {
     long largest = 0;
     running_process program([&] { return become(words, store); });

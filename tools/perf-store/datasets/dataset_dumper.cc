@@ -34,8 +34,8 @@ public:
     pm_error interface(std::uint32_t handle, std::string_view parcel) override {
         return passed_on(append_stored_interface(handle, parcel, &lines_));
     }
-    pm_error publisher(const item_place &branch, std::string_view parcel) override {
-        return passed_on(append_stored_publisher(branch, parcel, &lines_));
+    pm_error publisher(const item_place &branch, std::string_view parcel, store::kept_lease lease) override {
+        return passed_on(append_stored_publisher(branch, parcel, lease, &lines_));
     }
     pm_error item(const item_place &item, std::string_view parcel) override {
         progress_.advance(++items_, 0);
@@ -70,9 +70,11 @@ pm_error append_stored_interface(std::uint32_t handle, std::string_view parcel, 
     });
 }
 
-pm_error append_stored_publisher(const item_place &branch, std::string_view parcel, std::string *out) {
+pm_error append_stored_publisher(const item_place &branch, std::string_view parcel, store::kept_lease lease,
+                                 std::string *out) {
     return with_record("publisher", parcel, local_publisher_descriptor(), [&](const decoded_record &record) {
-        return append_publisher_line(branch.root.word, branch.node, record.as<local_publisher>(), out);
+        const auto state = store::seen_state(record.as<local_publisher>(), lease);
+        return append_publisher_line(branch.root.word, branch.node, state, out);
     });
 }
 

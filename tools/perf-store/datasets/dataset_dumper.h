@@ -22,7 +22,8 @@ namespace perf_store {
 [[nodiscard]] pm_error append_stored_platform(std::string_view parcel, std::string *out);
 [[nodiscard]] pm_error append_stored_node(std::string_view parcel, std::string *out);
 [[nodiscard]] pm_error append_stored_interface(std::uint32_t handle, std::string_view parcel, std::string *out);
-[[nodiscard]] pm_error append_stored_publisher(const item_place &branch, std::string_view parcel, std::string *out);
+[[nodiscard]] pm_error append_stored_publisher(const item_place &branch, std::string_view parcel,
+                                               store::kept_lease lease, std::string *out);
 
 // Appends an item as an object of a data set, on a line. The error names the item; then nothing is
 // appended.

@@ -151,7 +151,7 @@ private:
             }
             ++records_;
             const item_place place{root_name_of(each.served.data_root), each.served.node, {}};
-            if (pm_error error = visitor->publisher(place, each.parcel)) {
+            if (pm_error error = visitor->publisher(place, each.parcel, each.lease)) {
                 return error;
             }
         }

@@ -47,7 +47,8 @@ public:
     [[nodiscard]] virtual pm_error platform(std::string_view parcel) = 0;
     [[nodiscard]] virtual pm_error node(std::string_view parcel) = 0;
     [[nodiscard]] virtual pm_error interface(std::uint32_t handle, std::string_view parcel) = 0;
-    [[nodiscard]] virtual pm_error publisher(const item_place &branch, std::string_view parcel) = 0;
+    [[nodiscard]] virtual pm_error publisher(const item_place &branch, std::string_view parcel,
+                                             store::kept_lease lease) = 0;
     [[nodiscard]] virtual pm_error item(const item_place &item, std::string_view parcel) = 0;
 };
 

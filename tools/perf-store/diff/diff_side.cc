@@ -138,9 +138,9 @@ public:
         return put(object_key(object_kind::interface, handle),
                    append_stored_interface(handle, parcel, into_.new_line()));
     }
-    pm_error publisher(const item_place &branch, std::string_view parcel) override {
+    pm_error publisher(const item_place &branch, std::string_view parcel, store::kept_lease lease) override {
         return put(object_key(object_kind::publisher, {branch.root.id, branch.node}),
-                   append_stored_publisher(branch, parcel, into_.new_line()));
+                   append_stored_publisher(branch, parcel, lease, into_.new_line()));
     }
     pm_error item(const item_place &item, std::string_view parcel) override {
         progress_.advance(++items_, 0);
