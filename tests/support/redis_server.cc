@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,11 +18,41 @@
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
 
+namespace {
+
+bool is_free(int port) {
+    const int probe = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const bool bound = ::bind(probe, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
+    ::close(probe);
+    return bound;
+}
+
+}  // namespace
+
+int redis_server::free_port() {
+    static int next = 10'000 + getpid() % 1'000 * 20;
+    do {
+        ++next;
+    } while (!is_free(next) || !is_free(next + 10'000));
+    return next;
+}
+
 redis_server::redis_server(std::vector<std::string> options) : options_(std::move(options)) { start(); }
 
 redis_server::~redis_server() { kill_it(); }
 
 void redis_server::start() {
+    begin_start();
+    for (int tries = 0; tries < 200 && run({"PING"}).find(socket()) == 0; ++tries) {
+        ::usleep(20'000);
+    }
+}
+
+void redis_server::begin_start() {
     std::vector<std::string> words = {REDIS_SERVER,      "--port",       "0",     "--unixsocket",
                                       socket(),          "--appendonly", "no",    "--logfile",
                                       folder() + "/log", "--dir",        folder()};
@@ -41,9 +73,6 @@ void redis_server::start() {
         execv(arguments[0], arguments.data());
         std::_Exit(127);
     }
-    for (int tries = 0; tries < 200 && run({"PING"}).find(socket()) == 0; ++tries) {
-        ::usleep(20'000);
-    }
 }
 
 void redis_server::send_signal(int number) const { ::kill(process_, number); }
@@ -60,10 +89,22 @@ std::string redis_server::url(const std::string &more) const {
     return "redis+unix://" + socket() + "?timeout=2000" + more;
 }
 
+namespace {
+
+std::string texts_of(const redis_store::plain_answer &found) {
+    std::string texts;
+    for (const auto &each : found.elements()) {
+        texts += each.text;
+    }
+    return texts;
+}
+
+}  // namespace
+
 std::string redis_server::run(std::initializer_list<std::string_view> words) const {
     redis_store::redis_url url;
     static_cast<void>(redis_store::parse_url(this->url(), &url));
-    redis_store::client client(url);
+    redis_store::client client(url, redis_store::purpose::writing);
     redis_store::pipeline commands;
     commands.add(words);
     redis_store::plain_answer found;
@@ -71,11 +112,19 @@ std::string redis_server::run(std::initializer_list<std::string_view> words) con
     if (const pm_error error = client.exchange(commands, all, redis_store::repetition::forbidden)) {
         return error.text();
     }
-    std::string texts;
-    for (const auto &each : found.elements()) {
-        texts += each.text;
-    }
-    return texts;
+    return texts_of(found);
+}
+
+std::string redis_server::run_here(std::initializer_list<std::string_view> words) const {
+    redis_store::redis_url url;
+    static_cast<void>(redis_store::parse_url(this->url(), &url));
+    redis_store::server_link link(&url, url.servers);
+    redis_store::pipeline commands;
+    commands.add(words);
+    redis_store::plain_answer found;
+    pm_error error = link.send(commands.bytes());
+    error = error ? error : link.receive(&found);
+    return error ? error.text() : found.refusal().empty() ? texts_of(found) : found.refusal();
 }
 
 std::unique_ptr<store::reader> read_store(const std::string &url) {

@@ -28,11 +28,17 @@ public:
 
     // Runs one command; gives its answer's texts one after another, or the error.
     std::string run(std::initializer_list<std::string_view> words) const;
+    // The same, where a server of a cluster names another one in place of an answer.
+    std::string run_here(std::initializer_list<std::string_view> words) const;
 
     void send_signal(int number) const;
     // Ends it with SIGKILL; start() begins it again, with what its options let it keep.
     void kill_it();
     void start();
+    // Begins it again without waiting until it answers.
+    void begin_start();
+    // A port of this machine's own that nobody uses, and whose successor by 10000 is free too.
+    static int free_port();
 
 private:
     temporary_folder folder_;

@@ -80,7 +80,7 @@ public:
     void configure(const std::string &yaml) { write_file(config(), yaml); }
     void start() {
         process_ = std::make_unique<running_process>(
-            prefix_ + " env 'OPSTORE_URL=" + url_ + "' " PERF_PROBED " --config " + config(), log_file());
+            prefix_ + " env 'OPSTORE_URL=" + url_ + "' '" PERF_PROBED "' --config " + config(), log_file());
     }
     [[nodiscard]] running_process &process() { return *process_; }
 

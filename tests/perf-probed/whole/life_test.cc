@@ -26,7 +26,7 @@ TEST(life, is_published_within_seconds_and_stopped_at_the_end) {
     const command_result after = service.show("-c 26");
     EXPECT_NE(after.out.find("PM process is not running"), std::string::npos) << after.out;
     EXPECT_EQ(after.out.find("Endpoint name"), std::string::npos);
-    EXPECT_NE(run_command(PERF_STORE " dump", service.store())
+    EXPECT_NE(run_command("perf-store dump", service.store())
                   .out.find(R"({"publisher":{"root":"main","node":1,"state":"stopped"}})"),
               std::string::npos);
 }
@@ -165,7 +165,7 @@ TEST(life, a_store_that_somebody_emptied_is_filled_again) {
     live_service service(self(18710));
     ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
     write_file(service.store() + "-set", "{\"node\": {\"id\": 9, \"name\": \"x\"}}\n");
-    ASSERT_EQ(run_command(PERF_STORE " load --replace " + service.store() + "-set", service.store()).status, 0);
+    ASSERT_EQ(run_command("perf-store load --replace " + service.store() + "-set", service.store()).status, 0);
     EXPECT_TRUE(within(8, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
 }
 
@@ -258,13 +258,13 @@ TEST(life, a_server_that_is_gone_is_published_to_again_once_it_is_back) {
 TEST(life, a_wrong_configuration_does_not_start) {
     const temporary_folder folder;
     write_file(folder.path() + "/c.yaml", "a: 1\nb: 2\n");
-    const command_result checked = run_command(PERF_PROBED " --check " + folder.path() + "/c.yaml", folder.path());
+    const command_result checked = run_command("perf-probed --check " + folder.path() + "/c.yaml", folder.path());
     EXPECT_EQ(checked.status, 1);
     EXPECT_EQ(checked.err, "perf-probed: " + folder.path() +
                                "/c.yaml:1: a: is no key that is known here\nperf-probed: " + folder.path() +
                                "/c.yaml:2: b: is no key that is known here\n");
-    EXPECT_EQ(run_command(PERF_PROBED " --nonsense", folder.path()).status, 2);
-    EXPECT_EQ(run_command(PERF_PROBED " --check " PM_PROBED_EXAMPLE, folder.path()).status, 0);
+    EXPECT_EQ(run_command("perf-probed --nonsense", folder.path()).status, 2);
+    EXPECT_EQ(run_command("perf-probed --check '" PM_PROBED_EXAMPLE "'", folder.path()).status, 0);
 }
 
 }  // namespace

@@ -56,6 +56,8 @@ public:
 // the platform, the nodes in inventory order and the interfaces before them. A whole store that turns out to
 // have lost objects is damaged.
 [[nodiscard]] pm_error visit_store(const item_selection &selection, store_visitor *visitor);
+// Visits everything in the store of that URL.
+[[nodiscard]] pm_error visit_store_at(const std::string &url, store_visitor *visitor);
 
 // Visits the items of a selection only.
 using item_visit = std::function<pm_error(const item_place &item, std::string_view parcel)>;

@@ -63,6 +63,14 @@ TEST(FailingServer, ThatWantsAPasswordTakesItFromAFileAndNeverShowsIt) {
     EXPECT_EQ(name_at(read_store(server.url("&password-file=" + file)).get(), "item/000000"), "in");
 }
 
+TEST(FailingServer, ThatWantsAPasswordTakesItFromTheEnvironmentToo) {
+    const redis_server server({"requirepass", "open-sesame"});
+    ::setenv("OPSTORE_PASSWORD", "open-sesame", 1);
+    const pm_error error = load_items(server.url(), 1);
+    ::unsetenv("OPSTORE_PASSWORD");
+    EXPECT_FALSE(error) << error.text();
+}
+
 // The answers after a refused SELECT are those of database 0, which has a store.
 TEST(FailingServer, WithoutThatDatabaseIsRefused) {
     const redis_server server;
@@ -124,6 +132,32 @@ TEST(FailingServer, ThatIsAReplicaIsReadAndNotWritten) {
     EXPECT_NE(writing(server.url()).text().find("READONLY"), std::string::npos);
     server.run({"CONFIG", "SET", "replica-serve-stale-data", "no"});
     EXPECT_NE(reading(server.url()).text().find("MASTERDOWN"), std::string::npos);
+}
+
+// The master cannot tell the replica that the lease is over.
+TEST(FailingServer, ThatIsAReplicaCountsLeasesItself) {
+    const std::string port = std::to_string(redis_server::free_port());
+    const redis_server master({"port", port, "bind", "127.0.0.1", "repl-diskless-sync-delay", "0"});
+    const auto writer = write_store(master.url());
+    ASSERT_FALSE(put_named(writer.get(), "item/000000", "here"));
+    ASSERT_FALSE(writer->put_leased_publisher(MAIN_1, 60'000));
+    ASSERT_FALSE(writer->commit());
+    const redis_server replica;
+    replica.run({"REPLICAOF", "127.0.0.1", port});
+    for (int tries = 0; tries < 500 && replica.run({"EXISTS", "ps1:{m00000001}:l"}) != "1"; ++tries) {
+        ::usleep(20'000);
+    }
+    const auto state_there = [&] {
+        store::known_state state;
+        store::batch batch;
+        EXPECT_FALSE(read_store(replica.url())->list(MAIN_1, {"", "", 200, {}}, &state, &batch));
+        return state;
+    };
+    EXPECT_EQ(state_there(), store::publisher_state::running);
+    master.run({"PEXPIRE", "ps1:{m00000001}:l", "300"});
+    master.send_signal(SIGSTOP);
+    ::usleep(400'000);
+    EXPECT_EQ(state_there(), store::publisher_state::stopped);
 }
 
 TEST(FailingServer, ThatHangsIsGivenUpInTime) {
@@ -194,6 +228,24 @@ TEST(DamagedServer, WithAValueOfAnotherPathNeverShowsIt) {
     const auto reader = read_store(server.url());
     EXPECT_EQ(name_at(reader.get(), "item/000000"), "mine");
     EXPECT_EQ(name_at(reader.get(), "item/000005"), errcode_strerror(OPSTORE_DAMAGED));
+}
+
+TEST(DamagedServer, WithAChangedBitNeverShowsTheRecord) {
+    const redis_server server;
+    ASSERT_FALSE(load_items(server.url(), 2, "mine"));
+    const std::string member = server.run({"ZRANGE", ITEMS_KEY, "0", "0"});
+    for (std::size_t at = 12; at < member.size(); ++at) {  // after the path
+        std::string changed = member;
+        changed[at] = static_cast<char>(changed[at] ^ 4);
+        server.run({"ZREMRANGEBYRANK", ITEMS_KEY, "0", "0"});
+        server.run({"ZADD", ITEMS_KEY, "0", changed});
+        const auto reader = read_store(server.url());
+        const std::string shown = name_at(reader.get(), "item/000000");
+        EXPECT_TRUE(shown == errcode_strerror(OPSTORE_DAMAGED) || shown == errcode_strerror(PARCEL_CHECKSUM) ||
+                    shown == errcode_strerror(PARCEL_MALFORMED))
+            << shown << " at " << at;
+        EXPECT_EQ(name_at(reader.get(), "item/000001"), "mine");
+    }
 }
 
 TEST(DamagedServer, WhoseBranchVanishedIsDamagedAndNoEmptyListing) {

@@ -2,7 +2,6 @@
 // Connections over TLS: the server must show a certificate that is trusted and made for its name.
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "platform/local/redis_store/redis_reader.h"
 #include "tests/support/redis_server.h"
@@ -24,7 +23,7 @@ TEST(Tls, TakesTheRightCertificateOnly) {
     const temporary_folder folder;
     const std::string right = make_certificate(folder, "right", "IP:127.0.0.1");
     const std::string other = make_certificate(folder, "other", "IP:127.0.0.1");
-    const std::string port = std::to_string(20'000 + getpid() % 20'000);
+    const std::string port = std::to_string(redis_server::free_port());
     const redis_server server({"bind", "127.0.0.1", "tls-port", port, "tls-cert-file", right + ".pem", "tls-key-file",
                                right + ".key", "tls-ca-cert-file", right + ".pem", "tls-auth-clients", "no"});
     ASSERT_FALSE(load_items(server.url(), 300, "sealed"));
@@ -37,6 +36,23 @@ TEST(Tls, TakesTheRightCertificateOnly) {
     EXPECT_EQ(
         redis_store::open_reader("rediss://localhost:" + port + "?timeout=2000&ca=" + right + ".pem", &refused).text(),
         "localhost:" + port + ": TLS handshake: hostname mismatch");
+}
+
+TEST(Tls, ShowsTheClientsCertificateToAServerThatWantsOne) {
+    const temporary_folder folder;
+    const std::string own = make_certificate(folder, "own", "IP:127.0.0.1");
+    const std::string port = std::to_string(redis_server::free_port());
+    const redis_server server({"bind", "127.0.0.1", "tls-port", port, "tls-cert-file", own + ".pem", "tls-key-file",
+                               own + ".key", "tls-ca-cert-file", own + ".pem", "tls-auth-clients", "yes"});
+    ASSERT_FALSE(load_items(server.url(), 1, "sealed"));
+    const std::string url = "rediss://127.0.0.1:" + port + "?timeout=2000&ca=" + own + ".pem";
+    EXPECT_EQ(name_at(read_store(url + "&cert=" + own + ".pem&key=" + own + ".key").get(), "item/000000"), "sealed");
+    std::unique_ptr<store::reader> refused;
+    EXPECT_EQ(redis_store::open_reader(url, &refused).code(), OPSTORE_NO_CLIENT);
+    EXPECT_EQ(redis_store::open_reader(url + "&cert=/none.pem&key=/none.key", &refused)
+                  .text()
+                  .find("127.0.0.1:" + port + ": cannot use the certificate in /none.pem: "),
+              0U);
 }
 
 }  // namespace

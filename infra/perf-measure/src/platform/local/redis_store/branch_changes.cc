@@ -10,10 +10,7 @@ void branch_changes::put(std::string_view path, std::string member) {
     items_.insert_or_assign(std::string(path), std::move(member));
 }
 
-void branch_changes::remove(std::string_view path) {
-    items_.insert_or_assign(std::string(path), std::nullopt);
-    removes_ = true;
-}
+void branch_changes::remove(std::string_view path) { items_.insert_or_assign(std::string(path), std::nullopt); }
 
 void branch_changes::remove_below(std::string_view prefix) {
     auto first = items_.lower_bound(prefix);
@@ -23,13 +20,11 @@ void branch_changes::remove_below(std::string_view prefix) {
     }
     items_.erase(first, last);
     removed_.emplace_back(prefix);
-    removes_ = true;
 }
 
 void branch_changes::clear() {
     removed_.clear();
     items_.clear();
-    removes_ = false;
 }
 
 branch_changes::knowledge branch_changes::about(std::string_view path) const {

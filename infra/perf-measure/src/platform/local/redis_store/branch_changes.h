@@ -29,7 +29,6 @@ public:
     [[nodiscard]] knowledge below(std::string_view prefix, std::uint64_t *present) const;
 
     [[nodiscard]] bool empty() const { return items_.empty() && removed_.empty(); }
-    [[nodiscard]] bool removes() const { return removes_; }  // something that the server may have
     [[nodiscard]] const std::vector<std::string> &removed() const { return removed_; }  // prefixes
     // By path: the member to put, or none for an item to remove.
     [[nodiscard]] const std::map<std::string, std::optional<std::string>, std::less<>> &items() const { return items_; }
@@ -37,7 +36,6 @@ public:
 private:
     std::vector<std::string> removed_;
     std::map<std::string, std::optional<std::string>, std::less<>> items_;
-    bool removes_ = false;
 };
 
 }  // namespace redis_store

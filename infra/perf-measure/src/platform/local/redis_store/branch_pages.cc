@@ -76,8 +76,8 @@ pm_error branch_pages::read(const page_query &asked) {
     return shown_->exists.number() == 0 ? check_missing(asked) : pm_error();
 }
 
-// A set that has become empty is gone. The directory tells whether it should be: writers note that a branch has items
-// after they put some, and that it has none before they remove the last.
+// A set that has become empty is gone. The directory tells whether it should be. A replica of a cluster may only be
+// behind, or its set on the way to another server.
 pm_error branch_pages::check_missing(const page_query &asked) {
     pipeline question;
     question.add({"HGET", names_.of(state_part::branches), branch_name(asked.from)});
@@ -86,10 +86,13 @@ pm_error branch_pages::check_missing(const page_query &asked) {
     if (pm_error error = client_.exchange(question, all, repetition::allowed)) {
         return error;
     }
-    return noted.text() == ITEMS
-               ? pm_error(OPSTORE_DAMAGED,
-                          client_.describe("the items of branch " + branch_name(asked.from) + " are gone"))
-               : pm_error();
+    if (noted.number() == 0) {  // or unsettled
+        return {};
+    }
+    if (client_.leave_replicas()) {
+        return read(asked);
+    }
+    return {OPSTORE_DAMAGED, client_.describe("the items of branch " + branch_name(asked.from) + " are gone")};
 }
 
 void branch_pages::ask_ahead(const page_query &next) {

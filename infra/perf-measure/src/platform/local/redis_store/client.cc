@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Exchanges, and what is done when a server is not ready or a connection is lost.
+// Exchanges, and what is done when a server is not ready, is the wrong one, or a connection is lost.
 #include "platform/local/redis_store/client.h"
 
-#include <hiredis/hiredis.h>
-#include <new>
+#include <algorithm>
 #include <thread>
-#include <vector>
+#include <utility>
 
 #include "platform/errcode.h"
 
@@ -14,155 +13,183 @@ namespace redis_store {
 namespace {
 
 constexpr std::chrono::milliseconds PAUSE(50);  // before a server that is not ready is asked again
+constexpr int MAX_REDIRECTIONS = 16;            // of one exchange
+constexpr char ASKING[] = "*1\r\n$6\r\nASKING\r\n";
 
 }  // namespace
 
-void pipeline::add(std::span<const std::string_view> words) {
-    std::vector<const char *> texts;
-    std::vector<std::size_t> lengths;
-    texts.reserve(words.size());
-    lengths.reserve(words.size());
-    for (const std::string_view word : words) {
-        texts.push_back(word.data());
-        lengths.push_back(word.size());
+client::client(redis_url url, purpose what) : url_(std::move(url)), purpose_(what) {
+    links_.emplace_back(&url_, url_.servers);
+    last_ = &home();
+}
+
+void client::close() {
+    for (server_link &each : links_) {
+        each.close();
     }
-    char *command = nullptr;
-    const int length = redisFormatCommandArgv(&command, static_cast<int>(texts.size()), texts.data(), lengths.data());
-    if (length < 0) {
-        throw std::bad_alloc();
-    }
-    bytes_.append(command, static_cast<std::size_t>(length));
-    redisFreeCommand(command);
-    ++commands_;
 }
 
-void pipeline::append(const pipeline &others) {
-    bytes_ += others.bytes_;
-    commands_ += others.commands_;
+server_link &client::link_of(const std::string &tag) {
+    const auto found = owners_.find(tag);
+    return found != owners_.end() ? *found->second : home();
 }
 
-void pipeline::clear() {
-    bytes_.clear();
-    commands_ = 0;
-}
-
-std::string client::describe(std::string_view text) const {
-    const server_address &server = server_ == server_address() ? url_.servers.front() : server_;
-    return server.text() + ": " + std::string(text);
-}
-
-pm_error client::refused(const std::string &words) const {
-    return {words.starts_with("WRONGTYPE") ? OPSTORE_DAMAGED : OPSTORE_NO_CLIENT, describe(words)};
-}
-
-pm_error client::connect() {
-    if (connection_.is_open()) {
-        return {};
-    }
-    replies_.reset();
-    start_answers_ = 0;
-    std::string failures;
-    for (const server_address &server : url_.servers) {
-        const pm_error error = connection_.open(url_, server);
-        if (!error) {
-            server_ = server;
-            return {};
+server_link &client::link_to(const server_address &server) {
+    for (server_link &each : links_) {
+        if (each.server() == server) {
+            return each;
         }
-        failures += (failures.empty() ? "" : "; ") + error.text();
     }
-    return {OPSTORE_NO_CLIENT, failures};
+    home().add_server(server);
+    return links_.emplace_back(&url_, std::vector{server});
+}
+
+bool client::leave_replicas() {
+    const bool asked = std::any_of(links_.begin(), links_.end(), [](auto &each) { return each.lets_replica_read(); });
+    purpose_ = purpose::writing;
+    for (server_link &each : links_) {
+        each.let_replica_read(false);
+    }
+    return asked;
 }
 
 pm_error client::send(const pipeline &commands) {
-    const bool is_new = !connection_.is_open();
-    if (pm_error error = connect()) {
-        return error;
-    }
-    pm_error error;
-    if (is_new) {
-        pipeline start;
-        std::string password;
-        if (error = read_password(url_, &password); error) {
-            connection_.close();
-            return {OPSTORE_NO_CLIENT, describe(error.text())};
-        }
-        if (!password.empty() && url_.user.empty()) {
-            start.add({"AUTH", password});
-        } else if (!url_.user.empty()) {
-            start.add({"AUTH", url_.user, password});
-        }
-        if (url_.database != 0) {
-            start.add({"SELECT", std::to_string(url_.database)});
-        }
-        start_answers_ = start.commands();
-        error = connection_.send(start.bytes() + commands.bytes());
-    } else {
-        error = connection_.send(commands.bytes());
-    }
-    if (error) {
-        connection_.close();
-    }
-    return error;
-}
-
-pm_error client::next(answer *into) {
-    into->begin();
-    pm_error error = replies_.next(&connection_, into);
-    if (error) {
-        connection_.close();
-    }
-    return error.code() == OPSTORE_DAMAGED ? pm_error(OPSTORE_DAMAGED, describe(error.text())) : error;
-}
-
-// Reads the answers to AUTH and SELECT. When either is refused, no later answer is worth reading: those commands ran
-// as another user or in another database.
-pm_error client::receive_start() {
-    for (; start_answers_ > 0; --start_answers_) {
-        plain_answer done;
-        if (pm_error error = next(&done)) {
-            return error;
-        }
-        if (!done.refusal().empty()) {
-            connection_.close();
-            return refused(done.refusal());
-        }
-    }
-    return {};
+    ahead_ = &link_of(commands.tag_of(0));
+    return ahead_->send(commands.bytes());
 }
 
 pm_error client::receive(std::span<answer *const> answers) {
-    if (pm_error error = receive_start()) {
-        return error;
-    }
     pm_error first;
     for (answer *each : answers) {
-        if (pm_error error = next(each)) {
+        if (pm_error error = ahead_->receive(each)) {
             return error;
         }
         if (!first && !each->refusal().empty()) {
-            first = refused(each->refusal());
+            first = ahead_->refused(each->refusal());
         }
     }
-    ever_answered_ = true;
+    return first;
+}
+
+// Sends a round of commands to their servers, and reads what comes. A server that fails does not keep the others'
+// answers from being read.
+void client::ask(const pipeline &commands, std::span<answer *const> answers, std::vector<waiting> *round) {
+    std::map<const server_link *, pm_error> failures;
+    for (const waiting &first : *round) {
+        const auto [failure, is_new] = failures.try_emplace(first.to);
+        if (!is_new) {
+            continue;
+        }
+        std::string bytes;
+        for (const waiting &each : *round) {
+            if (each.to == first.to) {
+                bytes += each.asking ? ASKING : "";
+                bytes += commands.bytes_of(each.command);
+            }
+        }
+        failure->second = first.to->send(bytes);
+    }
+    for (waiting &each : *round) {
+        each.lost = failures[each.to];
+        each.sent = !each.lost;
+        each.to_replica = each.to->lets_replica_read();
+    }
+    for (waiting &each : *round) {
+        pm_error &failure = failures[each.to];
+        plain_answer ignored;
+        if (!failure && each.asking) {
+            failure = each.to->receive(&ignored);
+        }
+        if (!failure) {
+            failure = each.to->receive(answers[each.command]);
+        }
+        each.lost = failure;
+        last_ = each.to;
+    }
+}
+
+// A command whose answer did not come is sent again if that can do no harm, and if the server was there before or was
+// named by another one.
+pm_error client::judge_lost(const waiting &each, const std::string &tag, repetition allowed, next_round *next) {
+    const bool was_there = each.to != &home() || each.to->ever_answered();
+    if (each.lost.code() == OPSTORE_DAMAGED || !was_there || (each.sent && allowed == repetition::forbidden)) {
+        return each.lost;
+    }
+    owners_.erase(tag);
+    next->left.push_back({each.command, &home()});
+    next->reason = each.lost;
+    next->pause = true;
+    return {};
+}
+
+void client::redirect(const waiting &each, const std::string &tag, const redirection &where, next_round *next) {
+    server_link *to = &link_of(tag);
+    if (where.what == redirection::kind::wait) {
+        next->pause = true;
+    } else if (where.what == redirection::kind::moved && purpose_ == purpose::reading && !each.to_replica) {
+        each.to->let_replica_read(true);  // it may be a replica of the one that it names
+        to = each.to;
+        next->redirected = true;
+    } else {
+        to = &link_to(where.server);
+        next->redirected = true;
+    }
+    if (where.what == redirection::kind::moved) {
+        owners_[tag] = to;
+    }
+    next->left.push_back({each.command, to, where.what == redirection::kind::ask});
+}
+
+// Decides about each command of a round: an error ends the exchange.
+pm_error client::judge(const pipeline &commands, std::span<answer *const> answers, repetition allowed,
+                       const std::vector<waiting> &round, next_round *next) {
+    pm_error first;
+    for (const waiting &each : round) {
+        const std::string &tag = commands.tag_of(each.command);
+        if (each.lost) {
+            if (pm_error error = judge_lost(each, tag, allowed, next)) {
+                return error;
+            }
+            continue;
+        }
+        const std::string &refusal = answers[each.command]->refusal();
+        if (refusal.empty()) {
+            continue;
+        }
+        const redirection where = parse_redirection(refusal, each.to->server());
+        pm_error refused = each.to->refused(refusal);
+        if (where.what != redirection::kind::none) {
+            redirect(each, tag, where, next);
+            next->reason = std::move(refused);
+        } else if (!first) {
+            first = std::move(refused);
+        }
+    }
     return first;
 }
 
 pm_error client::exchange(const pipeline &commands, std::span<answer *const> answers, repetition allowed) {
     const clock::time_point deadline = clock::now() + url_.timeout;
-    for (;;) {
-        pm_error error = send(commands);
-        const bool was_sent = !error;
-        error = error ? error : receive(answers);
-        if (!error || error.code() == OPSTORE_DAMAGED || clock::now() >= deadline) {
-            return error;
-        }
-        const bool was_lost = !connection_.is_open();
-        const bool not_ready = error.text().find(": LOADING") != std::string::npos;
-        if (!not_ready && (!was_lost || !ever_answered_ || (was_sent && allowed == repetition::forbidden))) {
-            return error;
-        }
-        std::this_thread::sleep_for(PAUSE);
+    std::vector<waiting> round;
+    for (std::size_t i = 0; i < commands.commands(); ++i) {
+        round.push_back({i, &link_of(commands.tag_of(i))});
     }
+    for (int redirections = 0; !round.empty();) {
+        ask(commands, answers, &round);
+        next_round next;
+        if (pm_error error = judge(commands, answers, allowed, round, &next)) {
+            return error;
+        }
+        redirections += next.redirected ? 1 : 0;
+        if (!next.left.empty() && (clock::now() >= deadline || redirections > MAX_REDIRECTIONS)) {
+            return next.reason;
+        }
+        if (next.pause) {
+            std::this_thread::sleep_for(PAUSE);
+        }
+        round = std::move(next.left);
+    }
+    return {};
 }
 
 }  // namespace redis_store

@@ -13,6 +13,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <thread>
 #include <unistd.h>
 
 #include "platform/errcode.h"
@@ -22,6 +23,7 @@ namespace redis_store {
 namespace {
 
 constexpr char TIMED_OUT[] = "no answer in time";
+constexpr std::chrono::milliseconds QUEUE_PAUSE(5);
 
 std::string text_of(int number) { return std::strerror(number); }
 
@@ -93,12 +95,23 @@ pm_error connection::connect_to(int family, const void *address, unsigned length
     if (family != AF_UNIX) {  // requests are small and each is waited for
         static_cast<void>(::setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on));
     }
-    if (::connect(socket_, static_cast<const sockaddr *>(address), length) == 0) {
-        return {};
+    while (::connect(socket_, static_cast<const sockaddr *>(address), length) != 0) {
+        if (errno == EINPROGRESS) {
+            return wait_for_connection(deadline);
+        }
+        if (errno != EAGAIN) {
+            return error(text_of(errno));
+        }
+        // A local server whose queue of clients is full; poll would not wait for it.
+        if (clock::now() >= deadline) {
+            return error(TIMED_OUT);
+        }
+        std::this_thread::sleep_for(QUEUE_PAUSE);
     }
-    if (errno != EINPROGRESS) {
-        return error(text_of(errno));
-    }
+    return {};
+}
+
+pm_error connection::wait_for_connection(clock::time_point deadline) {
     if (pm_error failed = wait(POLLOUT, deadline)) {
         return failed;
     }

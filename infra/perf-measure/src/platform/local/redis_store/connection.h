@@ -43,6 +43,7 @@ private:
     [[nodiscard]] pm_error open_local(clock::time_point deadline);
     [[nodiscard]] pm_error open_network(clock::time_point deadline);
     [[nodiscard]] pm_error connect_to(int family, const void *address, unsigned length, clock::time_point deadline);
+    [[nodiscard]] pm_error wait_for_connection(clock::time_point deadline);
     [[nodiscard]] pm_error shake_hands(const redis_url &url, clock::time_point deadline);
     // Waits until the socket can do what `events` (of poll) says.
     [[nodiscard]] pm_error wait(short events, clock::time_point deadline);

@@ -24,21 +24,23 @@ bool comes_before(const known_branch &one, const known_branch &other) {
     return places[0] != places[1] ? places[0] < places[1] : one.named.node < other.named.node;
 }
 
+std::uint64_t number_in(const std::string &text) { return std::strtoull(text.c_str(), nullptr, 10); }
+
 }  // namespace
 
 pm_error directory::read() {
     pipeline questions;
-    questions.add({"HMGET", names_.of(state_part::marks), "F", "P", "V"});
+    questions.add({"HMGET", names_.of(state_part::marks), "F", "P", "V", "N", "H"});
     questions.add({"LRANGE", names_.of(state_part::nodes), "0", "-1"});
     questions.add({"HGETALL", names_.of(state_part::branches)});
-    plain_answer marks(3);
+    plain_answer marks(5);
     plain_answer nodes;
     plain_answer branches;
     answer *const all[] = {&marks, &nodes, &branches};
     if (pm_error error = client_.exchange(questions, all, repetition::allowed)) {
         return error;
     }
-    if (marks.elements().size() != 3) {
+    if (marks.elements().size() != 5) {
         return damaged("an answer that the command cannot have");
     }
     const plain_answer::element &format = marks.elements()[0];
@@ -50,7 +52,9 @@ pm_error directory::read() {
     if (!marks.elements()[1].is_nil) {
         platform_ = marks.elements()[1].text;
     }
-    version_ = std::strtoull(marks.elements()[2].text.c_str(), nullptr, 10);
+    version_ = number_in(marks.elements()[2].text);
+    noted_nodes_ = number_in(marks.elements()[3].text);
+    noted_interfaces_ = number_in(marks.elements()[4].text);
     nodes_.clear();
     for (const plain_answer::element &each : nodes.elements()) {
         nodes_.push_back(each.text);
@@ -65,7 +69,10 @@ pm_error directory::read_branches(const plain_answer &names) {
         if (!parse_branch_name(names.elements()[i].text, &next.named)) {
             return damaged("a branch of no known name");
         }
-        next.has_items = names.elements()[i + 1].text == ITEMS;
+        const std::string &items = names.elements()[i + 1].text;
+        if (items != UNSETTLED) {
+            next.items = number_in(items);
+        }
     }
     std::sort(branches_.begin(), branches_.end(), comes_before);
     return {};
@@ -91,31 +98,50 @@ pm_error directory::read_handles(std::vector<std::uint32_t> *handles) {
     return {};
 }
 
-// The directory is read before and after the sets are counted, until no writer was at work meanwhile.
+pm_error directory::settle() {
+    pipeline questions;
+    std::vector<known_branch *> unsettled;
+    for (known_branch &each : branches_) {
+        if (!each.items) {
+            questions.add({"ZCARD", names_.of(each.named, branch_part::items)});
+            unsettled.push_back(&each);
+        }
+    }
+    std::vector<plain_answer> numbers(unsettled.size(), plain_answer(1));
+    std::vector<answer *> all;
+    for (plain_answer &each : numbers) {
+        all.push_back(&each);
+    }
+    if (pm_error error = client_.exchange(questions, all, repetition::allowed)) {
+        return error;
+    }
+    for (std::size_t i = 0; i < unsettled.size(); ++i) {
+        unsettled[i]->items = numbers[i].number();
+    }
+    return {};
+}
+
+// Until no writer was at work between the reading of the marks and that of the last branch.
 pm_error directory::count(store::census *out) {
     for (int tries = 0; tries < MAX_TRIES; ++tries) {
         if (pm_error error = read()) {
             return error;
         }
-        pipeline questions;
-        questions.add({"HGET", names_.of(state_part::marks), "V"});
-        questions.add({"HLEN", names_.of(state_part::interfaces)});
-        for (const known_branch &each : branches_) {
-            questions.add({"ZCARD", names_.of(each.named, branch_part::items)});
-        }
-        std::vector<plain_answer> numbers(branches_.size() + 2, plain_answer(1));
-        std::vector<answer *> all;
-        for (plain_answer &each : numbers) {
-            all.push_back(&each);
-        }
-        if (pm_error error = client_.exchange(questions, all, repetition::allowed)) {
+        if (pm_error error = settle()) {
             return error;
         }
-        if (numbers[0].number() == version_) {
-            out->state = numbers[0].number();
-            out->records = nodes_.size() + branches_.size() + (platform_ ? 1 : 0);
-            for (std::size_t i = 1; i < numbers.size(); ++i) {
-                out->records += numbers[i].number();
+        pipeline question;
+        question.add({"HGET", names_.of(state_part::marks), "V"});
+        plain_answer version(1);
+        answer *const all[] = {&version};
+        if (pm_error error = client_.exchange(question, all, repetition::allowed)) {
+            return error;
+        }
+        if (version.number() == version_) {
+            out->state = version_;
+            out->records = noted_nodes_ + noted_interfaces_ + branches_.size() + (platform_ ? 1 : 0);
+            for (const known_branch &each : branches_) {
+                out->records += *each.items;
             }
             return {};
         }

@@ -15,7 +15,7 @@ namespace redis_store {
 
 struct known_branch {
     store::branch named;
-    bool has_items = false;
+    std::optional<std::uint64_t> items;  // none: to be counted
 };
 
 class directory {
@@ -33,6 +33,8 @@ public:
     // By root in the order of ROOTS, and node.
     [[nodiscard]] const std::vector<known_branch> &branches() const { return branches_; }
 
+    // Counts the items of branches that are unsettled.
+    [[nodiscard]] pm_error settle();
     // The handles of all interfaces, ascending.
     [[nodiscard]] pm_error read_handles(std::vector<std::uint32_t> *handles);
     // Counts what is there, for reader::count.
@@ -47,6 +49,8 @@ private:
     bool is_store_ = false;
     std::optional<std::string> platform_;
     std::uint64_t version_ = 0;
+    std::uint64_t noted_nodes_ = 0;
+    std::uint64_t noted_interfaces_ = 0;
     std::vector<std::string> nodes_;
     std::vector<known_branch> branches_;
 };

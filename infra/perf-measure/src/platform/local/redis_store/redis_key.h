@@ -16,6 +16,7 @@
 namespace redis_store {
 
 inline constexpr char STORE_FORMAT[] = "perf-show 1";
+inline constexpr char STATE_TAG[] = "state";  // in the braces of the router's keys
 
 // What a branch's key holds.
 enum class branch_part : char {
@@ -25,15 +26,15 @@ enum class branch_part : char {
 };
 // What the router's keys hold.
 enum class state_part : char {
-    marks = 'm',       // hash: F format, P sealed local_platform, V number of changes
+    marks = 'm',       // hash: F format, P sealed local_platform, V number of changes, N of nodes, H of interfaces
     nodes = 'n',       // list of sealed local_node, in inventory order
-    branches = 'b',    // hash: name of a branch; ITEMS or NO_ITEMS
+    branches = 'b',    // hash: name of a branch; number of its items, or UNSETTLED
     interfaces = 'h',  // hash: handle in 8 hexadecimal digits; sealed local_interface
     schemas = 'f',     // hash: fingerprint in 16 hexadecimal digits; text
 };
 
-inline constexpr char ITEMS[] = "i";
-inline constexpr char NO_ITEMS[] = "-";
+// While a writer changes a branch at another server of a cluster than the directory's, and after it was killed there.
+inline constexpr char UNSETTLED[] = "-";
 
 class key_names {
 public:

@@ -23,7 +23,10 @@ constexpr int MAX_TRIES = 10;  // of reading records beside which a writer is at
 class redis_reader final : public store::reader {
 public:
     explicit redis_reader(redis_url url)
-        : names_(url.prefix), client_(std::move(url)), directory_(&client_, &names_), pages_(&client_, &names_) {}
+        : names_(url.prefix),
+          client_(std::move(url), purpose::reading),
+          directory_(&client_, &names_),
+          pages_(&client_, &names_) {}
 
     [[nodiscard]] pm_error open();
 
@@ -292,8 +295,11 @@ pm_error redis_reader::branches(std::vector<branch> *out) {
     if (pm_error error = directory_.read()) {
         return error;
     }
+    if (pm_error error = directory_.settle()) {
+        return error;
+    }
     for (const known_branch &each : directory_.branches()) {
-        if (each.has_items) {
+        if (*each.items > 0) {
             out->push_back(each.named);
         }
     }
@@ -324,9 +330,12 @@ pm_error redis_reader::publishers(std::vector<store::publisher_entry> *out) {
         for (std::size_t i = 0; i < count; ++i) {
             const branch &served = directory_.branches()[i].named;
             const plain_answer &record = found[2 * i];
-            complete = complete && !record.is_nil();
-            out->push_back({served, std::string(store::unseal(branch_key(key_space::publisher, served), record.text())),
-                            found[2 * i + 1].number() != 0});
+            if (!record.is_nil()) {
+                const auto parcel = store::unseal(branch_key(key_space::publisher, served), record.text());
+                out->push_back({served, std::string(parcel), found[2 * i + 1].number() != 0});
+            }
+            // A writer that was killed between two servers of a cluster may have left no publisher.
+            complete = complete && (!record.is_nil() || !directory_.branches()[i].items);
         }
         if (complete) {
             return {};

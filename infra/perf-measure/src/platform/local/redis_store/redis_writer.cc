@@ -2,20 +2,20 @@
 // Records into commands that take effect in one step.
 #include "platform/local/redis_store/redis_writer.h"
 
-#include <algorithm>
-#include <map>
-#include <optional>
 #include <set>
 #include <vector>
 
 #include "platform/local/codec/parcel_codec.h"
+#include "platform/local/redis_store/cluster_commit.h"
+#include "platform/local/redis_store/commit_script.h"
 #include "platform/local/redis_store/directory.h"
+#include "platform/local/redis_store/router_changes.h"
+#include "platform/local/redis_store/server_policy.h"
 #include "platform/local/redis_store/staged_items.h"
 #include "platform/local/store/local_store_descriptors.h"
 #include "platform/local/store/local_store_records.h"
 #include "platform/local/store/record_encoder.h"
 #include "platform/local/store/record_key.h"
-#include "platform/local/store/seal.h"
 
 namespace redis_store {
 
@@ -24,21 +24,15 @@ namespace {
 using store::branch;
 using store::key_space;
 
-constexpr std::size_t FIELDS_AT_ONCE = 100;
-
-struct sealed_publisher {
-    std::string value;
-    std::uint32_t lease_msec;  // 0: none
-};
-
 class redis_writer final : public store::writer {
 public:
     explicit redis_writer(redis_url url)
         : names_(url.prefix),
-          client_(std::move(url)),
+          client_(std::move(url), purpose::writing),
           lock_(&client_, names_.lock()),
           directory_(&client_, &names_),
-          items_(&client_, &names_, &lock_) {}
+          items_(&client_, &names_, &lock_),
+          router_(&names_) {}
 
     [[nodiscard]] pm_error begin(store::missing_store missing);
 
@@ -58,12 +52,10 @@ public:
 private:
     [[nodiscard]] pm_error encode(const std::string &key, const void *record, const parcel_descriptor *descriptor,
                                   std::string *value);
-    [[nodiscard]] pm_error check_policy();
-    [[nodiscard]] pm_error read_inventory();
+    [[nodiscard]] pm_error put_publisher_record(const branch &served, const local_publisher &record,
+                                                std::uint32_t lease_msec);
     [[nodiscard]] pm_error refresh();
-    void add_cleared(command_list *changes) const;
-    void add_state(command_list *changes) const;
-    void add_hash(state_part part, const std::map<std::string, std::string> &fields, command_list *changes) const;
+    [[nodiscard]] pm_error commit_to_server(const commit_plan &plan);
 
     key_names names_;
     client client_;
@@ -71,39 +63,13 @@ private:
     directory directory_;
     staged_items items_;
     store::record_encoder encoder_;
-    bool cleared_ = false;
-    std::optional<std::string> platform_;
-    std::vector<std::uint32_t> node_ids_;         // by position
-    std::map<std::uint32_t, std::string> nodes_;  // to put, by position
-    std::map<std::string, std::string> interfaces_;
-    std::map<std::string, std::string> schemas_;
-    std::map<branch, sealed_publisher> publishers_;
+    router_changes router_;
+    bool is_cluster_ = false;
     std::set<branch> served_;  // that have a publisher
 };
 
-// The server must not throw keys away to make room for others.
-pm_error redis_writer::check_policy() {
-    pipeline question;
-    question.add({"INFO", "memory"});
-    plain_answer info(1);
-    answer *const all[] = {&info};
-    const pm_error error = client_.exchange(question, all, repetition::allowed);
-    if (error) {
-        return info.refusal().starts_with("NOPERM") ? pm_error() : error;  // a user who may not ask
-    }
-    constexpr std::string_view POLICY = "maxmemory_policy:";
-    const std::size_t at = info.text().find(POLICY);
-    const std::string policy =
-        at == std::string::npos
-            ? "noeviction"
-            : info.text().substr(at + POLICY.size(), info.text().find('\r', at) - at - POLICY.size());
-    return policy == "noeviction"
-               ? pm_error()
-               : pm_error(client_.describe("the server may evict keys (maxmemory-policy " + policy + ")"));
-}
-
 pm_error redis_writer::begin(store::missing_store missing) {
-    if (pm_error error = check_policy()) {
+    if (pm_error error = check_policy(&client_, {STATE_TAG}, &is_cluster_)) {
         return error;
     }
     if (pm_error error = lock_.take()) {
@@ -119,23 +85,7 @@ pm_error redis_writer::begin(store::missing_store missing) {
         served_.insert(each.named);
         items_.add_known(each.named);
     }
-    return missing == store::missing_store::replace ? clear() : read_inventory();
-}
-
-pm_error redis_writer::read_inventory() {
-    for (const std::string &each : directory_.nodes()) {
-        const auto position = static_cast<std::uint32_t>(node_ids_.size());
-        const std::string_view parcel = store::unseal(store::key(key_space::node, position), each);
-        local_node node{};
-        const errcode code =
-            parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), &node, local_node_descriptor());
-        if (code != ERRCODE_SUCCESS) {
-            return {code, client_.describe(std::string("the inventory cannot be read: ") + errcode_strerror(code))};
-        }
-        node_ids_.push_back(node.Id);
-        parcel_free_indirections(&node, local_node_descriptor());
-    }
-    return {};
+    return missing == store::missing_store::replace ? clear() : router_.read_inventory(directory_, client_);
 }
 
 pm_error redis_writer::encode(const std::string &key, const void *record, const parcel_descriptor *descriptor,
@@ -144,7 +94,7 @@ pm_error redis_writer::encode(const std::string &key, const void *record, const 
         return error;
     }
     if (encoder_.is_new_type(descriptor)) {
-        schemas_[hexadecimal(parcel_fingerprint(descriptor), 16)] = descriptor->schema;
+        router_.put_schema(parcel_fingerprint(descriptor), descriptor->schema);
     }
     *value = encoder_.value();
     return refresh();
@@ -160,13 +110,7 @@ pm_error redis_writer::refresh() {
 }
 
 pm_error redis_writer::clear() {
-    cleared_ = true;
-    platform_.reset();
-    node_ids_.clear();
-    nodes_.clear();
-    interfaces_.clear();
-    schemas_.clear();
-    publishers_.clear();
+    router_.clear();
     served_.clear();
     encoder_.forget_types();
     return items_.clear();
@@ -174,39 +118,38 @@ pm_error redis_writer::clear() {
 
 pm_error redis_writer::put_platform(const void *local_platform_record) {
     return encode(store::key(key_space::platform), local_platform_record, local_platform_descriptor(),
-                  &platform_.emplace());
+                  router_.platform());
 }
 
 pm_error redis_writer::put_node(std::uint32_t id, const void *local_node_record) {
-    const auto place =
-        static_cast<std::uint32_t>(std::find(node_ids_.begin(), node_ids_.end(), id) - node_ids_.begin());
-    if (place == node_ids_.size()) {
-        node_ids_.push_back(id);
-    }
-    return encode(store::key(key_space::node, place), local_node_record, local_node_descriptor(), &nodes_[place]);
+    const std::uint32_t position = router_.position_of(id);
+    return encode(store::key(key_space::node, position), local_node_record, local_node_descriptor(),
+                  router_.node(position));
 }
 
 pm_error redis_writer::put_interface(std::uint32_t handle, const void *local_interface_record) {
     return encode(store::key(key_space::interface, handle), local_interface_record, local_interface_descriptor(),
-                  &interfaces_[hexadecimal(handle, 8)]);
+                  router_.interface(handle));
+}
+
+pm_error redis_writer::put_publisher_record(const branch &served, const local_publisher &record,
+                                            std::uint32_t lease_msec) {
+    served_.insert(served);
+    std::string sealed;
+    pm_error error = encode(branch_key(key_space::publisher, served), &record, local_publisher_descriptor(), &sealed);
+    router_.put_publisher(served, std::move(sealed), lease_msec);
+    return error;
 }
 
 pm_error redis_writer::put_publisher(const branch &served, store::publisher_state state) {
-    served_.insert(served);
-    const local_publisher record{static_cast<std::uint32_t>(state), nullptr};
-    sealed_publisher &put = publishers_[served];
-    put.lease_msec = 0;
-    return encode(branch_key(key_space::publisher, served), &record, local_publisher_descriptor(), &put.value);
+    return put_publisher_record(served, {static_cast<std::uint32_t>(state), nullptr}, 0);
 }
 
 // The server's own expiry ends the lease; the record tells that there is one.
 pm_error redis_writer::put_leased_publisher(const branch &served, std::uint32_t lease_msec) {
-    served_.insert(served);
     local_lease lease{"", lease_msec};
-    const local_publisher record{static_cast<std::uint32_t>(store::publisher_state::running), &lease};
-    sealed_publisher &put = publishers_[served];
-    put.lease_msec = lease_msec;
-    return encode(branch_key(key_space::publisher, served), &record, local_publisher_descriptor(), &put.value);
+    return put_publisher_record(served, {static_cast<std::uint32_t>(store::publisher_state::running), &lease},
+                                lease_msec);
 }
 
 pm_error redis_writer::put_item(const branch &into, std::string_view path, const void *record,
@@ -244,79 +187,27 @@ pm_error redis_writer::remove_below(const branch &from, std::string_view path, s
     return error ? error : items_.remove_below(from, store::prefix_below(path), removed);
 }
 
-void redis_writer::add_cleared(command_list *changes) const {
-    for (const known_branch &each : directory_.branches()) {
-        changes->add({"UNLINK", names_.of(each.named, branch_part::items),
-                      names_.of(each.named, branch_part::publisher), names_.of(each.named, branch_part::lease)});
-    }
-    for (const state_part part :
-         {state_part::marks, state_part::nodes, state_part::branches, state_part::interfaces, state_part::schemas}) {
-        changes->add({"UNLINK", names_.of(part)});
-    }
-}
-
-void redis_writer::add_hash(state_part part, const std::map<std::string, std::string> &fields,
-                            command_list *changes) const {
-    std::vector<std::string> words;
-    for (const auto &[field, value] : fields) {
-        if (words.empty()) {
-            words = {"HSET", names_.of(part)};
-        }
-        words.insert(words.end(), {field, value});
-        if (words.size() >= 2 * FIELDS_AT_ONCE) {
-            changes->add(std::move(words));
-            words.clear();
+// One step for everything: the directory's entries are noted after the branches have changed.
+pm_error redis_writer::commit_to_server(const commit_plan &plan) {
+    change_set all = plan.state;
+    for (const auto &[named, each] : plan.branches) {
+        all.append(each.changes);
+        if (each.is_listed) {
+            all.commands.add_note("ZCARD", names_.of(named, branch_part::items), names_.of(state_part::branches),
+                                  branch_name(named));
         }
     }
-    if (!words.empty()) {
-        changes->add(std::move(words));
-    }
-}
-
-void redis_writer::add_state(command_list *changes) const {
-    std::map<std::string, std::string> marks = {{"F", STORE_FORMAT}, {"V", std::to_string(directory_.version() + 1)}};
-    if (platform_) {
-        marks["P"] = *platform_;
-    }
-    add_hash(state_part::marks, marks, changes);
-    add_hash(state_part::interfaces, interfaces_, changes);
-    add_hash(state_part::schemas, schemas_, changes);
-    std::uint32_t length = cleared_ ? 0 : static_cast<std::uint32_t>(directory_.nodes().size());
-    for (const auto &[position, value] : nodes_) {
-        if (position < length) {
-            changes->add({"LSET", names_.of(state_part::nodes), std::to_string(position), value});
-        } else {
-            changes->add({"RPUSH", names_.of(state_part::nodes), value});
-            ++length;
-        }
-    }
-    for (const auto &[served, record] : publishers_) {
-        const std::string lease = names_.of(served, branch_part::lease);
-        changes->add({"SET", names_.of(served, branch_part::publisher), record.value});
-        if (record.lease_msec > 0) {
-            changes->add({"SET", lease, lock_.token(), "PX", std::to_string(record.lease_msec)});
-        } else {
-            changes->add({"DEL", lease});
-        }
-        changes->add({"HSETNX", names_.of(state_part::branches), branch_name(served), NO_ITEMS});
-    }
+    return all.staged.empty() ? run_transaction(&client_, &lock_, all) : run_script(&client_, &lock_, all);
 }
 
 pm_error redis_writer::commit() {
-    std::vector<expected_set> staged;
-    command_list changes;
-    pipeline typed;
-    if (cleared_) {
-        add_cleared(&changes);
-    }
-    typed.add({"HLEN", names_.of(state_part::interfaces)});
-    typed.add({"HLEN", names_.of(state_part::schemas)});
-    if (pm_error error = items_.finish(&staged, &changes, &typed)) {
+    commit_plan plan;
+    router_.add_to(&plan, directory_, lock_.token());
+    if (pm_error error = items_.finish(&plan)) {
         return error;
     }
-    add_state(&changes);
-    pm_error error = staged.empty() ? run_transaction(&client_, &lock_, typed, changes)
-                                    : run_script(&client_, &lock_, typed, staged, changes);
+    pm_error error = is_cluster_ || client_.was_redirected() ? commit_to_cluster(&client_, names_, &lock_, plan)
+                                                             : commit_to_server(plan);
     if (!error) {
         items_.forget();
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/errcode.h"
+#include "platform/local/redis_store/stage_pipeline.h"
 
 namespace redis_store {
 
@@ -14,70 +15,7 @@ using knowledge = branch_changes::knowledge;
 
 constexpr std::size_t MAX_PENDING_ITEMS = 2000;  // a MULTI of more makes every other client of the server wait
 constexpr std::size_t MAX_PENDING_BYTES = 8 * 1024 * 1024;
-constexpr std::size_t MEMBERS_AT_ONCE = 64;
-constexpr std::size_t PIPELINE_BYTES = 512 * 1024;
 constexpr char STAGE_EXPIRY_MSEC[] = "60000";  // longer than the lock's
-
-// What the directory says of a branch from which something was removed.
-constexpr char NOTE_ITEMS[] =
-    "return redis.call('HSET', KEYS[2], ARGV[1], "
-    "redis.call('EXISTS', KEYS[1]) == 1 and 'i' or '-')";
-
-// A pipeline to a staged set that is sent when it has grown large, and what its answers sum up to.
-class stage_pipeline {
-public:
-    explicit stage_pipeline(client *server) : client_(*server) {}
-
-    // `sign`: whether the command's answer counts members that came (1) or went (-1), or neither (0).
-    [[nodiscard]] pm_error add(std::span<const std::string_view> words, int sign) {
-        commands_.add(words);
-        signs_.push_back(sign);
-        return commands_.bytes().size() > PIPELINE_BYTES ? send() : pm_error();
-    }
-    [[nodiscard]] pm_error add(std::initializer_list<std::string_view> words, int sign) {
-        return add(std::span(words.begin(), words.size()), sign);
-    }
-    [[nodiscard]] pm_error send() {
-        std::vector<plain_answer> answers(signs_.size(), plain_answer(1));
-        std::vector<answer *> all;
-        for (plain_answer &each : answers) {
-            all.push_back(&each);
-        }
-        if (pm_error error = client_.exchange(commands_, all, repetition::forbidden)) {
-            return error;
-        }
-        for (std::size_t i = 0; i < answers.size(); ++i) {
-            sum_ += signs_[i] < 0 ? -answers[i].number() : signs_[i] > 0 ? answers[i].number() : 0;
-        }
-        commands_.clear();
-        signs_.clear();
-        return {};
-    }
-    [[nodiscard]] std::uint64_t sum() const { return sum_; }  // modulo 2^64
-
-private:
-    client &client_;
-    pipeline commands_;
-    std::vector<int> signs_;
-    std::uint64_t sum_ = 0;
-};
-
-// Members that become one ZADD.
-class member_list {
-public:
-    explicit member_list(std::string_view key) { words_ = {"ZADD", key}; }
-    void add(std::string_view member) {
-        words_.push_back("0");
-        words_.push_back(member);
-    }
-    [[nodiscard]] bool empty() const { return words_.size() == 2; }
-    [[nodiscard]] bool full() const { return words_.size() == 2 + 2 * MEMBERS_AT_ONCE; }
-    [[nodiscard]] const std::vector<std::string_view> &words() const { return words_; }
-    void clear() { words_.resize(2); }
-
-private:
-    std::vector<std::string_view> words_;
-};
 
 }  // namespace
 
@@ -111,6 +49,7 @@ pm_error staged_items::clear() {
             commands.add({"UNLINK", names_.stage(named, lock_.token())});
         }
     }
+    cleared_ = true;
     pending_items_ = 0;
     pending_bytes_ = 0;
     std::vector<plain_answer> done(commands.commands(), plain_answer(1));
@@ -318,15 +257,20 @@ void staged_items::add_direct(const entry &of, command_list *changes) const {
     if (added.size() > 2) {
         changes->add(std::move(added));
     }
-    if (pending.removes()) {
-        const std::string directory = names_.of(state_part::branches);
-        changes->add({"EVAL", NOTE_ITEMS, "2", key, directory, branch_name(of.first)});
-    } else {
-        changes->add({"HSET", names_.of(state_part::branches), branch_name(of.first), ITEMS});
+}
+
+void staged_items::add_staged(const entry &of, change_set *changes) const {
+    const std::string key = names_.of(of.first, branch_part::items);
+    const std::string stage = names_.stage(of.first, lock_.token());
+    changes->staged.emplace_back(stage, of.second.members);
+    changes->commands.add({"UNLINK", key});  // a RENAME frees the old set while others wait
+    if (of.second.members > 0) {
+        changes->commands.add({"PERSIST", stage});
+        changes->commands.add({"RENAME", stage, key});
     }
 }
 
-pm_error staged_items::finish(std::vector<expected_set> *staged, command_list *changes, pipeline *typed) {
+pm_error staged_items::finish(commit_plan *plan) {
     const bool stages =
         std::any_of(branches_.begin(), branches_.end(), [](const entry &each) { return each.second.is_staged; });
     if (stages) {
@@ -335,24 +279,22 @@ pm_error staged_items::finish(std::vector<expected_set> *staged, command_list *c
         }
     }
     for (const entry &each : branches_) {
-        const auto &[named, now] = each;
-        const std::string key = names_.of(named, branch_part::items);
-        if (!now.is_staged && now.changes.empty()) {
+        if (!each.second.is_staged && each.second.changes.empty()) {
             continue;
         }
-        typed->add({"ZCARD", key});
-        if (!now.is_staged) {
-            add_direct(each, changes);
-            continue;
+        branch_commit &into = plan->branches[each.first];
+        into.is_listed = true;
+        const std::string key = names_.of(each.first, branch_part::items);
+        if (cleared_) {  // whatever is there goes
+            into.changes.commands.add({"UNLINK", key});
+        } else {
+            into.changes.typed.emplace_back("ZCARD", key);
         }
-        const std::string stage = names_.stage(named, lock_.token());
-        staged->emplace_back(stage, now.members);
-        changes->add({"UNLINK", key});
-        if (now.members > 0) {
-            changes->add({"PERSIST", stage});
-            changes->add({"RENAME", stage, key});
+        if (each.second.is_staged) {
+            add_staged(each, &into.changes);
+        } else {
+            add_direct(each, &into.changes.commands);
         }
-        changes->add({"HSET", names_.of(state_part::branches), branch_name(named), now.members > 0 ? ITEMS : NO_ITEMS});
     }
     return {};
 }

@@ -10,7 +10,7 @@
 
 #include "platform/local/redis_store/branch_changes.h"
 #include "platform/local/redis_store/client.h"
-#include "platform/local/redis_store/commit_script.h"
+#include "platform/local/redis_store/commit_plan.h"
 #include "platform/local/redis_store/redis_key.h"
 #include "platform/local/redis_store/writer_lock.h"
 
@@ -39,8 +39,8 @@ public:
 
     // Keeps what is staged from expiring.
     [[nodiscard]] pm_error prolong();
-    // The last step before the commit: what it needs. `*staged` is empty when nothing is staged.
-    [[nodiscard]] pm_error finish(std::vector<expected_set> *staged, command_list *changes, pipeline *typed);
+    // The last step before the commit: adds what it changes.
+    [[nodiscard]] pm_error finish(commit_plan *plan);
     // The staged sets have become the branches' own.
     void forget() { branches_.clear(); }
 
@@ -61,10 +61,12 @@ private:
     [[nodiscard]] pm_error begin_stage(entry *of);
     [[nodiscard]] pm_error stage_changes(entry *of);
     void add_direct(const entry &of, command_list *changes) const;
+    void add_staged(const entry &of, change_set *changes) const;
 
     client &client_;
     const key_names &names_;
     const writer_lock &lock_;
+    bool cleared_ = false;
     std::map<store::branch, state> branches_;
     std::size_t pending_items_ = 0;
     std::size_t pending_bytes_ = 0;
