@@ -115,12 +115,12 @@ TEST_F(loss_shows_test, sessions_of_interfaces) {
 
 TEST_F(loss_shows_test, probes) {
     expect_rows("-c 4 -t 3 -L 1", "  Probe Start Timestamp                           Pkt(Sent/Received)   Loss(%)",
-                "  <t>                                       100/90        10");
+                "  <t>                                    100/90        10");
 }
 
 TEST_F(loss_shows_test, aggregations) {
     expect_rows("-c 5 -t 3 -L 1", "  Aggregation Start Timesta                       Pkt(Sent/Received)   Loss(%)",
-                "  <t>                                      200/180        10");
+                "  <t>                                   200/180        10");
 }
 
 TEST_F(loss_shows_test, advertisements) {

@@ -190,7 +190,7 @@ TEST_F(path_test, an_interface_that_is_made_anew_is_measured_again) {
     live_service far(REFLECTOR, path.in("b"));
     live_service near(watching(path), path.in("a"));
     ASSERT_TRUE(within(8, [&] { return near.shows("-c 1", "Advertised reason: First advertisement"); })) << near.log();
-    ASSERT_TRUE(path.run_in("a", "ip link del a"));  // and its other end with it
+    ASSERT_TRUE(path.run_in("a", "ip link del dev a"));  // and its other end with it
     EXPECT_TRUE(within(5, [&] { return near.shows("-c 1", "Not running: Interface not present or preconfigured"); }));
     EXPECT_TRUE(near.shows("-c 20 -t 3", "PM-ERROR"));
     EXPECT_TRUE(within(5, [&] { return near.shows("-c 26", "Session State: Down"); }));
