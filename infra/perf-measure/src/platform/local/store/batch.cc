@@ -44,6 +44,21 @@ bool batch::add(std::string_view path, std::string_view parcel) {
     return true;
 }
 
+void batch::take(block *filled) noexcept {
+    items_.clear();
+    bytes_.swap(filled->bytes);
+    std::swap(capacity_, filled->capacity);
+    used_ = capacity_;
+}
+
+bool batch::add_in_place(std::string_view path, std::string_view parcel) {
+    more_ = more_ || items_.size() == max_items_;
+    if (!more_) {
+        items_.push_back({path, parcel});
+    }
+    return !more_;
+}
+
 void batch::swap(batch *other) noexcept {
     items_.swap(other->items_);
     bytes_.swap(other->bytes_);
