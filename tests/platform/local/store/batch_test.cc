@@ -36,6 +36,23 @@ TEST(Batch, EndsAtItsNumberOfBytes) {
     EXPECT_EQ(batch.items()[1].parcel, large);
 }
 
+// What is left out ends a batch, also where a smaller item after it would fit: nothing is passed over.
+TEST(Batch, OfLargeLargeLargeAndSmallEndsBeforeTheThird) {
+    const std::string large(100'000, 'x');
+    store::batch batch;
+    batch.clear(200);
+    EXPECT_TRUE(batch.add("1", large));
+    EXPECT_TRUE(batch.add("2", large));
+    EXPECT_FALSE(batch.add("3", large));
+    batch.clear(200);  // the listing goes on after the last one that it has
+    EXPECT_TRUE(batch.add("3", large));
+    EXPECT_TRUE(batch.add("4", "small"));
+    EXPECT_FALSE(batch.more());
+    ASSERT_EQ(batch.items().size(), 2U);
+    EXPECT_EQ(batch.items()[0].parcel, large);
+    EXPECT_EQ(batch.items()[1].parcel, "small");
+}
+
 TEST(Batch, TakesAFirstItemOfAnySize) {
     const std::string huge(3 * store::BATCH_BYTES, 'h');
     store::batch batch;

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// Pages: the items of a range of a branch, as the server's answer brings them.
+// Pages: the items of a range of a branch, where the server's answer brought them.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/local/redis_store/answer.h"
 #include "platform/local/store/batch.h"
@@ -28,21 +29,36 @@ public:
     [[nodiscard]] bool integer(std::int64_t) override { return false; }
     [[nodiscard]] bool nil() override { return false; }
     [[nodiscard]] bool status(std::string_view) override { return false; }
+    [[nodiscard]] bool keeps_texts() const override { return !large_ && members_.size() < limit_; }
+    void moved(const char *from, const char *to) override;
+    void take(store::block *received) override;
 
-    // Unsealed; a value that is not its path's is empty.
-    [[nodiscard]] store::batch &items() { return items_; }
+    // Whether others follow, and the last path, known before the items are unsealed.
+    [[nodiscard]] bool has_more() const { return seen_ > members_.size(); }
+    [[nodiscard]] std::string_view last_path() const { return members_.back().path; }
+    // Unsealed, at the first call; a value that is not its path's is empty.
+    [[nodiscard]] store::batch &items();
     // Whether it ended at its bytes.
     [[nodiscard]] bool was_large() const { return large_; }
 
 private:
+    struct member {
+        std::string_view path;
+        std::string_view sealed;
+    };
+
     std::string key_;  // of an item in the embedded store's form, which seals are of
     std::size_t path_at_ = 0;
     std::string prefix_;
     std::string after_;
-    std::string last_;
     std::uint32_t limit_ = 0;
-    std::uint32_t seen_ = 0;
+
+    std::vector<member> members_;
+    std::size_t bytes_ = 0;
+    std::size_t seen_ = 0;
+    std::string last_dropped_;  // path, once members are dropped
     bool large_ = false;
+    bool unsealed_ = false;
     store::batch items_;
 };
 

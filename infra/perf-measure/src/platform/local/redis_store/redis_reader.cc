@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "platform/local/redis_store/branch_pages.h"
+#include "platform/local/redis_store/branch_reader.h"
 #include "platform/local/redis_store/directory.h"
 #include "platform/local/store/record_key.h"
 #include "platform/local/store/seal.h"
@@ -26,14 +26,18 @@ public:
         : names_(url.prefix),
           client_(std::move(url), purpose::reading),
           directory_(&client_, &names_),
-          pages_(&client_, &names_) {}
+          items_(&client_, &names_) {}
 
     [[nodiscard]] pm_error open();
 
     [[nodiscard]] pm_error list(const branch &from, const store::list_query &asked, store::known_state *state,
-                                store::batch *out) override;
+                                store::batch *out) override {
+        return items_.list(from, asked, state, out);
+    }
     [[nodiscard]] pm_error get(const branch &from, std::string_view path, const store::selection &which,
-                               store::known_state *state, std::string *parcel) override;
+                               store::known_state *state, std::string *parcel) override {
+        return items_.get(from, path, which, state, parcel);
+    }
     [[nodiscard]] pm_error platform(std::string *parcel) override;
     [[nodiscard]] pm_error nodes(std::vector<std::string> *parcels) override;
     [[nodiscard]] pm_error interface(std::uint32_t handle, std::string *parcel) override;
@@ -44,25 +48,16 @@ public:
     [[nodiscard]] pm_error count(store::census *out) override;
 
 private:
-    [[nodiscard]] pm_error list_all(page_query query, const store::list_query &asked, store::known_state *state,
-                                    store::batch *out);
-    [[nodiscard]] pm_error list_matching(page_query query, const store::list_query &asked, store::known_state *state,
-                                         store::batch *out);
-    [[nodiscard]] pm_error match_page(const page_query &query, const store::selection &which, store::batch *out,
-                                      std::string *resume);
-    [[nodiscard]] pm_error read_state(const store::selection &which, store::known_state *state, bool *wants_items);
     [[nodiscard]] pm_error hash_value(state_part part, const std::string &field, std::string *value);
     [[nodiscard]] pm_error exchange(const pipeline &commands, std::span<answer *const> answers) {
-        pages_.settle();
+        items_.settle();
         return client_.exchange(commands, answers, repetition::allowed);
     }
-    void follow_page_size();
 
     key_names names_;
     client client_;
     directory directory_;
-    branch_pages pages_;
-    std::uint32_t page_items_ = PAGE_ITEMS;
+    branch_reader items_;
     std::vector<std::uint32_t> handles_;  // of interfaces, ascending, while they are read
 };
 
@@ -71,180 +66,6 @@ pm_error redis_reader::open() {
         return error;
     }
     return directory_.is_store() ? pm_error() : pm_error(OPSTORE_NO_CLIENT);
-}
-
-pm_error redis_reader::read_state(const store::selection &which, store::known_state *state, bool *wants_items) {
-    if (state != nullptr) {
-        if (pm_error error = pages_.publisher(state)) {
-            return error;
-        }
-    }
-    *wants_items = !which.only_running || *state == store::publisher_state::running;
-    return {};
-}
-
-// Large items make pages of fewer ones.
-void redis_reader::follow_page_size() {
-    if (pages_.items().was_large()) {
-        page_items_ = std::max(page_items_ / 2, 1U);
-    }
-}
-
-pm_error redis_reader::list(const branch &from, const store::list_query &asked, store::known_state *state,
-                            store::batch *out) {
-    page_query query;
-    query.from = from;
-    query.prefix = asked.prefix;
-    query.after = asked.after;
-    query.limit = page_items_;
-    out->clear(asked.max_items, PAGE_BYTES);
-    return asked.which.predicate == nullptr ? list_all(std::move(query), asked, state, out)
-                                            : list_matching(std::move(query), asked, state, out);
-}
-
-pm_error redis_reader::list_all(page_query query, const store::list_query &asked, store::known_state *state,
-                                store::batch *out) {
-    query.limit = std::min(query.limit, asked.max_items);
-    bool wants_items = false;
-    if (pm_error error = pages_.read(query)) {
-        return error;
-    }
-    if (pm_error error = read_state(asked.which, state, &wants_items); error || !wants_items) {
-        return error;
-    }
-    follow_page_size();
-    out->swap(&pages_.items().items());
-    if (out->more() && asked.max_items > 1) {
-        query.after = out->items().back().path;
-        query.limit = std::min(page_items_, asked.max_items);
-        pages_.ask_ahead(query);
-    }
-    return {};
-}
-
-pm_error redis_reader::list_matching(page_query query, const store::list_query &asked, store::known_state *state,
-                                     store::batch *out) {
-    if (!query.prefix.starts_with(asked.which.companion.items)) {
-        return pm_error(ERRCODE_INVALID_ARGUMENT);
-    }
-    query.items = asked.which.companion.items;
-    query.companions = asked.which.companion.companions;
-    for (;;) {
-        bool wants_items = false;
-        if (pm_error error = pages_.read(query)) {
-            return error;
-        }
-        if (pm_error error = read_state(asked.which, state, &wants_items); error || !wants_items) {
-            return error;
-        }
-        follow_page_size();
-        std::string resume;
-        if (pm_error error = match_page(query, asked.which, out, &resume)) {
-            return error;
-        }
-        if (out->more() || resume.empty()) {
-            return {};
-        }
-        query.after = std::move(resume);
-        query.limit = page_items_;
-    }
-}
-
-// Adds the items of the page that match. `*resume` is the path after which nothing was decided; empty at the end. Items
-// and companions both ascend by name, and both may end early.
-pm_error redis_reader::match_page(const page_query &query, const store::selection &which, store::batch *out,
-                                  std::string *resume) {
-    const store::batch &items = pages_.items().items();
-    const store::batch &companions = pages_.companions().items();
-    const bool has_companions = !query.companions.empty();
-    std::string bound;  // the last path that is decided
-    if (items.more()) {
-        bound = items.items().back().path;
-    }
-    if (has_companions && companions.more()) {
-        const std::string_view last = companions.items().back().path;
-        const std::string path = query.items + std::string(last.substr(query.companions.size()));
-        bound = bound.empty() ? path : std::min(bound, path);
-    }
-    std::size_t next = 0;
-    for (const store::item &item : items.items()) {
-        if (!bound.empty() && item.path > bound) {
-            break;
-        }
-        std::string_view companion;
-        if (has_companions) {
-            const auto name_of = [&](std::size_t i) {
-                return companions.items()[i].path.substr(query.companions.size());
-            };
-            const std::string_view name = item.path.substr(query.items.size());
-            while (next < companions.items().size() && name_of(next) < name) {
-                ++next;
-            }
-            if (next < companions.items().size() && name_of(next) == name) {
-                companion = companions.items()[next].parcel;
-                if (companion.empty()) {  // another item's value
-                    return pm_error(OPSTORE_DAMAGED);
-                }
-            }
-        }
-        bool matches = false;
-        if (const errcode code = which.predicate->match(item.path, item.parcel, companion, &matches);
-            code != ERRCODE_SUCCESS) {
-            return pm_error(code);
-        }
-        if (matches && !out->add(item.path, item.parcel)) {
-            return {};
-        }
-    }
-    *resume = std::move(bound);
-    return {};
-}
-
-pm_error redis_reader::get(const branch &from, std::string_view path, const store::selection &which,
-                           store::known_state *state, std::string *parcel) {
-    page_query query;
-    query.from = from;
-    query.prefix = path;
-    query.limit = 1;
-    query.one_path = true;
-    if (which.predicate != nullptr && path.starts_with(which.companion.items)) {
-        query.items = which.companion.items;
-        query.companions = which.companion.companions;
-    }
-    parcel->clear();
-    if (pm_error error = pages_.read(query)) {
-        return error;
-    }
-    bool wants_items = false;
-    if (pm_error error = read_state(which, state, &wants_items); error || !wants_items) {
-        return error;
-    }
-    const store::batch &found = pages_.items().items();
-    const store::batch &companion = pages_.companions().items();
-    if (found.items().empty()) {
-        return pm_error(ERRCODE_NOT_FOUND);
-    }
-    const store::item &item = found.items().front();
-    if (found.more() || item.parcel.empty()) {  // two members of one path, or another item's value
-        return pm_error(OPSTORE_DAMAGED);
-    }
-    bool matches = true;
-    if (which.predicate != nullptr) {
-        const bool has_companion = !query.companions.empty() && !companion.items().empty();
-        if (has_companion && companion.items().front().parcel.empty()) {
-            return pm_error(OPSTORE_DAMAGED);
-        }
-        const errcode code = which.predicate->match(
-            path, item.parcel, has_companion ? companion.items().front().parcel : std::string_view(), &matches);
-        if (code != ERRCODE_SUCCESS) {
-            return pm_error(code);
-        }
-    }
-    if (!matches) {
-        return pm_error(ERRCODE_NOT_FOUND);
-    }
-    *parcel = item.parcel;
-    return {};
 }
 
 pm_error redis_reader::platform(std::string *parcel) {
@@ -291,7 +112,7 @@ pm_error redis_reader::schema(std::uint64_t fingerprint, std::string *text) {
 
 pm_error redis_reader::branches(std::vector<branch> *out) {
     out->clear();
-    pages_.settle();
+    items_.settle();
     if (pm_error error = directory_.read()) {
         return error;
     }
@@ -309,7 +130,7 @@ pm_error redis_reader::branches(std::vector<branch> *out) {
 pm_error redis_reader::publishers(std::vector<store::publisher_entry> *out) {
     for (int tries = 0; tries < MAX_TRIES; ++tries) {
         out->clear();
-        pages_.settle();
+        items_.settle();
         if (pm_error error = directory_.read()) {
             return error;
         }
@@ -347,7 +168,7 @@ pm_error redis_reader::publishers(std::vector<store::publisher_entry> *out) {
 pm_error redis_reader::interfaces(std::uint64_t from, std::vector<store::interface_entry> *out) {
     out->clear();
     if (from == 0) {
-        pages_.settle();
+        items_.settle();
         if (pm_error error = directory_.read_handles(&handles_)) {
             return error;
         }
@@ -385,7 +206,7 @@ pm_error redis_reader::interfaces(std::uint64_t from, std::vector<store::interfa
 }
 
 pm_error redis_reader::count(store::census *out) {
-    pages_.settle();
+    items_.settle();
     return directory_.count(out);
 }
 

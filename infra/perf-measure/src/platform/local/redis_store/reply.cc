@@ -1,101 +1,174 @@
 // SPDX-License-Identifier: Apache-2.0
-// hiredis' reader with functions that hand each element on instead of making an object of it.
+// Takes replies apart in the memory in which they are received.
 #include "platform/local/redis_store/reply.h"
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstring>
-#include <hiredis/read.h>
-#include <new>
+#include <utility>
 
 #include "platform/errcode.h"
 
 namespace redis_store {
 namespace {
 
-constexpr std::size_t RECEIVE_BYTES = 64 * 1024;
-constexpr std::size_t MAX_HEADER_BYTES = 64 * 1024;  // a status, an error or a length, with the end of its line
+constexpr std::size_t LEAST_ROOM = 16 * 1024;  // to receive into
+constexpr std::size_t BLOCK_STEP = 64 * 1024;  // blocks are of as many, or of some of them
+constexpr std::string_view LINE_END = "\r\n";
 
-// What the reader keeps for an element; it only tells it from null, which means that the element is refused.
-void *kept(bool is_kept) {
-    static char object;
-    return is_kept ? &object : nullptr;
+pm_error damaged(const char *what) { return {OPSTORE_DAMAGED, what}; }
+pm_error refused() { return damaged("an answer that the command cannot have"); }
+
+// The whole line as a number.
+bool parse_number(std::string_view line, std::int64_t *number) {
+    const auto [end, code] = std::from_chars(line.data(), line.data() + line.size(), *number);
+    return code == std::errc{} && end == line.data() + line.size();
 }
-
-reply_sink *sink_of(const redisReadTask *task) { return static_cast<reply_sink *>(task->privdata); }
-
-int depth_of(const redisReadTask *task) {
-    int depth = 1;
-    for (const redisReadTask *parent = task->parent; parent != nullptr; parent = parent->parent) {
-        ++depth;
-    }
-    return depth;
-}
-
-void *take_text(const redisReadTask *task, char *bytes, std::size_t length) {
-    const std::string_view text(bytes, length);
-    switch (task->type) {
-    case REDIS_REPLY_STATUS: return kept(sink_of(task)->status(text));
-    case REDIS_REPLY_ERROR: return kept(sink_of(task)->error(text));
-    default: return kept(length <= MAX_ELEMENT_BYTES && sink_of(task)->text(text));
-    }
-}
-void *take_array(const redisReadTask *task, int elements) {
-    return kept(depth_of(task) <= MAX_REPLY_DEPTH && sink_of(task)->array(static_cast<std::size_t>(elements)));
-}
-void *take_integer(const redisReadTask *task, long long value) { return kept(sink_of(task)->integer(value)); }
-void *take_nil(const redisReadTask *task) { return kept(sink_of(task)->nil()); }
-void free_nothing(void *) {}
-
-redisReplyObjectFunctions functions = {take_text, take_array, take_integer, take_nil, free_nothing};
 
 }  // namespace
 
-void reply_stream::reader_deleter::operator()(redisReader *reader) const { redisReaderFree(reader); }
-
-reply_stream::reply_stream() : received_(RECEIVE_BYTES) { reset(); }
-reply_stream::~reply_stream() = default;
-
 void reply_stream::reset() {
-    reader_.reset(redisReaderCreateWithFunctions(&functions));
-    if (reader_ == nullptr) {
-        throw std::bad_alloc();
-    }
-    reader_->maxbuf = 0;  // its buffer is kept from one reply to the next
+    next_ = 0;
+    end_ = 0;
+    kept_ = 0;
 }
 
-// Whether what is buffered of an incomplete reply can still become an element within the bounds. The reader itself
-// waits for any length that the server announces.
-bool reply_stream::is_bounded() const {
-    const std::size_t waiting = reader_->len - reader_->pos;
-    if (waiting <= MAX_HEADER_BYTES) {
-        return true;
+// Makes room for `wanted` bytes after those that are there. What was read and is not kept makes place for others.
+void reply_stream::make_room(reply_sink *sink, std::size_t wanted) {
+    if (received_.capacity - end_ >= wanted) {
+        return;
     }
-    const char *const begin = reader_->buf + reader_->pos;
-    return *begin == '$' && std::memchr(begin, '\n', 32) != nullptr && waiting <= MAX_ELEMENT_BYTES + MAX_HEADER_BYTES;
+    char *const bytes = received_.bytes.get();
+    if (next_ > kept_) {
+        std::memmove(bytes + kept_, bytes + next_, end_ - next_);
+        end_ -= next_ - kept_;
+        next_ = kept_;
+    }
+    if (received_.capacity - end_ >= wanted) {
+        return;
+    }
+    store::block larger((end_ + wanted + BLOCK_STEP - 1) / BLOCK_STEP * BLOCK_STEP);
+    if (end_ > 0) {
+        std::memcpy(larger.bytes.get(), bytes, end_);
+    }
+    if (kept_ > 0) {
+        sink->moved(bytes, larger.bytes.get());
+    }
+    received_ = std::move(larger);
+}
+
+pm_error reply_stream::receive_more(connection *from, reply_sink *sink, std::size_t wanted) {
+    make_room(sink, std::max(wanted, LEAST_ROOM));
+    std::size_t length = 0;
+    pm_error error = from->receive(received_.bytes.get() + end_, received_.capacity - end_, &length);
+    end_ += length;
+    return error;
+}
+
+// The next line, without its end.
+pm_error reply_stream::read_line(connection *from, reply_sink *sink, std::string_view *line) {
+    for (std::size_t searched = 0;;) {
+        const std::string_view unread(received_.bytes.get() + next_, end_ - next_);
+        const std::size_t end = unread.find('\n', searched);
+        if (end != std::string_view::npos) {
+            *line = unread.substr(0, end == 0 ? 0 : end - 1);
+            next_ += end + 1;
+            return unread.substr(line->size(), 2) == LINE_END ? pm_error() : damaged("no answer: a line has no end");
+        }
+        if (unread.size() > MAX_LINE_BYTES) {
+            return damaged("an answer that is too long");
+        }
+        searched = unread.size();
+        if (pm_error error = receive_more(from, sink, 0)) {
+            return error;
+        }
+    }
+}
+
+pm_error reply_stream::read_text(connection *from, reply_sink *sink, std::size_t length) {
+    const std::size_t whole = length + LINE_END.size();
+    while (end_ - next_ < whole) {
+        if (pm_error error = receive_more(from, sink, whole - (end_ - next_))) {
+            return error;
+        }
+    }
+    const std::string_view text(received_.bytes.get() + next_, length);
+    if (std::string_view(text.data() + length, LINE_END.size()) != LINE_END) {
+        return damaged("no answer: a text is longer than was said");
+    }
+    next_ += whole;
+    kept_ = sink->keeps_texts() ? next_ : kept_;
+    return sink->text(text) ? pm_error() : refused();
+}
+
+// An element, or the beginning of an array of `*elements`.
+pm_error reply_stream::read_element(connection *from, reply_sink *sink, std::size_t *elements) {
+    std::string_view line;
+    if (pm_error error = read_line(from, sink, &line)) {
+        return error;
+    }
+    const char kind = line.empty() ? '\0' : line.front();
+    line.remove_prefix(line.empty() ? 0 : 1);
+    if (kind == '+' || kind == '-') {
+        return (kind == '+' ? sink->status(line) : sink->error(line)) ? pm_error() : refused();
+    }
+    std::int64_t number = 0;
+    if ((kind != ':' && kind != '$' && kind != '*') || !parse_number(line, &number)) {
+        return damaged("no answer: it begins with neither a kind nor a number");
+    }
+    if (kind == ':') {
+        return sink->integer(number) ? pm_error() : refused();
+    }
+    if (number == -1) {
+        return sink->nil() ? pm_error() : refused();
+    }
+    if (number < 0 || (kind == '$' && static_cast<std::size_t>(number) > MAX_ELEMENT_BYTES)) {
+        return damaged("no answer: a length is out of bounds");
+    }
+    if (kind == '$') {
+        return read_text(from, sink, static_cast<std::size_t>(number));
+    }
+    *elements = static_cast<std::size_t>(number);
+    return sink->array(*elements) ? pm_error() : refused();
+}
+
+// What was received after the reply goes to the block that the sink leaves.
+void reply_stream::hand_over(reply_sink *sink) {
+    const char *const rest = received_.bytes.get() + next_;
+    const std::size_t length = end_ - next_;
+    sink->take(&received_);
+    reset();
+    if (length > 0) {
+        make_room(sink, length);
+        std::memcpy(received_.bytes.get(), rest, length);
+        end_ = length;
+    }
 }
 
 pm_error reply_stream::next(connection *from, reply_sink *sink) {
-    reader_->privdata = sink;
-    for (;;) {
-        void *reply = nullptr;
-        if (redisReaderGetReply(reader_.get(), &reply) != 0) {
-            // "Out of memory" is what the reader makes of an element that was refused.
-            return {OPSTORE_DAMAGED, reader_->err == REDIS_ERR_OOM ? "an answer that the command cannot have"
-                                                                   : std::string("no answer: ") + reader_->errstr};
-        }
-        if (reply != nullptr) {
-            return {};
-        }
-        if (!is_bounded()) {
-            return {OPSTORE_DAMAGED, "an answer that is too long"};
-        }
-        std::size_t length = 0;
-        if (pm_error error = from->receive(received_.data(), received_.size(), &length)) {
+    std::array<std::size_t, MAX_REPLY_DEPTH> missing{};  // elements of the arrays that are read
+    std::size_t depth = 0;
+    do {
+        std::size_t elements = 0;
+        if (pm_error error = read_element(from, sink, &elements)) {
             return error;
         }
-        if (redisReaderFeed(reader_.get(), received_.data(), length) != 0) {
-            return {ERRCODE_NO_MEMORY, "no memory for an answer"};
+        if (elements > 0) {
+            if (depth == MAX_REPLY_DEPTH) {
+                return refused();
+            }
+            missing[depth++] = elements;
+            continue;
         }
+        while (depth > 0 && --missing[depth - 1] == 0) {
+            --depth;
+        }
+    } while (depth > 0);
+    if (kept_ > 0) {
+        hand_over(sink);
     }
+    return {};
 }
 
 }  // namespace redis_store

@@ -55,6 +55,22 @@ void batch::copy_last() {
     }
 }
 
+void batch::take(block *filled) noexcept {
+    items_.clear();
+    to_copy_ = {};
+    bytes_.swap(filled->bytes);
+    std::swap(capacity_, filled->capacity);
+    used_ = capacity_;
+}
+
+bool batch::add_in_place(std::string_view path, std::string_view parcel) {
+    more_ = more_ || items_.size() == max_items_;
+    if (!more_) {
+        items_.push_back({path, parcel});
+    }
+    return !more_;
+}
+
 void batch::swap(batch *other) noexcept {
     items_.swap(other->items_);
     bytes_.swap(other->bytes_);

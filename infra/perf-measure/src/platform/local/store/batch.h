@@ -18,6 +18,15 @@ struct item {
     std::string_view parcel;  // empty when the value under the path is not this item's: it is damaged
 };
 
+// Memory for the bytes of items.
+struct block {
+    block() = default;
+    explicit block(std::size_t size) : bytes(std::make_unique_for_overwrite<char[]>(size)), capacity(size) {}
+
+    std::unique_ptr<char[]> bytes;
+    std::size_t capacity = 0;
+};
+
 // Items in ascending order of their paths. Filled by a reader; its memory is used again for the next items.
 class batch {
 public:
@@ -40,6 +49,11 @@ public:
     // can fetch the bytes from memory and go on meanwhile.
     [[nodiscard]] bool add_place(std::string_view path, std::string_view parcel);
     void copy_last();
+    // Takes a block in exchange for its own, and loses its items.
+    void take(block *filled) noexcept;
+    // Adds an item that stands in the block which was taken, its path with the zero byte. False, and sets more(), when
+    // the batch has as many items as clear() was told.
+    [[nodiscard]] bool add_in_place(std::string_view path, std::string_view parcel);
     void swap(batch *other) noexcept;
 
 private:
