@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # A table of targets: what was measured, what it was to be, and a verdict for each line.
-# Sourced; `target` adds a line, `print_targets` prints the table and tells whether every target was met.
+# Sourced; `target` and `bounds` add a line, `print_targets` prints the table and tells whether every target was met.
 
 verdicts=()
 missed=0
@@ -20,6 +20,15 @@ target() {
   result=$(verdict "$2" "$3" "$4")
   [ "$result" != MISSED ] || missed=1
   verdicts+=("$(printf '%-46s at %-5s %9s %11s  %s' "$1" "$2" "$3" "${4:-nothing}" "$result")")
+}
+
+# bounds WHAT COMMAND...: a line for a program that measures and judges by itself.
+bounds() {
+  local what=$1 result=met
+  shift
+  "$@" || result=MISSED
+  [ $result != MISSED ] || missed=1
+  verdicts+=("$(printf '%-46s %-8s %9s %11s  %s' "$what" "" "" "" $result)")
 }
 
 # The table. False when a target was missed, or when there was none.

@@ -53,3 +53,14 @@ if out=$(printf 'silent most 2\n' | table); then
     fail "a measurement that gave nothing is no miss"
 fi
 grep -q 'nothing  MISSED$' <<<"$out" || fail "the line does not say so: $out"
+
+judged() (
+    bounds "good one" true
+    bounds "bad one" "$1"
+    print_targets
+)
+judged true >/dev/null || fail "a table of kept bounds fails"
+if out=$(judged false); then
+    fail "a bound that is not kept does not fail the table"
+fi
+grep -Eq '^good one +met$' <<<"$out" && grep -Eq '^bad one +MISSED$' <<<"$out" || fail "other verdicts on bounds: $out"
