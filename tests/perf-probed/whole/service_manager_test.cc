@@ -80,10 +80,12 @@ TEST(service_manager, accepts_the_unit_without_a_warning) {
         GTEST_SKIP() << "systemd-analyze is not installed";
     }
     std::string unit = read_file(PM_PROBED_UNIT);
-    const std::string installed = "/usr/sbin/perf-probed";
-    const std::size_t at = unit.find(installed);
-    ASSERT_NE(at, std::string::npos);
-    unit.replace(at, installed.size(), PERF_PROBED);  // a program that is not there is refused
+    const std::string installed = "/sbin/perf-probed --config";  // below the prefix of the installation
+    const std::size_t at = unit.find("ExecStart=/") + std::string("ExecStart=").size();
+    const std::size_t end = unit.find(installed, at);
+    ASSERT_NE(end, std::string::npos);
+    // A program that is not there is refused.
+    unit.replace(at, end + installed.size() - std::string(" --config").size() - at, PERF_PROBED);
     const std::string file = folder.path() + "/perf-probed.service";
     write_file(file, unit);
     const command_result accepted = run_command("systemd-analyze verify --man=no " + file, folder.path());
