@@ -153,6 +153,17 @@ bool went_on_measuring(live_service &service) {
     return within(3, [&] { return service.log().find("session 1 of endpoint a: ") != std::string::npos; });
 }
 
+// Syslog's priority, here that of a notice, begins a line for the journal only.
+TEST(life, lines_have_priorities_where_the_journal_reads_them) {
+    for (const auto &[prefix, beginning] : {std::pair{"env -u JOURNAL_STREAM", "perf-probed: session 1 of "},
+                                            std::pair{"env JOURNAL_STREAM=8:1", "<5>perf-probed: session 1 of "}}) {
+        live_service service(self(18712), prefix);
+        ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+        EXPECT_TRUE(went_on_measuring(service));
+        EXPECT_TRUE(service.log().starts_with(beginning)) << service.log();
+    }
+}
+
 TEST(life, a_store_that_is_gone_is_made_again) {
     live_service service(self(18706));
     ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));

@@ -67,4 +67,34 @@ TEST(Batch, TakesAFirstItemOfAnySize) {
     EXPECT_EQ(batch.items()[0].parcel, "s");
 }
 
+TEST(Batch, FillsAPlaceWhenItIsToldTo) {
+    const std::string large(200'000, 'x');
+    std::string first = "first";
+    store::batch batch;
+    batch.clear(200);
+    EXPECT_TRUE(batch.add_place("a", first));
+    first = "later";
+    batch.copy_last();
+    first = "never";
+    batch.copy_last();
+    EXPECT_TRUE(batch.add_place("b", large));
+    batch.copy_last();
+    EXPECT_FALSE(batch.add_place("c", large));
+    batch.copy_last();
+    ASSERT_EQ(batch.items().size(), 2U);
+    EXPECT_EQ(batch.items()[0].parcel, "later");
+    EXPECT_EQ(batch.items()[1].parcel, large);
+}
+
+// What was never copied, as after a fault, is not copied into the items that are read next.
+TEST(Batch, ForgetsAPlaceThatWasNotFilled) {
+    store::batch batch;
+    batch.clear(200);
+    EXPECT_TRUE(batch.add_place("a", "lost"));
+    batch.clear(200);
+    EXPECT_TRUE(batch.add_place("a", "kept"));
+    batch.copy_last();
+    EXPECT_EQ(batch.items()[0].parcel, "kept");
+}
+
 }  // namespace
