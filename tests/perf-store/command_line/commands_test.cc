@@ -259,7 +259,8 @@ TEST_F(Commands, AStoreOfAnotherSchemeIsRefused) {
         use_url(url);
         const outcome loaded = load(EMPTY);
         EXPECT_EQ(loaded.status, 1) << url;
-        EXPECT_EQ(loaded.error, "perf-store: " + std::string(url) + ": a store is named lmdb:FOLDER\n");
+        EXPECT_EQ(loaded.error, "perf-store: " + std::string(url) +
+                                    ": a store is named lmdb:FOLDER, redis://HOST or redis+unix:///SOCKET\n");
         const std::vector<std::vector<std::string>> readers = {
             {"dump"}, {"ls"}, {"stat"}, {"dump", "--root", "main"}, {"get", "--root", "main", "--node", "0", "a"}};
         for (const std::vector<std::string> &reader : readers) {
@@ -270,7 +271,8 @@ TEST_F(Commands, AStoreOfAnotherSchemeIsRefused) {
                 << reader.front();
         }
         const outcome removed = run({"rm", "--root", "main", "--node", "0", "a"});
-        EXPECT_EQ(removed.error, "perf-store: " + std::string(url) + ": a store is named lmdb:FOLDER\n");
+        EXPECT_EQ(removed.error, "perf-store: " + std::string(url) +
+                                     ": a store is named lmdb:FOLDER, redis://HOST or redis+unix:///SOCKET\n");
     }
 }
 

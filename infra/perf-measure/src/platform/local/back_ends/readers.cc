@@ -11,6 +11,7 @@
 #include "platform/local/codec/parcel_codec.h"
 #include "platform/local/lmdb_store/inspect.h"
 #include "platform/local/lmdb_store/lmdb_reader.h"
+#include "platform/local/redis_store/inspect.h"
 #include "platform/local/redis_store/redis_reader.h"
 #include "platform/local/store/store_url.h"
 
@@ -20,17 +21,17 @@ namespace {
 
 struct back_end {
     std::string_view scheme;
-    // Both take the place that follows the scheme, or of a back end that opens to see what it may read (it has no
+    // All take the place that follows the scheme, or of a back end that opens to see what it may read (it has no
     // check_access) the whole URL.
     pm_error (*open)(const std::string &place, std::unique_ptr<reader> *out);
     access_state (*check_access)(const std::string &place);
-    pm_error (*inspect)(const std::string &place, inspector *to);  // null where damage cannot be searched for
+    pm_error (*inspect)(const std::string &place, inspector *to);
 };
 constexpr back_end BACK_ENDS[] = {
     {"lmdb", lmdb_store::open_reader, lmdb_store::check_access, lmdb_store::inspect},
-    {"redis", redis_store::open_reader, nullptr, nullptr},
-    {"rediss", redis_store::open_reader, nullptr, nullptr},
-    {"redis+unix", redis_store::open_reader, nullptr, nullptr},
+    {"redis", redis_store::open_reader, nullptr, redis_store::inspect},
+    {"rediss", redis_store::open_reader, nullptr, redis_store::inspect},
+    {"redis+unix", redis_store::open_reader, nullptr, redis_store::inspect},
 };
 
 // Null for a URL that no back end takes.
@@ -90,10 +91,7 @@ pm_error inspect(inspector *to) {
     if (known == nullptr) {
         return pm_error(OPSTORE_NO_CLIENT);
     }
-    if (known->inspect == nullptr) {
-        return pm_error(ERRCODE_INVALID_ARGUMENT, std::string(url) + ": stores of this kind are not inspected");
-    }
-    return known->inspect(std::string(place_of(url)), to);
+    return known->inspect(std::string(known->check_access == nullptr ? url : place_of(url)), to);
 }
 
 }  // namespace store
