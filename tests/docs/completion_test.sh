@@ -39,8 +39,10 @@ expect() {
     [ "$actual" = "$expected" ] || fail "'perf-store $*' offers '$actual' instead of '$expected'"
 }
 
-expect 'dump gen get load ls rm schema stat types verify' ''
-expect 'dump' d
+expect 'diff dump gen get load ls rm schema stat types verify' ''
+expect 'diff dump' d
+expect '--counters' diff --c
+expect '' diff --ignore ''
 expect '--help --version' -
 expect '--root' dump --r
 expect 'chkpt main resp rx' dump --root ''
@@ -57,6 +59,7 @@ expect '' schema pm_summary_parcel ''
 
 touch "$work/a set.ndjson"
 expect "$work/a set.ndjson" load "$work/a"
+expect "$work/a set.ndjson" diff --counters - "$work/a"
 expect "$work/a set.ndjson" load --replace - "$work/a"
 
 # Everything that the program's help names is offered.

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The memory that loading and dumping take does not depend on how much there is.
-#include <algorithm>
-#include <cstdlib>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 
-#include "tests/stress/stress_support.h"
+#include "tests/memory/own_memory.h"
 
 namespace {
 
@@ -14,32 +11,6 @@ constexpr char FEW[] = " --interfaces 300 --policies 100 --endpoints 100 --tunne
 constexpr char MANY[] = " --interfaces 6000 --policies 2000 --endpoints 2000 --tunnels 2000";
 constexpr long OWN_MEMORY_KB = 8192;
 constexpr long DIFFERENCE_KB = 1024;
-
-// Kilobytes that are a process's own, not the store's; 0 when it has ended.
-long own_memory_kb(pid_t process) {
-    std::ifstream status("/proc/" + std::to_string(process) + "/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.starts_with("RssAnon:")) {
-            return std::stol(line.substr(8));
-        }
-    }
-    return 0;
-}
-
-// The most that a perf-store command has at any time.
-long largest_memory_kb(const std::vector<std::string> &words, const std::string &store) {
-    long largest = 0;
-    running_process program([&] { return become(words, store); });
-    while (!program.wait(0.001)) {
-        const long now = own_memory_kb(program.id());
-        if (now == 0) {
-            break;
-        }
-        largest = std::max(largest, now);
-    }
-    return program.id() < 0 || program.wait(5) ? largest : -1;
-}
 
 class LoadMemory : public testing::Test {
 protected:

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/errcode.h"
 #include "tests/support/command.h"
 
 namespace {
@@ -96,8 +97,8 @@ protected:
     void SetUp() override {
         const std::string set = own_.path() + "/set";
         const command_result loaded =
-            run_command(PERF_STORE " gen --nodes 3 --interfaces 40 --policies 20 --endpoints 8 --tunnels 8 >" + set +
-                            "; " PERF_STORE " load " + set,
+            run_command("perf-store gen --nodes 3 --interfaces 40 --policies 20 --endpoints 8 --tunnels 8 >" + set +
+                            "; perf-store load " + set,
                         store());
         ASSERT_EQ(loaded.status, 0) << loaded.err;
         sound_ = read_file(store() + "/data.mdb");
@@ -138,11 +139,14 @@ protected:
                 read_file(out), read_file(err)};
     }
 
-    // Whether a result that is not the expected one says why.
+    // Whether a result that is not the expected one says why. No sound record has these texts.
     static bool says_so(const command_result &result) {
-        return !result.err.empty() || result.out.find("(damaged)") != std::string::npos ||
-               result.out.find("Store is damaged") != std::string::npos ||
-               result.out.find("Parcel ") != std::string::npos;
+        bool found = !result.err.empty() || result.out.find("(damaged)") != std::string::npos;
+        for (const errcode code : {OPSTORE_DAMAGED, PARCEL_MALFORMED, PARCEL_CHECKSUM, PARCEL_OTHER_TYPE,
+                                   PARCEL_UNKNOWN_SCHEMA, PARCEL_SCHEMA_CHANGED}) {
+            found = found || result.out.find(errcode_strerror(code)) != std::string::npos;
+        }
+        return found;
     }
 
     const temporary_folder own_;

@@ -8,7 +8,6 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-#include "perf-probed/daemon/service_manager.h"
 #include "platform/local/store/store_url.h"
 
 namespace probed {
@@ -172,7 +171,10 @@ void daemon::reload() {
     } else if (settings.node.id != settings_.node.id || settings.store != settings_.store) {
         log(LOG_ERROR, "another node or store needs a restart; the configuration stays as it was");
     } else if (const pm_error error = apply(settings)) {
-        log(LOG_ERROR, error.text());
+        log(LOG_ERROR, error.text() + "; the configuration stays as it was");
+        if (const pm_error left = apply(config(settings_))) {
+            log(LOG_ERROR, left.text());
+        }
     } else {
         log(LOG_INFORMATION, "the configuration was read again");
     }
@@ -181,14 +183,9 @@ void daemon::reload() {
 
 pm_error daemon::apply(const config &settings) {
     const host_state host = read_host_state();
-    if (pm_error error = apply_listeners(settings.reflector)) {
+    const auto note = [this](const std::string &text) { log(LOG_NOTICE, text); };
+    if (pm_error error = listeners_.apply(settings.reflector, settings.clock, note)) {
         return error;
-    }
-    const clock_source source = settings.clock.format == stamp_format::ptp ? clock_source::ptp : clock_source::ntp;
-    for (const auto &each : listeners_) {
-        each->replies = {each->key ? &*each->key : nullptr, settings.reflector.answer_short,
-                         settings.clock.estimate_bits(), settings.clock.format,
-                         settings.clock.synchronised ? source : clock_source::free_running};
     }
     responder_.allow(settings.reflector.allowed_queriers);
     if (pm_error error = sender_.apply(settings, host)) {
@@ -198,66 +195,6 @@ pm_error daemon::apply(const config &settings) {
     settings_changed_ = true;
     host_read_at_ = clocks_.now().mono;
     watch_senders();
-    return {};
-}
-
-pm_error daemon::apply_listeners(const reflector_config &settings) {
-    for (const auto &each : listeners_) {
-        each->wanted = settings.enabled && std::ranges::find(settings.listen, each->settings) != settings.listen.end();
-    }
-    for (const listen_config &each : settings.listen) {
-        const bool is_open =
-            std::ranges::any_of(listeners_, [&](const auto &open) { return open->wanted && open->settings == each; });
-        if (!settings.enabled || is_open) {
-            continue;
-        }
-        ip_address ipv4;
-        ip_address ipv6;
-        ipv4.family = ip_family::ipv4;
-        ipv6.family = ip_family::ipv6;
-        if (each.address) {
-            if (pm_error error = open_listener_at(each, each.address)) {
-                return error;
-            }
-            continue;
-        }
-        if (pm_error error = open_listener_at(each, ipv4)) {
-            return error;
-        }
-        if (const pm_error error = open_listener_at(each, ipv6)) {  // a host may have no IPv6
-            log(LOG_NOTICE, error.text());
-        }
-    }
-    for (const auto &each : listeners_) {
-        if (!each->wanted) {
-            loop_.forget(each->socket.fd());
-        }
-    }
-    std::erase_if(listeners_, [](const auto &each) { return !each->wanted; });
-    open_listeners_.clear();
-    for (const auto &each : listeners_) {
-        open_listeners_.push_back(
-            {each->socket.port(), each->socket.family(), each->settings == listen_config{}, clocks_.now().wall_msec()});
-    }
-    return {};
-}
-
-pm_error daemon::open_listener_at(const listen_config &settings, const ip_address &address) {
-    auto added = std::make_unique<listener>();
-    added->settings = settings;
-    if (!settings.key_file.empty()) {
-        std::string key;
-        if (!read_key(settings.key_file, &key)) {
-            return pm_error("no key can be read from " + settings.key_file);
-        }
-        added->key.emplace(key);
-    }
-    if (pm_error error = added->socket.open({address, settings.port, "", false})) {
-        return error;
-    }
-    listener *const kept = added.get();
-    loop_.watch(kept->socket.fd(), [this, kept] { responder_.serve(kept->socket, kept->replies, clocks_); });
-    listeners_.push_back(std::move(added));
     return {};
 }
 
@@ -286,6 +223,10 @@ void daemon::host_changed() {
 void daemon::every_second(const moment &now) {
     next_second_ = std::max(next_second_ + NSEC_PER_SEC, now.mono + NSEC_PER_SEC / 2);
     responder_.tick(now.mono);
+    if (watchdog_ != 0 && now.mono >= next_sign_of_life_) {
+        notify_manager("WATCHDOG=1");
+        next_sign_of_life_ = now.mono + watchdog_ / 3;
+    }
     sender_.forget_removed();
     if (now.mono - host_read_at_ >= RETRY_INTERVAL) {  // ports that were taken may be free again
         host_is_stale_ = true;
@@ -371,7 +312,7 @@ void daemon::continue_snapshot(const moment &now) {
 }
 
 void daemon::hand_in(const moment &now) {
-    const node_view view{settings_, sender_, responder_, open_listeners_, process_};
+    const node_view view{settings_, sender_, responder_, listeners_.open(), process_};
     fill_node_items(view, now, building_->is_everything || settings_changed_, building_.get());
     settings_changed_ = false;
     publisher_->publish(std::move(building_));

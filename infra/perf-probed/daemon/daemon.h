@@ -12,6 +12,8 @@
 #include "base/pm_error.h"
 #include "perf-probed/config/config.h"
 #include "perf-probed/daemon/event_loop.h"
+#include "perf-probed/daemon/listeners.h"
+#include "perf-probed/daemon/service_manager.h"
 #include "perf-probed/net/host_state.h"
 #include "perf-probed/publish/publisher.h"
 #include "perf-probed/reflector/reflector.h"
@@ -34,22 +36,12 @@ public:
     [[nodiscard]] pm_error run();
 
 private:
-    struct listener {
-        udp_socket socket;
-        listen_config settings;
-        std::optional<hmac_key> key;
-        reply_settings replies;
-        bool wanted = true;
-    };
-
     [[nodiscard]] pm_error start();
     void loop();
     void end();
     void take_signals();
     void reload();
     [[nodiscard]] pm_error apply(const config &settings);
-    [[nodiscard]] pm_error apply_listeners(const reflector_config &settings);
-    [[nodiscard]] pm_error open_listener_at(const listen_config &settings, const ip_address &address);
     void watch_senders();
     void host_changed();
     void every_second(const moment &now);
@@ -69,8 +61,7 @@ private:
     host_watch watch_;
     prober sender_;
     reflector responder_;
-    std::vector<std::unique_ptr<listener>> listeners_;
-    std::vector<open_listener> open_listeners_;
+    listeners listeners_{&loop_, &responder_, &clocks_};
     std::unique_ptr<publisher> publisher_;
     change_tracker tracker_;
     process_history process_;
@@ -79,6 +70,8 @@ private:
     bool host_is_stale_ = false;
     bool settings_changed_ = true;
     mono_nsec next_second_ = 0;
+    mono_nsec watchdog_ = watchdog_interval();
+    mono_nsec next_sign_of_life_ = 0;
     mono_nsec next_publication_ = 0;
     mono_nsec last_publication_ = 0;
     mono_nsec next_sessions_ = 0;     // when sessions are published again; the rest, and the lease, go more often

@@ -2,6 +2,7 @@
 // The datagram to the service manager.
 #include "perf-probed/daemon/service_manager.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -29,6 +30,16 @@ void notify_manager(const std::string &state) {
         sendto(socket, state.data(), state.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr *>(&address), size);
         close(socket);
     }
+}
+
+mono_nsec watchdog_interval() {
+    constexpr mono_nsec LONGEST = 24 * 3600 * NSEC_PER_SEC;
+    const char *const usec = std::getenv("WATCHDOG_USEC");
+    const char *const pid = std::getenv("WATCHDOG_PID");
+    if (usec == nullptr || (pid != nullptr && std::atoll(pid) != getpid())) {
+        return 0;
+    }
+    return std::clamp<mono_nsec>(std::atoll(usec), 0, LONGEST / NSEC_PER_USEC) * NSEC_PER_USEC;
 }
 
 }  // namespace probed

@@ -5,9 +5,15 @@
 
 #include <string>
 
+#include "perf-probed/schedule/clocks.h"
+
 namespace probed {
 
 // `state` is for example "READY=1" or "STATUS=...", several separated by line ends.
 void notify_manager(const std::string &state);
+
+// How long the manager waits for "WATCHDOG=1" before it takes this process for dead (sd_watchdog_enabled(3)); 0: it
+// does not wait for that.
+[[nodiscard]] mono_nsec watchdog_interval();
 
 }  // namespace probed

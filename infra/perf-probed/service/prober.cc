@@ -39,6 +39,10 @@ void set_static_delay(session_entry *entry, const moment &now) {
     }
 }
 
+std::string full_name(const session_plan &plan) {
+    return (plan.of_interface() ? "interface " : "endpoint ") + plan.name();
+}
+
 pm_error read_keys(const std::vector<session_plan> &plans, std::unordered_map<std::string, hmac_key> *keys) {
     for (const session_plan &plan : plans) {
         std::string key;
@@ -84,7 +88,11 @@ pm_error prober::apply(const config &settings, const host_state &host) {
     host_ = host;
     const std::vector<const session_plan *> added = keep_or_remove(plans, now);
     for (const auto &entry : entries_) {
-        if (entry != nullptr && !entry->removed_at && !entry->plan.key_file().empty()) {
+        if (entry == nullptr || entry->removed_at) {
+            continue;
+        }
+        entry->run->resize_histories(settings.histories);
+        if (!entry->plan.key_file().empty()) {
             entry->key = keys.at(entry->plan.key_file());
         }
     }
@@ -297,8 +305,7 @@ void prober::log_statistics() const {
         for (const std::uint64_t errors : counters.send_errors) {
             failed += errors;
         }
-        log("session " + std::to_string(entry->id()) + " of " +
-            (entry->plan.of_interface() ? "interface " : "endpoint ") + entry->plan.name() + ": " +
+        log("session " + std::to_string(entry->id()) + " of " + full_name(entry->plan) + ": " +
             std::to_string(counters.sent) + " sent, " + std::to_string(failed) + " not sent, " +
             std::to_string(counters.received) + " answered, " + std::to_string(counters.lost) + " lost, " +
             std::to_string(counters.late) + " late, " + std::to_string(counters.duplicate) + " duplicate, " +
@@ -342,15 +349,14 @@ void prober::on_timer(session_entry *entry, const moment &now) {
 void prober::touched(session_entry *entry, const change_watch &before) {
     ++entry->revision;
     const change_watch after(*entry);
-    const std::string name = (entry->plan.of_interface() ? "interface " : "endpoint ") + entry->plan.name();
     if (after.is_up != before.is_up && log && entry->plan.liveness.log_state_change) {
-        log(name + ": liveness session is " + (after.is_up ? "up" : "down"));
+        log(full_name(entry->plan) + ": liveness session is " + (after.is_up ? "up" : "down"));
     }
     if (after.advertisements != before.advertisements && log && entry->plan.delay.advertisement.log_exceeded) {
         const advertisement &last = as_delay(*entry)->advertiser().last();
-        log(name + ": " + pm_advert_reason_str(last.reason) + ", average " + std::to_string(last.values.average) +
-            " us, minimum " + std::to_string(last.values.minimum) + " us, maximum " +
-            std::to_string(last.values.maximum) + " us");
+        log(full_name(entry->plan) + ": " + pm_advert_reason_str(last.reason) + ", average " +
+            std::to_string(last.values.average) + " us, minimum " + std::to_string(last.values.minimum) +
+            " us, maximum " + std::to_string(last.values.maximum) + " us");
     }
 }
 

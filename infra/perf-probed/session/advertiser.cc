@@ -124,6 +124,7 @@ void advertiser::end_interval(bool may_advertise, const moment &now) {
             }
         }
     }
+    ++intervals_;
     restart();
 }
 
@@ -146,11 +147,21 @@ void advertiser::withdraw(pm_advert_reason_e reason, const moment &now) {
 }
 
 void advertiser::link_down(const moment &now) {
-    if (is_advertised_) {
+    if (is_advertised_ && last_.reason != PM_ADVERT_REASON_LINK_DOWN) {
         advertise(PM_ADVERT_REASON_LINK_DOWN, last_.values, now);
     }
 }
 
+void advertiser::halt(pm_probe_running_error_reason reason, const moment &now) {
+    restart();
+    if (reason == PM_NOT_RUNNING_INTERFACE_DOWN || reason == PM_NOT_RUNNING_INTERFACE_ADMIN_DOWN) {
+        link_down(now);
+    } else {
+        withdraw(PM_ADVERT_REASON_SESSION_ERROR, now);
+    }
+}
+
+// The interval under way is forgotten.
 void advertiser::restart() {
     interval_ = {};
     left_ = computations_;

@@ -40,17 +40,25 @@ public:
     // The settings changed. What was advertised stays, unless advertising ended.
     void reconfigure(const advertisement_settings &settings, std::uint32_t computations, const moment &now);
 
+    void resize_histories(const history_sizes &sizes) {
+        advertised_.resize(sizes.advertisement);
+        aggregated_.resize(sizes.aggregated);
+    }
+
     // A static delay in microseconds is advertised from now on; none: no more.
     void set_static_delay(std::optional<std::uint32_t> delay_usec, const moment &now);
 
-    // The link is down: the last values are advertised once more for this reason.
+    // The link is down: the last values are advertised once more for this reason, once.
     void link_down(const moment &now);
     // Takes back what is advertised, for one of the reasons that withdraw values. Does nothing when nothing is.
     void withdraw(pm_advert_reason_e reason, const moment &now);
-    // Forgets the interval under way.
-    void restart();
+    // Its session does not run any more: an interface that is down is advertised as such, what else it may be takes
+    // back what was advertised. The interval under way is forgotten.
+    void halt(pm_probe_running_error_reason reason, const moment &now);
 
     [[nodiscard]] const advertisement &last() const { return last_; }
+    // Periodic checks that have taken place.
+    [[nodiscard]] std::uint64_t intervals() const { return intervals_; }
     [[nodiscard]] std::uint64_t advertisements() const { return count_; }
     [[nodiscard]] std::uint32_t computations_left() const { return left_ > 0 ? left_ - 1 : 0; }
     [[nodiscard]] delay_values interval_values() const { return interval_.values(); }
@@ -64,6 +72,7 @@ private:
     bool check_anomaly(const delay_values &values, const moment &now);
     bool check_accelerated(const delay_values &values, const moment &now);
     void end_interval(bool may_advertise, const moment &now);
+    void restart();
 
     advertisement_settings settings_;
     std::uint32_t computations_;
@@ -78,6 +87,7 @@ private:
     history<advertisement> advertised_;
     history<aggregate> aggregated_;
     std::uint64_t count_ = 0;
+    std::uint64_t intervals_ = 0;
 };
 
 }  // namespace probed

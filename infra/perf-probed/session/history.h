@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace probed {
@@ -10,7 +11,8 @@ namespace probed {
 template <class T>
 class history {
 public:
-    explicit history(std::size_t capacity = 0) : capacity_(capacity) {}
+    // Has all its memory from the beginning: entries are added while packets are received.
+    explicit history(std::size_t capacity = 0) : capacity_(capacity) { entries_.reserve(capacity); }
 
     // Forgets the oldest when full. With a capacity of 0 nothing is kept.
     void add(const T &entry) {
@@ -23,6 +25,18 @@ public:
             entries_[first_] = entry;
             first_ = (first_ + 1) % capacity_;
         }
+    }
+
+    // Keeps the newest.
+    void resize(std::size_t capacity) {
+        if (capacity == capacity_) {
+            return;
+        }
+        history resized(capacity);
+        for (std::size_t index = 0; index < size(); ++index) {
+            resized.add((*this)[index]);
+        }
+        *this = std::move(resized);
     }
 
     void clear() {

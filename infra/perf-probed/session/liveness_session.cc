@@ -16,22 +16,17 @@ std::uint64_t window_span(const liveness_profile &profile, std::uint32_t tx_inte
 
 liveness_session::liveness_session(std::uint32_t id, const liveness_profile &profile, std::uint32_t tx_interval_usec,
                                    const history_sizes &sizes)
-    : session(id, session_kind::liveness),
+    : answered_session(id, session_kind::liveness, window_span(profile, tx_interval_usec), tx_interval_usec),
       profile_(profile),
-      tx_interval_usec_(tx_interval_usec),
-      window_(window_span(profile, tx_interval_usec), tx_interval_usec),
       changes_(sizes.liveness) {}
 
 void liveness_session::reconfigure(const liveness_profile &profile, std::uint32_t tx_interval_usec, const moment &now) {
-    const bool same_times = tx_interval_usec == tx_interval_usec_ && profile.multiplier == profile_.multiplier;
+    const bool same_times = tx_interval_usec == this->tx_interval_usec() && profile.multiplier == profile_.multiplier;
     profile_ = profile;
     if (same_times) {
         return;
     }
-    tx_interval_usec_ = tx_interval_usec;
-    const packet_window before = window_;
-    window_ = packet_window(window_span(profile, tx_interval_usec), tx_interval_usec);
-    window_.continue_from(before);
+    change_window(window_span(profile, tx_interval_usec), tx_interval_usec);
     missed_ = 0;
     if (is_running()) {
         started(now, 0);
@@ -50,13 +45,12 @@ void liveness_session::stopped(const moment &now, pm_probe_running_error_reason)
 }
 
 mono_nsec liveness_session::deadline() {
-    const sent_packet *const waiting = is_running() ? window_.oldest_waiting() : nullptr;
+    const sent_packet *const waiting = is_running() ? oldest_waiting() : nullptr;
     return waiting != nullptr ? std::min(next_send_, waiting->sent.mono + tx_interval()) : next_send_;
 }
 
 bool liveness_session::on_timer(const moment &now) {
-    while (window_.expire(now.mono, tx_interval()) != nullptr) {
-        ++counters_.lost;
+    while (next_lost(now.mono, tx_interval()) != nullptr) {
         miss(now);
     }
     if (now.mono < next_send_) {
@@ -82,47 +76,19 @@ void liveness_session::change(bool up, const moment &now) {
     changes_.add({last_change_msec_, up});
 }
 
-void liveness_session::sent(const moment &now, std::uint64_t stamp_bits) {
-    window_.add(now, stamp_bits, 0);
-    ++counters_.sent;
-}
+void liveness_session::sent(const moment &now, std::uint64_t stamp_bits) { note_sent(now, stamp_bits, 0); }
 
 // A packet that cannot leave cannot be answered either.
-void liveness_session::send_failed(std::uint32_t sequence, send_failure reason) {
-    sent_packet *const packet = window_.find(sequence);
-    if (packet == nullptr || packet->state != packet_state::waiting) {
-        return;
-    }
-    const moment now = packet->sent;
-    packet->state = packet_state::failed;
-    count_failure(reason);
-    --counters_.sent;
-    miss(now);
-}
-
-void liveness_session::on_transmit_stamp(std::uint32_t sequence, wall_nsec time) {
-    take_transmit_stamp(window_, sequence, time);
-}
+void liveness_session::taken_back(const sent_packet &packet) { miss(packet.sent); }
 
 reply_kind liveness_session::on_reply(const reply &answer) {
     sent_packet *packet = nullptr;
-    bool reordered = false;
-    const reply_kind kind = window_.accept(answer.sequence, answer.stamp_bits, &packet, &reordered);
-    switch (kind) {
-    case reply_kind::unknown: ++counters_.unknown; return kind;
-    case reply_kind::duplicate: ++counters_.duplicate; return kind;
-    case reply_kind::late:
-        ++counters_.received;
-        ++counters_.late;
-        break;
-    case reply_kind::timely:
-        ++counters_.received;
-        counters_.reordered += reordered ? 1 : 0;
-        break;
-    }
-    missed_ = 0;
-    if (!is_up_ && is_running()) {
-        change(true, answer.arrival);
+    const reply_kind kind = classify(answer, &packet);
+    if (kind == reply_kind::timely || kind == reply_kind::late) {
+        missed_ = 0;
+        if (!is_up_ && is_running()) {
+            change(true, answer.arrival);
+        }
     }
     return kind;
 }

@@ -5,10 +5,9 @@
 
 #include <cstdint>
 
+#include "perf-probed/session/answered_session.h"
 #include "perf-probed/session/history.h"
-#include "perf-probed/session/packet_window.h"
 #include "perf-probed/session/profile.h"
-#include "perf-probed/session/session.h"
 
 namespace probed {
 
@@ -17,7 +16,7 @@ struct liveness_change {
     bool is_up = false;
 };
 
-class liveness_session final : public session {
+class liveness_session final : public answered_session {
 public:
     liveness_session(std::uint32_t id, const liveness_profile &profile, std::uint32_t tx_interval_usec,
                      const history_sizes &sizes);
@@ -25,19 +24,13 @@ public:
     // Other settings for the same session, which stays in its state.
     void reconfigure(const liveness_profile &profile, std::uint32_t tx_interval_usec, const moment &now);
 
+    void resize_histories(const history_sizes &sizes) override { changes_.resize(sizes.liveness); }
     [[nodiscard]] mono_nsec deadline() override;
     [[nodiscard]] bool on_timer(const moment &now) override;
     void sent(const moment &now, std::uint64_t stamp_bits) override;
-    void send_failed(std::uint32_t sequence, send_failure reason) override;
-    [[nodiscard]] std::uint32_t next_sequence() const override { return window_.next_sequence(); }
-    [[nodiscard]] bool owns(std::uint32_t sequence, std::uint64_t stamp_bits) override {
-        return window_.owns(sequence, stamp_bits);
-    }
-    void on_transmit_stamp(std::uint32_t sequence, wall_nsec time) override;
     reply_kind on_reply(const reply &answer) override;
 
     [[nodiscard]] const liveness_profile &profile() const { return profile_; }
-    [[nodiscard]] std::uint32_t tx_interval_usec() const { return tx_interval_usec_; }
     [[nodiscard]] bool is_up() const { return is_up_; }
     [[nodiscard]] std::uint32_t missed_in_a_row() const { return missed_; }
     [[nodiscard]] std::uint64_t last_change_msec() const { return last_change_msec_; }  // 0: it never was up
@@ -47,13 +40,11 @@ public:
 private:
     void started(const moment &now, mono_nsec delay) override;
     void stopped(const moment &now, pm_probe_running_error_reason reason) override;
+    void taken_back(const sent_packet &packet) override;
     void change(bool up, const moment &now);
     void miss(const moment &now);
-    [[nodiscard]] mono_nsec tx_interval() const { return tx_interval_usec_ * NSEC_PER_USEC; }
 
     liveness_profile profile_;
-    std::uint32_t tx_interval_usec_;
-    packet_window window_;
     history<liveness_change> changes_;
     std::uint64_t last_change_msec_ = 0;
     std::uint64_t change_count_ = 0;

@@ -23,6 +23,7 @@ public:
         }
     }
 
+    void resize_histories(const history_sizes &) override {}
     [[nodiscard]] mono_nsec deadline() override { return next_send_; }
     [[nodiscard]] bool on_timer(const moment &now) override {
         if (now.mono < next_send_) {

@@ -7,8 +7,6 @@
 namespace probed {
 namespace {
 
-constexpr wall_nsec LONGEST_TO_LEAVE = NSEC_PER_SEC;
-
 bool clock_was_set(const sent_packet &packet, const reply &answer) {
     return std::llabs(answer.offset - packet.offset) > CLOCK_STEP_NSEC;
 }
@@ -19,11 +17,10 @@ void session::set_reason(pm_probe_running_error_reason reason, const moment &now
     if (reason == reason_) {
         return;
     }
-    const bool was_running = is_running();
     reason_ = reason;
     if (reason == PM_NOT_RUNNING_NONE) {
         started(now, delay);
-    } else if (was_running) {
+    } else {
         next_send_ = NEVER;
         stopped(now, reason);
     }
@@ -32,15 +29,6 @@ void session::set_reason(pm_probe_running_error_reason reason, const moment &now
 mono_nsec session::next_after(mono_nsec due, mono_nsec interval, mono_nsec now) {
     const mono_nsec next = due + interval;
     return next > now ? next : due + ((now - due) / interval + 1) * interval;
-}
-
-void session::take_transmit_stamp(packet_window &window, std::uint32_t sequence, wall_nsec time) {
-    sent_packet *const packet = window.find(sequence);
-    if (packet != nullptr && packet->state == packet_state::waiting && time >= packet->sent.wall &&
-        time - packet->sent.wall < LONGEST_TO_LEAVE) {
-        packet->sent.wall = time;
-        packet->kernel_stamped = true;
-    }
 }
 
 std::int64_t two_way_delay(const sent_packet &packet, const reply &answer) {

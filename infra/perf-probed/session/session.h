@@ -11,6 +11,7 @@
 
 #include "perf-probed/schedule/clocks.h"
 #include "perf-probed/session/packet_window.h"
+#include "perf-probed/session/profile.h"
 #include "schema/pm_enums.h"
 
 namespace probed {
@@ -84,6 +85,9 @@ public:
     // Starts, stops, or changes the reason. Starting sends the first packet `delay` later.
     void set_reason(pm_probe_running_error_reason reason, const moment &now, mono_nsec delay = 0);
 
+    // Other sizes of its histories, which keep the newest entries.
+    virtual void resize_histories(const history_sizes &sizes) = 0;
+
     // When on_timer is due next; NEVER while nothing is.
     [[nodiscard]] virtual mono_nsec deadline() = 0;
     // Does what is due. Returns whether a packet is to be sent now: the caller then reports it with `sent`.
@@ -108,14 +112,13 @@ public:
 
 protected:
     virtual void started(const moment &now, mono_nsec delay) = 0;
+    // It does not run any more, or for another reason than before.
     virtual void stopped(const moment &now, pm_probe_running_error_reason reason) = 0;
 
     void count_failure(send_failure reason) { ++counters_.send_errors[static_cast<unsigned>(reason)]; }
     // The time after `due`, a whole number of intervals on, that is not past: packets that could not be sent in
     // time, as the process was suspended, are left out and not made up for.
     [[nodiscard]] static mono_nsec next_after(mono_nsec due, mono_nsec interval, mono_nsec now);
-    // Puts the kernel's time in a packet's slot when it is plausible: not before the packet was made, nor long after.
-    static void take_transmit_stamp(packet_window &window, std::uint32_t sequence, wall_nsec time);
 
     session_counters counters_;
     mono_nsec next_send_ = NEVER;

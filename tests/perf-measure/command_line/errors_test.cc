@@ -12,9 +12,9 @@ class Errors : public testing::Test {
 protected:
     void load(const std::string &lines) {
         write_file(folder_.path() + "/set.ndjson", lines);
-        ASSERT_EQ(run_command(PERF_STORE " load " + folder_.path() + "/set.ndjson", folder_.path()).status, 0);
+        ASSERT_EQ(run_command("perf-store load " + folder_.path() + "/set.ndjson", folder_.path()).status, 0);
     }
-    void load_example() { ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, folder_.path()).status, 0); }
+    void load_example() { ASSERT_EQ(run_command("perf-store load \"$EXAMPLE\"", folder_.path()).status, 0); }
 
     temporary_folder folder_;
 };
@@ -39,7 +39,7 @@ TEST_F(Errors, AStoreThatMayNotBeReadIsOneLine) {
     load_example();
     std::filesystem::permissions(folder_.path(), std::filesystem::perms::owner_all | std::filesystem::perms::group_all);
     const command_result result =
-        run_command("setpriv --reuid 65534 --regid 65534 --clear-groups " PERF_MEASURE " show summary", folder_.path());
+        run_command("setpriv --reuid 65534 --regid 65534 --clear-groups perf-measure show summary", folder_.path());
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
     EXPECT_NE(result.err.find(folder_.path()), std::string::npos) << result.err;
@@ -62,7 +62,7 @@ TEST_F(Errors, ADamagedStoreIsSaidAndEndsWithOne) {
 TEST_F(Errors, AClosedPipeEndsQuietly) {
     load_example();
     for (const char *const options : {"", " --json", " --json --pretty"}) {
-        const command_result result = run_command(PERF_MEASURE " show sr-policies verbose" + std::string(options) +
+        const command_result result = run_command("perf-measure show sr-policies verbose" + std::string(options) +
                                                       " | head -n 1 >/dev/null; echo ${PIPESTATUS[0]}",
                                                   folder_.path());
         EXPECT_EQ(result.err, "") << options;
@@ -74,7 +74,7 @@ TEST_F(Errors, AFullDiskIsSaid) {
     load_example();
     for (const char *const options : {"", " --json"}) {
         const command_result result =
-            run_command(PERF_MEASURE " show summary" + std::string(options) + " >/dev/full", folder_.path());
+            run_command("perf-measure show summary" + std::string(options) + " >/dev/full", folder_.path());
         EXPECT_EQ(result.status, 1) << options;
         EXPECT_TRUE(result.err.starts_with("perf-measure: ")) << result.err;
         EXPECT_NE(result.err.find("No space left on device"), std::string::npos) << result.err;

@@ -24,13 +24,14 @@ std::string offered(const std::vector<std::string> &words, std::string_view begi
 }
 
 TEST(Candidates, AreTheWordsThatFit) {
-    EXPECT_EQ(offered({}, ""), "show|plot|help");
+    EXPECT_EQ(offered({}, ""), "show|plot|metrics|help");
     EXPECT_EQ(offered({"sh"}, "re"), "responder|receiver");
     EXPECT_EQ(offered({"show", "rsvp-te"}, ""), "counters|name|brief|detail|internal|destination|lsp|node");
     EXPECT_EQ(offered({"show", "rsvp-te", "brief"}, ""), "name|detail|internal|destination|lsp|node");
     EXPECT_EQ(offered({"show", "summary", "node", "1"}, "a"), "");
     EXPECT_EQ(offered({"show", "sr-policies", "origin"}, ""), "pce|bgp|configured");
     EXPECT_EQ(offered({"help", "show", "history"}, "a"), "aggregated|advertised");
+    EXPECT_EQ(offered({"metrics"}, ""), "interfaces|sr-policies|rsvp-te|endpoints|summary|node|all-nodes");
 }
 
 TEST(Candidates, AreNamesWhereANameIsWanted) {
@@ -48,6 +49,8 @@ TEST(Candidates, AreNoneWhereNothingIsKnown) {
 TEST(Candidates, ArePlainOptionsAfterADash) {
     EXPECT_EQ(offered({"show", "summary"}, "--j"), "--json");
     EXPECT_EQ(offered({"--json", "show"}, "summ"), "summary");
+    EXPECT_EQ(offered({"metrics"}, "--i"), "--interval");
+    EXPECT_EQ(offered({"--listen", "127.0.0.1:9464", "metrics"}, "end"), "endpoints");
 }
 
 TEST(Candidates, HaveACommonBeginning) {

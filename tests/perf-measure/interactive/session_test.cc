@@ -12,11 +12,11 @@ constexpr char PROMPT[] = "perf-measure> ";
 
 class Session : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, folder_.path()).status, 0); }
+    void SetUp() override { ASSERT_EQ(run_command("perf-store load \"$EXAMPLE\"", folder_.path()).status, 0); }
     temporary_folder folder_;
 };
 
-constexpr char START[] = "PAGER= NO_COLOR=1 " PERF_MEASURE;
+constexpr char START[] = "PAGER= NO_COLOR=1 perf-measure";
 
 TEST_F(Session, RunsEachLineAndLeavesOnExit) {
     pseudo_terminal terminal(START, folder_.path());
@@ -69,7 +69,7 @@ TEST_F(Session, QuotesHoldANameTogether) {
         R"({"item":{"root":"main","node":256,"path":"srpolicy/detail/a \"b\" 50%","type":"pm_srpolicy_parcel","record":)"
         R"({"PolicyName":"a \"b\" 50%","Color":7}}})";
     write_file(folder_.path() + "/set.ndjson", set);
-    ASSERT_EQ(run_command(PERF_STORE " load " + folder_.path() + "/set.ndjson", folder_.path()).status, 0);
+    ASSERT_EQ(run_command("perf-store load " + folder_.path() + "/set.ndjson", folder_.path()).status, 0);
     pseudo_terminal terminal(START, folder_.path());
     ASSERT_TRUE(terminal.wait_for(PROMPT));
     terminal.type("show sr-policies name 'a \"b\" 50%'\r");

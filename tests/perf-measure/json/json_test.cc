@@ -16,10 +16,10 @@ class Json : public testing::Test {
 protected:
     void load(const std::string &lines) {
         write_file(folder_.path() + "/set.ndjson", lines);
-        const command_result loaded = run_command(PERF_STORE " load " + folder_.path() + "/set.ndjson", folder_.path());
+        const command_result loaded = run_command("perf-store load " + folder_.path() + "/set.ndjson", folder_.path());
         ASSERT_EQ(loaded.status, 0) << loaded.err;
     }
-    void load_example() { ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, folder_.path()).status, 0); }
+    void load_example() { ASSERT_EQ(run_command("perf-store load \"$EXAMPLE\"", folder_.path()).status, 0); }
 
     temporary_folder folder_;
 };
@@ -30,13 +30,13 @@ constexpr char NODE[] = R"({"node":{"id":16,"name":"lc \"0\""}}
 // Each line of each phrase is read by jq and by Python, and is the item of a dump, record and all.
 TEST_F(Json, EveryPhraseReadsBack) {
     load_example();
-    std::string script = "export PERF_SHOW_NOW=1709647390000; cd " + folder_.path() + "; " PERF_STORE " dump >dump; ";
+    std::string script = "export PERF_SHOW_NOW=1709647390000; cd " + folder_.path() + "; perf-store dump >dump; ";
     for (const phrase &each : phrases()) {
-        if (!each.takes_name) {
-            script += "echo '" + std::string(each.words) + "'; " PERF_MEASURE " " + each.words +
+        if (!each.takes_name && !each.is_metrics) {
+            script += "echo '" + std::string(each.words) + "'; perf-measure " + each.words +
                       " --json >lines 2>/dev/null; grep -v '\"error\":' lines >items; jq -c . lines | wc -l | diff - "
                       "<(wc -l <lines); "
-                      "python3 " PM_READ_BACK " items dump | tee -a counts; ";
+                      "python3 '" PM_READ_BACK "' items dump | tee -a counts; ";
         }
     }
     const command_result read = run_command(script + "true", folder_.path());
@@ -44,7 +44,7 @@ TEST_F(Json, EveryPhraseReadsBack) {
     // Under each phrase stands its number of items alone, and each phrase has some.
     std::string lines;
     for (const phrase &each : phrases()) {
-        lines += each.takes_name ? "" : std::string(each.words) + "\n#\n";
+        lines += each.takes_name || each.is_metrics ? "" : std::string(each.words) + "\n#\n";
     }
     std::string shown = read.out;
     for (std::size_t at = 0; at < shown.size(); at = shown.find('\n', at) + 1) {
@@ -103,7 +103,7 @@ TEST_F(Json, ADamagedMessageGoesAsFarAsItCan) {
 TEST_F(Json, FiltersNamesNodesAndLimitsApply) {
     load_example();
     const auto count = [this](const std::string &words, const std::string &filter) {
-        return run_command(std::string(CAPTURED) + PERF_MEASURE " " + words + " --json | jq -c '" + filter + "'",
+        return run_command(std::string(CAPTURED) + "perf-measure " + words + " --json | jq -c '" + filter + "'",
                            folder_.path())
             .out;
     };
@@ -143,8 +143,8 @@ TEST_F(Json, MemoryDoesNotGrowWithTheListing) {
     GTEST_SKIP() << "the sanitizer keeps what is freed";
 #endif
     const auto largest = [this](int policies) {
-        const std::string gen = PERF_STORE " gen --interfaces 0 --endpoints 0 --tunnels 0 --policies ";
-        const std::string make = gen + std::to_string(policies) + " | " PERF_STORE " load --replace -";
+        const std::string gen = "perf-store gen --interfaces 0 --endpoints 0 --tunnels 0 --policies ";
+        const std::string make = gen + std::to_string(policies) + " | perf-store load --replace -";
         EXPECT_EQ(run_command(make, folder_.path()).status, 0);
         // The whole file is read through the store's map, which does not count as the program's memory.
         const std::string measured = run_command(

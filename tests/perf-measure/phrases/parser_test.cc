@@ -102,6 +102,12 @@ TEST(Parser, KnowsEveryPhrase) {
         {"plot delay sr-policy gold", "-c 4 -t 19 -i gold"},
         {"plot delay rsvp-te te1", "-c 4 -t 21 -i te1"},
         {"plot delay endpoint site-a", "-c 4 -t 29 -i site-a"},
+        {"metrics", ""},
+        {"metrics interfaces", "-c 1"},
+        {"metrics sr-policies", "-c 17"},
+        {"metrics rsvp-te", "-c 15"},
+        {"metrics endpoints", "-c 26"},
+        {"metrics summary", "-c 9"},
     };
     for (const said &each : PHRASES) {
         EXPECT_EQ(letters(each.line), each.letters) << each.line;

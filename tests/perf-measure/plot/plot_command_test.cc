@@ -9,11 +9,11 @@ namespace {
 
 class Plot : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, folder_.path()).status, 0); }
+    void SetUp() override { ASSERT_EQ(run_command("perf-store load \"$EXAMPLE\"", folder_.path()).status, 0); }
 
     // What follows the options of a plot: the drawing's lines that name something.
     std::string titles(const std::string &words) {
-        return run_command(std::string(CAPTURED) + "COLUMNS=80 " PERF_MEASURE " plot " + words +
+        return run_command(std::string(CAPTURED) + "COLUMNS=80 perf-measure plot " + words +
                                " --ascii | grep -a 'history$\\|sample'",
                            folder_.path())
             .out;
@@ -62,7 +62,7 @@ TEST_F(Plot, WritesThePictureBesideTheDrawingOrAlone) {
 }
 
 TEST_F(Plot, UsesUnicodeWhereTheTerminalHasIt) {
-    const std::string draw = PERF_MEASURE " plot delay endpoint ep-100.64.0.1";
+    const std::string draw = "perf-measure plot delay endpoint ep-100.64.0.1";
     EXPECT_NE(run_command("LC_ALL=C.UTF-8 " + draw, folder_.path()).out.find("●"), std::string::npos);
     EXPECT_EQ(run_command("LC_ALL=C " + draw, folder_.path()).out.find("●"), std::string::npos);
     EXPECT_EQ(run_command("LC_ALL=C.UTF-8 " + draw + " --ascii", folder_.path()).out.find("●"), std::string::npos);

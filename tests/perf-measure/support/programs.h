@@ -11,5 +11,5 @@ inline constexpr char CAPTURED[] = "export PERF_SHOW_NOW=1709647390000; ";
 
 // Runs perf-measure with these words on a store, away from any terminal.
 inline command_result measure(const std::string &words, const std::string &store) {
-    return run_command(CAPTURED + std::string(PERF_MEASURE " ") + words + " </dev/null", store);
+    return run_command(CAPTURED + std::string("perf-measure ") + words + " </dev/null", store);
 }

@@ -14,6 +14,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "tests/support/command.h"
+
 class pseudo_terminal {
 public:
     // Runs a shell command with OPSTORE_URL naming `store`, on a terminal of 100 columns.
@@ -27,6 +29,7 @@ public:
             store + " OPSTORE_URL=lmdb:" + store + "; " + command;
         child_ = forkpty(&master_, nullptr, nullptr, &size);
         if (child_ == 0) {
+            name_programs();
             execl("/bin/bash", "bash", "-c", whole.c_str(), nullptr);
             std::_Exit(127);
         }

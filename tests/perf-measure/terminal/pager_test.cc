@@ -12,7 +12,7 @@ constexpr char RED_DOWN[] = "\033[31mDown\033[0m";
 
 class Terminal : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, folder_.path()).status, 0); }
+    void SetUp() override { ASSERT_EQ(run_command("perf-store load \"$EXAMPLE\"", folder_.path()).status, 0); }
 
     // All that a command draws.
     std::string drawn(const std::string &command, int status = 0) {
@@ -24,7 +24,7 @@ protected:
     temporary_folder folder_;
 };
 
-constexpr char DOWN_INTERFACE[] = PERF_MEASURE " show interfaces name eth0/1/0/5";
+constexpr char DOWN_INTERFACE[] = "perf-measure show interfaces name eth0/1/0/5";
 
 TEST_F(Terminal, OutputGoesThroughThePager) {
     const std::string text = drawn(std::string("PAGER='sed s/^/paged:/' ") + DOWN_INTERFACE);
@@ -44,18 +44,18 @@ TEST_F(Terminal, AnEmptyPagerAndCatAreNone) {
 }
 
 TEST_F(Terminal, APagerThatIsLeftEarlyEndsTheCommandQuietly) {
-    const std::string text = drawn("PAGER='head -n 3' " PERF_MEASURE " show sr-policies verbose");
+    const std::string text = drawn("PAGER='head -n 3' perf-measure show sr-policies verbose");
     EXPECT_EQ(text.find("rror"), std::string::npos) << text;
 }
 
 TEST_F(Terminal, MessagesGoThroughThePagerToo) {
-    const std::string text = drawn("PAGER='sed s/^/paged:/' NO_COLOR=1 " PERF_MEASURE " show interfaces name nix", 1);
+    const std::string text = drawn("PAGER='sed s/^/paged:/' NO_COLOR=1 perf-measure show interfaces name nix", 1);
     EXPECT_NE(text.find("paged:perf-measure: lc0: Item not found"), std::string::npos) << text;
 }
 
 TEST_F(Terminal, WhatIsDownIsRed) {
     EXPECT_NE(drawn(std::string("PAGER= ") + DOWN_INTERFACE).find(RED_DOWN), std::string::npos);
-    const std::string error = drawn("PAGER= " PERF_MEASURE " show interfaces name nix", 1);
+    const std::string error = drawn("PAGER= perf-measure show interfaces name nix", 1);
     EXPECT_NE(error.find("\033[31mperf-measure: lc0: Item not found\033[0m"), std::string::npos) << error;
 }
 
@@ -69,7 +69,7 @@ TEST_F(Terminal, NothingIsRedWithoutColoursOrWithoutATerminal) {
 }
 
 TEST_F(Terminal, APlotIsAsWideAsTheTerminal) {
-    const std::string text = drawn("PAGER='sed s/^/paged:/' " PERF_MEASURE " plot delay interface eth0/0/0/0");
+    const std::string text = drawn("PAGER='sed s/^/paged:/' perf-measure plot delay interface eth0/0/0/0");
     std::string floor = "└";  // of the axis, after the numbers: 100 columns but for 12
     for (int column = 0; column < 88; ++column) {
         floor += "─";

@@ -13,11 +13,11 @@ constexpr char GIVEN_BACK[] = "\033[?25h\033[?1049l";
 
 class Watch : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_EQ(run_command(PERF_STORE " load " PM_EXAMPLE, folder_.path()).status, 0); }
+    void SetUp() override { ASSERT_EQ(run_command("perf-store load \"$EXAMPLE\"", folder_.path()).status, 0); }
     temporary_folder folder_;
 };
 
-constexpr char TABLE[] = PERF_MEASURE " show interfaces brief node lc0 --watch 0.2";
+constexpr char TABLE[] = "perf-measure show interfaces brief node lc0 --watch 0.2";
 
 TEST_F(Watch, FillsTheScreenAndGivesItBackOnQ) {
     pseudo_terminal terminal(TABLE, folder_.path());
@@ -62,9 +62,9 @@ TEST_F(Watch, MarksWhatHasChanged) {
     pseudo_terminal terminal(TABLE, folder_.path());
     ASSERT_TRUE(terminal.wait_for("4/4              210/207/215/2"));
     // The same interface with another average: 210 becomes 219.
-    const std::string change = PERF_STORE
-        " get --root main --node 16 intf/detail/eth0/0/0/0 | sed 's/\"Average\":210/\"Average\":219/' | " PERF_STORE
-        " load -";
+    const std::string change =
+        "perf-store get --root main --node 16 intf/detail/eth0/0/0/0 | sed 's/\"Average\":210/\"Average\":219/' | "
+        "perf-store load -";
     const command_result changed = run_command(change, folder_.path());
     ASSERT_EQ(changed.status, 0) << changed.err;
     EXPECT_TRUE(terminal.wait_for("21\033[0m\033[7m9\033[0m/207/215/2")) << terminal.drawn();
@@ -74,7 +74,7 @@ TEST_F(Watch, MarksWhatHasChanged) {
 
 TEST_F(Watch, PrintsPlainBlocksWithoutATerminal) {
     const command_result result = run_command(
-        std::string(CAPTURED) + "timeout -s INT 1 " PERF_MEASURE " show capabilities node lc0 --watch 0.3 </dev/null",
+        std::string(CAPTURED) + "timeout -s INT 1 perf-measure show capabilities node lc0 --watch 0.3 </dev/null",
         folder_.path());
     EXPECT_EQ(result.out.find('\033'), std::string::npos);
     const std::size_t first = result.out.find("\nlc0\n");
@@ -83,10 +83,10 @@ TEST_F(Watch, PrintsPlainBlocksWithoutATerminal) {
 }
 
 TEST_F(Watch, EndsWhenNobodyReadsTheBlocks) {
-    const command_result result = run_command("timeout 5 " PERF_MEASURE
-                                              " show summary --watch 0.1 </dev/null | head -n 1 >/dev/null; "
-                                              "echo ${PIPESTATUS[0]}",
-                                              folder_.path());
+    const command_result result = run_command(
+        "timeout 5 perf-measure show summary --watch 0.1 </dev/null | head -n 1 >/dev/null; "
+        "echo ${PIPESTATUS[0]}",
+        folder_.path());
     EXPECT_EQ(result.out, "0\n");
 }
 

@@ -71,21 +71,24 @@ inline void pause(double seconds) { std::this_thread::sleep_for(std::chrono::dur
 // A perf-probed with a configuration and a store of its own.
 class live_service {
 public:
-    // `prefix` goes before the command, for example "ip netns exec NAME".
-    explicit live_service(const std::string &yaml, std::string prefix = "") : prefix_(std::move(prefix)) {
+    // `prefix` goes before the command, for example "ip netns exec NAME". `url` names another store than its own.
+    explicit live_service(const std::string &yaml, std::string prefix = "", std::string url = "")
+        : prefix_(std::move(prefix)), url_(url.empty() ? "lmdb:" + store() : std::move(url)) {
         configure(yaml);
         start();
     }
     void configure(const std::string &yaml) { write_file(config(), yaml); }
     void start() {
         process_ = std::make_unique<running_process>(
-            prefix_ + " env OPSTORE_URL=lmdb:" + store() + " " PERF_PROBED " --config " + config(), log_file());
+            prefix_ + " env 'OPSTORE_URL=" + url_ + "' '" PERF_PROBED "' --config " + config(), log_file());
     }
     [[nodiscard]] running_process &process() { return *process_; }
 
     // What a show prints.
-    [[nodiscard]] command_result show(const std::string &arguments) const {
-        return run_command("perf-show " + arguments, store());
+    [[nodiscard]] command_result show(const std::string &arguments) const { return run("perf-show " + arguments); }
+    // What a program of this project prints of the store.
+    [[nodiscard]] command_result run(const std::string &command) const {
+        return run_command("OPSTORE_URL='" + url_ + "' " + command, store());
     }
     [[nodiscard]] bool shows(const std::string &arguments, const std::string &text) const {
         return show(arguments).out.find(text) != std::string::npos;
@@ -98,5 +101,6 @@ public:
 private:
     temporary_folder folder_;
     std::string prefix_;
+    std::string url_;
     std::unique_ptr<running_process> process_;
 };

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include "tests/perf-probed/support/live.h"
+#include "tests/support/redis_server.h"
 
 namespace {
 
@@ -25,20 +26,43 @@ TEST(life, is_published_within_seconds_and_stopped_at_the_end) {
     const command_result after = service.show("-c 26");
     EXPECT_NE(after.out.find("PM process is not running"), std::string::npos) << after.out;
     EXPECT_EQ(after.out.find("Endpoint name"), std::string::npos);
-    EXPECT_NE(run_command(PERF_STORE " dump", service.store())
+    EXPECT_NE(run_command("perf-store dump", service.store())
                   .out.find(R"({"publisher":{"root":"main","node":1,"state":"stopped"}})"),
               std::string::npos);
 }
 
-TEST(life, is_shown_as_not_running_seconds_after_it_was_killed) {
-    live_service service(self(18702));
-    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+// Whether a dump says so of each branch that the service serves.
+bool dumps(const live_service &service, const std::string &state) {
+    std::string expected = "{\"dataset\":{\"version\":1}}\n";
+    for (const char *const root : {"main", "resp", "rx"}) {
+        expected += std::string(R"({"publisher":{"root":")") + root + R"(","node":1,"state":")" + state + "\"}}\n";
+    }
+    return service.run(PERF_STORE " dump --path none").out == expected;
+}
+
+// A service that nobody could tell its end is shown, and dumped, as stopped once its lease has run out.
+void expect_lease_to_end(live_service &service) {
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); })) << service.log();
+    EXPECT_TRUE(dumps(service, "running")) << service.run(PERF_STORE " dump --path none").out;
     service.process().end(SIGKILL);
     EXPECT_TRUE(service.shows("-c 26", "Endpoint name: a"));
     EXPECT_TRUE(within(7, [&] { return !service.shows("-c 26", "Endpoint name: a"); }));
     EXPECT_TRUE(service.shows("-c 26", "PM process is not running"));
+    EXPECT_TRUE(dumps(service, "stopped")) << service.run(PERF_STORE " dump --path none").out;
     service.start();
     EXPECT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+    EXPECT_TRUE(dumps(service, "running")) << service.run(PERF_STORE " dump --path none").out;
+}
+
+TEST(life, is_shown_as_not_running_seconds_after_it_was_killed) {
+    live_service service(self(18702));
+    expect_lease_to_end(service);
+}
+
+TEST(life, is_shown_as_not_running_by_a_server_seconds_after_it_was_killed) {
+    const redis_server server;
+    live_service service(self(18711), "", server.url());
+    expect_lease_to_end(service);
 }
 
 TEST(life, is_not_shown_while_it_is_suspended_and_makes_up_for_nothing) {
@@ -73,6 +97,49 @@ TEST(life, a_configuration_that_is_read_again_keeps_what_did_not_change) {
     EXPECT_TRUE(service.shows("-c 26", "Endpoint name: c"));
 }
 
+// A reflector and a sender whose key files are two.
+TEST(life, the_key_of_a_port_that_stays_open_is_read_again) {
+    const temporary_folder folder;
+    const std::string near_key = folder.path() + "/near";
+    const std::string far_key = folder.path() + "/far";
+    write_file(near_key, "one\n");
+    write_file(far_key, "one\n");
+    live_service service(
+        "node: {name: h, id: 1}\nreflector: {listen: [{address: 127.0.0.1, port: 18712, key-file: " + far_key +
+        "}]}\nprofiles:\n  - {name: l, kind: liveness, tx-interval: 100 ms}\n"
+        "endpoints:\n  - {name: a, address: 127.0.0.1, port: 18712, liveness: l, key-file: " +
+        near_key + "}\n");
+    ASSERT_TRUE(within(6, [&] { return service.shows("-c 26", "Session State: Up"); })) << service.log();
+    write_file(far_key, "another\n");
+    service.process().signal(SIGHUP);
+    EXPECT_TRUE(within(6, [&] { return service.shows("-c 26", "Session State: Down"); })) << service.log();
+    write_file(near_key, "another\n");
+    service.process().signal(SIGHUP);
+    EXPECT_TRUE(within(6, [&] { return service.shows("-c 26", "Session State: Up"); })) << service.log();
+    const std::string history = service.show("-c 27 -t 29").out;  // one session all the while
+    EXPECT_NE(history.find(" DOWN\n"), std::string::npos) << history;
+}
+
+TEST(life, a_port_that_cannot_be_opened_leaves_the_configuration_as_it_was) {
+    live_service other("reflector: {listen: [{address: 127.0.0.1, port: 18713}]}\nnode: {name: o, id: 1}\n");
+    live_service service(self(18714));
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 10", "Total interfaces                              : 1"); }));
+    ASSERT_TRUE(within(5, [&] { return other.shows("-c 9", "Total interfaces with PM sessions"); }));
+    service.configure(self(18713));
+    service.process().signal(SIGHUP);
+    EXPECT_TRUE(within(5, [&] {
+        return service.log().find(
+                   "cannot receive at 127.0.0.1 port 18713: Address already in use; the configuration "
+                   "stays as it was") != std::string::npos;
+    })) << service.log();
+    EXPECT_TRUE(within(5, [&] {
+        return service.shows("-c 36",
+                             "Opened IPv4 port                                        "
+                             ": 18714");
+    })) << service.show("-c 36").out;
+    EXPECT_TRUE(within(5, [&] { return service.shows("-c 4 -t 29 -i a", "10/10"); }));
+}
+
 TEST(life, cleared_advertisements_say_so) {
     live_service service(self(18705));
     ASSERT_TRUE(within(6, [&] { return service.shows("-c 20 -t 29", "         FIRST"); }));
@@ -98,7 +165,7 @@ TEST(life, a_store_that_somebody_emptied_is_filled_again) {
     live_service service(self(18710));
     ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
     write_file(service.store() + "-set", "{\"node\": {\"id\": 9, \"name\": \"x\"}}\n");
-    ASSERT_EQ(run_command(PERF_STORE " load --replace " + service.store() + "-set", service.store()).status, 0);
+    ASSERT_EQ(run_command("perf-store load --replace " + service.store() + "-set", service.store()).status, 0);
     EXPECT_TRUE(within(8, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
 }
 
@@ -152,13 +219,13 @@ TEST(life, a_read_only_store_is_told_and_published_again_once_it_may_be_written)
 TEST(life, a_wrong_configuration_does_not_start) {
     const temporary_folder folder;
     write_file(folder.path() + "/c.yaml", "a: 1\nb: 2\n");
-    const command_result checked = run_command(PERF_PROBED " --check " + folder.path() + "/c.yaml", folder.path());
+    const command_result checked = run_command("perf-probed --check " + folder.path() + "/c.yaml", folder.path());
     EXPECT_EQ(checked.status, 1);
     EXPECT_EQ(checked.err, "perf-probed: " + folder.path() +
                                "/c.yaml:1: a: is no key that is known here\nperf-probed: " + folder.path() +
                                "/c.yaml:2: b: is no key that is known here\n");
-    EXPECT_EQ(run_command(PERF_PROBED " --nonsense", folder.path()).status, 2);
-    EXPECT_EQ(run_command(PERF_PROBED " --check " PM_PROBED_EXAMPLE, folder.path()).status, 0);
+    EXPECT_EQ(run_command("perf-probed --nonsense", folder.path()).status, 2);
+    EXPECT_EQ(run_command("perf-probed --check '" PM_PROBED_EXAMPLE "'", folder.path()).status, 0);
 }
 
 }  // namespace

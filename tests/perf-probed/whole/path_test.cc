@@ -69,7 +69,7 @@ constexpr char AT_ONCE[] = "chrt -f 20 ";
 double difference(joined_namespaces &path, const std::string &address, const std::string &reflector) {
     live_service far(REFLECTOR, path.in("b") + AT_ONCE);
     running_process relay(
-        path.in("b") + AT_ONCE + PROBED_RELAY " " + address + " 9000 " + reflector + " 8620 5000 0 0 0 0",
+        path.in("b") + AT_ONCE + "'" PROBED_RELAY "' " + address + " 9000 " + reflector + " 8620 5000 0 0 0 0",
         far.store() + "-relay");
     if (!within(5, [&] { return far.shows("-c 10", "Delay-Measurement:") && path_test::ready(relay); })) {
         return -1;
@@ -107,8 +107,9 @@ TEST_F(path_test, the_average_is_within_100_microseconds_of_what_the_relay_added
 // is. Held for 25 ms more, so that two others overtake it: 24, 49, 74 and 99 are, of which 49 and 99 are lost.
 TEST_F(path_test, lost_duplicate_and_reordered_packets_are_counted_exactly) {
     live_service far(REFLECTOR, path.in("b"));
-    running_process relay(path.in("b") + PROBED_RELAY " " + path.ipv4("b") + " 9000 127.0.0.1 8620 1000 10 7 25 25000",
-                          far.store() + "-relay");
+    running_process relay(
+        path.in("b") + "'" PROBED_RELAY "' " + path.ipv4("b") + " 9000 127.0.0.1 8620 1000 10 7 25 25000",
+        far.store() + "-relay");
     ASSERT_TRUE(ready(relay));
     live_service near(burst(path.ipv4("b")), path.in("a"));
     ASSERT_TRUE(within(4, [&] { return near.shows("-c 28", "Total sent                              : 100\n"); }));
@@ -129,8 +130,9 @@ TEST_F(path_test, lost_duplicate_and_reordered_packets_are_counted_exactly) {
 
 TEST_F(path_test, answers_after_their_time_are_late_and_lost) {
     live_service far(REFLECTOR, path.in("b"));
-    running_process relay(path.in("b") + PROBED_RELAY " " + path.ipv4("b") + " 9000 127.0.0.1 8620 1000 0 0 20 700000",
-                          far.store() + "-relay");
+    running_process relay(
+        path.in("b") + "'" PROBED_RELAY "' " + path.ipv4("b") + " 9000 127.0.0.1 8620 1000 0 0 20 700000",
+        far.store() + "-relay");
     ASSERT_TRUE(ready(relay));
     live_service near(burst(path.ipv4("b")), path.in("a"));
     ASSERT_TRUE(within(4, [&] { return near.shows("-c 28", "Total sent                              : 100\n"); }));

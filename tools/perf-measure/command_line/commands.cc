@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unistd.h>
 
+#include "perf-measure/command_line/metrics.h"
 #include "perf-measure/command_line/plot.h"
 #include "perf-measure/command_line/show.h"
 #include "perf-measure/phrases/help.h"
@@ -75,9 +76,13 @@ int run_command(const invocation &given) {
     }
     // A plot fits itself to the terminal, and so has to write to it.
     const bool is_plot = parser.command().what->takes_name;
+    const bool is_metrics = parser.command().what->is_metrics;
     std::function<int()> body = [&] {
         if (is_plot) {
             return plot(parser.command(), given);
+        }
+        if (is_metrics) {
+            return metrics(parser.command(), given);
         }
         return given.json ? show_as_json(parser.command(), given.pretty) : show_as_text(parser.command());
     };
@@ -88,7 +93,8 @@ int run_command(const invocation &given) {
         };
         return watch(body, *given.watch_sec, joined(words));
     }
-    return !is_plot && wants_terminal_show(!given.no_pager) ? terminal_show(body, !given.no_pager) : body();
+    return !is_plot && !is_metrics && wants_terminal_show(!given.no_pager) ? terminal_show(body, !given.no_pager)
+                                                                           : body();
 }
 
 }  // namespace perf_measure

@@ -21,6 +21,7 @@ constexpr char DESCRIPTION[] =
     "  perf-measure show interfaces brief\n"
     "  perf-measure show sr-policies color 100 --json\n"
     "  perf-measure plot delay endpoint site-a --svg delay.svg\n"
+    "  perf-measure metrics --listen 127.0.0.1:9464\n"
     "  perf-measure help show history\n"
     "  perf-measure                    (reads commands from the terminal)\n\n"
     "Words may be shortened; ? as the last word lists what may follow.";
@@ -72,6 +73,15 @@ void add_options(CLI::App *app, invocation *out, double *watch_sec) {
     app->add_option("--svg", out->svg_file, "With plot: write a picture to this file too; - is standard output")
         ->type_name("FILE");
     app->add_flag("--ascii", out->ascii, "With plot: draw with ASCII characters only");
+    app->add_option("--format", out->format, "With metrics: openmetrics or prometheus (the text form 0.0.4)")
+        ->check(CLI::IsMember({"openmetrics", "prometheus"}).description(""));
+    app->add_option("--listen", out->listen, "With metrics: serve them at http://ADDRESS:PORT/metrics")
+        ->type_name("ADDRESS:PORT");
+    app->add_option("--textfile", out->textfile, "With metrics: replace this file, for a collector of text files")
+        ->type_name("FILE");
+    app->add_option("--interval", out->interval_sec, "With --textfile: again every so many seconds, until it is ended")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(SHORTEST_INTERVAL_SEC, LONGEST_INTERVAL_SEC).description(""));
     app->allow_extras();  // the words
     app->footer(footer());
 }
@@ -85,7 +95,21 @@ std::string check(const invocation &given) {
     if ((!given.svg_file.empty() || given.ascii) && !plots) {
         return "--svg and --ascii go with plot only";
     }
-    return given.json && plots ? "--json goes with show only" : "";
+    const bool writes_metrics = !given.words.empty() && given.words.front().starts_with('m');
+    const bool has_target = !given.listen.empty() || !given.textfile.empty();
+    if ((has_target || !given.format.empty() || given.interval_sec > 0) && !writes_metrics) {
+        return "--listen, --textfile, --interval and --format go with metrics only";
+    }
+    if (!given.listen.empty() && (!given.textfile.empty() || !given.format.empty())) {
+        return "--listen serves both formats, and no file";
+    }
+    if (given.interval_sec > 0 && given.textfile.empty()) {
+        return "--interval goes with --textfile only";
+    }
+    if (given.watch_sec && writes_metrics) {
+        return "--watch does not go with metrics";
+    }
+    return given.json && (plots || writes_metrics) ? "--json goes with show only" : "";
 }
 
 }  // namespace

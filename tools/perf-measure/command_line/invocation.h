@@ -21,6 +21,10 @@ struct invocation {
     std::optional<double> watch_sec;
     std::string svg_file;
     bool ascii = false;
+    std::string format;         // of metrics; "" for openmetrics
+    std::string listen;         // "" for no service
+    std::string textfile;       // "" for none
+    double interval_sec = 0.0;  // 0: once
 };
 
 // Reads the arguments, without the program's name. A result other than nothing ends the program with that

@@ -3,6 +3,7 @@
 #include "perf-measure/completion/candidates.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "perf-measure/phrases/parser.h"
 
@@ -17,9 +18,14 @@ constexpr fitting_word PLAIN_OPTIONS[] = {
     {"--watch", "repeat, and mark what changes"},
     {"--svg", "with plot: write a picture"},
     {"--ascii", "with plot: ASCII characters only"},
+    {"--listen", "with metrics: serve them at an address and port"},
+    {"--textfile", "with metrics: replace this file"},
+    {"--interval", "with --textfile: again every so many seconds"},
+    {"--format", "with metrics: openmetrics or prometheus"},
     {"--help", "what there is"},
     {"--version", "the program's version"},
 };
+constexpr std::string_view WITH_VALUE[] = {"--svg", "--listen", "--textfile", "--interval", "--format"};
 constexpr fitting_word HELP = {"help", "what a command does and what may follow it"};
 
 void add(const fitting_word &word, std::string_view beginning, std::vector<candidate> *out) {
@@ -28,13 +34,15 @@ void add(const fitting_word &word, std::string_view beginning, std::vector<candi
     }
 }
 
-// Takes the words but for plain options and a leading "help"; false when they are no command.
+// Takes the words but for plain options, with their values, and a leading "help"; false when they are no command.
 bool take_words(const std::vector<std::string> &words, word_parser *parser) {
+    bool is_value = false;
     for (const std::string &word : words) {
         const bool is_help = &word == &words.front() && begins_with(HELP.word, word);
-        if (!is_help && !word.starts_with("--") && !parser->take(word)) {
+        if (!is_value && !is_help && !word.starts_with("--") && !parser->take(word)) {
             return false;
         }
+        is_value = std::ranges::find(WITH_VALUE, std::string_view(word)) != std::end(WITH_VALUE);
     }
     return true;
 }

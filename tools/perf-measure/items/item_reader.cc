@@ -169,15 +169,16 @@ private:
     bool more_ = true;
 };
 
-}  // namespace
-
-void read_items(const item_visit &visit, std::vector<node_failure> *failures) {
-    pm_show_request request{};
-    pm_show_path item_path;
-    if (pm_show_build_request(&request, item_path) != pm_show_build::ready) {
+// The request that pm_show_options make; false, with a failure, when there is none.
+bool build_request(pm_show_request *request, pm_show_path &item_path, std::vector<node_failure> *failures) {
+    const bool is_ready = pm_show_build_request(request, item_path) == pm_show_build::ready;
+    if (!is_ready) {
         failures->push_back({NODEID_NONE, ERRCODE_INVALID_ARGUMENT, {}});
-        return;
     }
+    return is_ready;
+}
+
+void read_request(const pm_show_request &request, const item_visit &visit, std::vector<node_failure> *failures) {
     reader read(request, visit);
     const bool is_known = pm_show_visit_nodes([&](std::uint32_t node) {
         if (read.more()) {
@@ -189,6 +190,31 @@ void read_items(const item_visit &visit, std::vector<node_failure> *failures) {
     if (!is_known) {
         failures->push_back({NODEID_NONE, ERRCODE_NOT_FOUND, {}});
     }
+}
+
+}  // namespace
+
+void read_items(const item_visit &visit, std::vector<node_failure> *failures) {
+    pm_show_request request{};
+    pm_show_path item_path;
+    if (build_request(&request, item_path, failures)) {
+        read_request(request, visit, failures);
+    }
+}
+
+void read_companions(const companion_items &which, const item_visit &visit, std::vector<node_failure> *failures) {
+    pm_show_request request{};
+    pm_show_path item_path;
+    if (!build_request(&request, item_path, failures)) {
+        return;
+    }
+    // Both paths end in '/', after which a filter's path has its own mark.
+    std::string path = request.item_path;
+    path.replace(0, path_of(which.asked).size() - 1, path_of(which.read), 0, path_of(which.read).size() - 1);
+    request.item_path = path.c_str();
+    request.parcel_desc = which.type;
+    request.decoded_size = which.size;
+    read_request(request, visit, failures);
 }
 
 }  // namespace perf_measure

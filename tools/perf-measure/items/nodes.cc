@@ -34,7 +34,9 @@ std::vector<named_node> inventory_nodes() {
     for (std::int32_t i = 0; i < count; ++i) {
         std::uint32_t id = NODEID_NONE;
         if (invd_inventory_get_nodeid(inventory, i, &id) == ERRCODE_SUCCESS) {
-            nodes.push_back({id, name_of_node(id)});
+            std::uint32_t state = 0;
+            const bool is_up = invd_inventory_get_sw_state(inventory, i, &state) == ERRCODE_SUCCESS;
+            nodes.push_back({id, name_of_node(id), is_up && state == INVD_SW_STATE_UP});
         }
     }
     return nodes;

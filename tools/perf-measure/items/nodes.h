@@ -11,6 +11,7 @@ namespace perf_measure {
 struct named_node {
     std::uint32_t id;
     std::string name;
+    bool is_up = true;  // its software
 };
 
 // The nodes of the inventory, in its order. Empty when it cannot be read.

@@ -2,16 +2,12 @@
 // JSON as text.
 #include "perf-measure/json/json_text.h"
 
-#include <algorithm>
-
 #include "perf-store/datasets/value_text.h"
 
 namespace perf_measure {
 
 namespace {
 
-constexpr char REPLACEMENT[] = "\xEF\xBF\xBD";
-constexpr std::size_t LONGEST_CHARACTER = 4;
 constexpr std::size_t INDENT = 2;
 
 void append_line_break(std::size_t depth, std::string *out) {
@@ -40,17 +36,7 @@ void append_json_any_text(std::string_view text, std::string *out) {
     if (perf_store::append_json_text(text, out)) {
         return;
     }
-    std::string valid;
-    while (!text.empty()) {
-        std::size_t length = 1;
-        while (length < LONGEST_CHARACTER && length < text.size() && !perf_store::is_utf8(text.substr(0, length))) {
-            ++length;
-        }
-        const bool is_character = perf_store::is_utf8(text.substr(0, length));
-        valid += is_character ? text.substr(0, length) : REPLACEMENT;
-        text.remove_prefix(is_character ? length : 1);
-    }
-    static_cast<void>(perf_store::append_json_text(valid, out));
+    static_cast<void>(perf_store::append_json_text(perf_store::as_utf8(text), out));
 }
 
 std::string indented_json(std::string_view compact) {

@@ -96,7 +96,7 @@ std::string help_for(const word_parser &parser) {
     std::string text = parser.taken();
     if (const phrase *const what = parser.command().what; what != nullptr) {
         text += std::string(": ") + what->help;
-        text += std::string("\n  the same with numbers: perf-show ") + what->letters;
+        text += what->is_metrics ? "" : std::string("\n  the same with numbers: perf-show ") + what->letters;
     } else {
         for (const phrase_group &group : phrase_groups()) {
             text += group.words == parser.taken() ? std::string(": ") + group.help : "";
@@ -118,7 +118,7 @@ std::string manual_commands() {
     std::vector<const option *> said;
     for (const phrase &each : phrases()) {
         text += ".TP\n.B " + escaped(each.words) + (each.takes_name ? " \\fINAME\\fR\n" : "\n");
-        text += escaped(each.help) + " (perf\\-show " + escaped(each.letters) + ").\n";
+        text += escaped(each.help) + (each.is_metrics ? "" : " (perf\\-show " + escaped(each.letters) + ")") + ".\n";
         std::string words;
         for_each_option(each, [&](const option &takes) {
             words += (words.empty() ? "" : ", ") + escaped(takes.word);

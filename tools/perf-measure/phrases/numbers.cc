@@ -107,7 +107,7 @@ std::string words_of(const std::vector<std::string> &letters) {
     for (const phrase &each : phrases()) {
         const std::string words = words_for(each, asked);
         const std::size_t count = split(each.letters).size();
-        if (!words.empty() && count > most) {
+        if (!each.is_metrics && !words.empty() && count > most) {
             best = words;
             most = count;
         }

@@ -200,6 +200,13 @@ constexpr phrase PHRASES[] = {
     {"plot delay sr-policy", "-c 4 -t 19", "the delays of an SR policy, each candidate path or one segment list", PLOT | of({segment_list}) | EVERY_NODE, POLICY_NAMES, true},
     {"plot delay rsvp-te", "-c 4 -t 21", "the delays of an RSVP-TE tunnel, each LSP", PLOT | LOCAL_NODE, TUNNEL_NAMES, true},
     {"plot delay endpoint", "-c 4 -t 29", "the delays of an endpoint, each segment list", PLOT | of({segment_list}) | EVERY_NODE, ENDPOINT_NAMES, true},
+
+    {"metrics", "", "metrics for Prometheus: all nodes and what they measure", EVERY_NODE, {}, false, true},
+    {"metrics interfaces", "-c 1", "metrics of interfaces", of({name}) | EVERY_NODE, INTERFACE_NAMES, false, true},
+    {"metrics sr-policies", "-c 17", "metrics of SR policies", of({name}) | POLICIES | EVERY_NODE, POLICY_NAMES, false, true},
+    {"metrics rsvp-te", "-c 15", "metrics of RSVP-TE tunnels", of({name}) | TUNNELS | EVERY_NODE, TUNNEL_NAMES, false, true},
+    {"metrics endpoints", "-c 26", "metrics of endpoints", of({name}) | ENDPOINTS | EVERY_NODE, ENDPOINT_NAMES, false, true},
+    {"metrics summary", "-c 9", "metrics of whole nodes only", EVERY_NODE, {}, false, true},
 };
 
 constexpr synonym SYNONYMS[] = {

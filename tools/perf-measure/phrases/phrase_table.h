@@ -102,11 +102,12 @@ struct name_source {
 
 struct phrase {
     const char *words;    // "show sr-policies counters"
-    const char *letters;  // "-c 18"
+    const char *letters;  // "-c 18"; "" for what no single command of perf-show reads
     const char *help;
     option_set options = 0;
     name_source names = {};
-    bool takes_name = false;  // a name follows at once, without a word before it
+    bool takes_name = false;  // a plot: a name follows at once, without a word before it
+    bool is_metrics = false;
 };
 
 // The first words of several phrases: "show history".

@@ -32,6 +32,17 @@ struct load_options {
 [[nodiscard]] int run_rm(const store::root_name &root, std::uint32_t node, const std::vector<std::string> &paths,
                          bool recursive);
 
+// Compares two states. Each is a data set ("-" is standard input) or a store, by its URL; no second one is the store of
+// OPSTORE_URL. 0 when they are the same, 1 when not, 2 when that cannot be told.
+struct diff_options {
+    std::string from;
+    std::string to;
+    std::vector<std::string> ignored;  // members
+    bool counters = false;
+    double interval_seconds = 0;  // between the two; 0: as the records tell
+};
+[[nodiscard]] int run_diff(const diff_options &options);
+
 [[nodiscard]] int run_dump(const item_selection &selection);
 // Writes what is sound of a damaged store, and a line on standard error for each loss.
 [[nodiscard]] int run_dump_damaged();

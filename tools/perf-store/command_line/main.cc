@@ -34,6 +34,7 @@ struct arguments {
     std::vector<std::string> items;
     bool recursive = false;
     gen_options synthetic;
+    diff_options diff;
 };
 
 // A node id in any C notation.
@@ -69,6 +70,21 @@ void add_dump(CLI::App *app, arguments *given) {
         ->excludes("--node")
         ->excludes("--path");
     dump->footer("Example: perf-store dump --root main --node 0x100 --path srpolicy/ > policies.ndjson");
+}
+
+void add_diff(CLI::App *app, arguments *given) {
+    diff_options &set = given->diff;
+    CLI::App *diff = app->add_subcommand("diff", "Compare two data sets, or a data set and the store");
+    diff->add_option("OLD", set.from, "A data set (- is standard input) or a store's URL")->required();
+    diff->add_option("NEW", set.to, "Another; the store of OPSTORE_URL unless given");
+    diff->add_option("--ignore", set.ignored, "Pass over a member, by its name or the end of its path; repeatable")
+        ->type_name("MEMBER")
+        ->allow_extra_args(false);
+    CLI::Option *counters = diff->add_flag("--counters", set.counters, "Say how much counters grew, and how fast");
+    diff->add_option("--interval", set.interval_seconds, "Seconds between the two, for the rates")
+        ->check(CLI::PositiveNumber)
+        ->needs(counters);
+    diff->footer("Example: perf-store diff --ignore Timestamp before.ndjson after.ndjson");
 }
 
 void add_item_commands(CLI::App *app, arguments *given) {
@@ -151,6 +167,7 @@ int run(int argc, char **argv) {
     app.require_subcommand(1);
     add_load(&app, &given);
     add_dump(&app, &given);
+    add_diff(&app, &given);
     add_item_commands(&app, &given);
     add_gen(&app, &given);
     app.add_subcommand("stat", "Items and bytes of each root and node")->footer("Example: perf-store stat");
@@ -172,6 +189,9 @@ int run(int argc, char **argv) {
     }
     if (app.got_subcommand("dump")) {
         return given.damaged ? run_dump_damaged() : run_dump(selection_of(given));
+    }
+    if (app.got_subcommand("diff")) {
+        return run_diff(given.diff);
     }
     if (app.got_subcommand("ls")) {
         return run_ls(selection_of(given));

@@ -6,6 +6,7 @@ _perf_store_options() {
     case $1 in
     load) echo --replace --empty ;;
     dump) echo --root --node --path --damaged ;;
+    diff) echo --ignore --counters --interval ;;
     ls | get) echo --root --node ;;
     rm) echo --root --node --recursive ;;
     gen) echo --nodes --interfaces --policies --paths --endpoints --tunnels --seed ;;
@@ -54,18 +55,19 @@ _perf_store() {
     done
 
     if [[ -z $subcommand ]]; then
-        words='load dump ls get rm types schema stat verify gen'
+        words='load dump diff ls get rm types schema stat verify gen'
         [[ $current == -* ]] && words='--help --version'
     else
         case $previous in
         --root) words='main resp rx chkpt' ;;
         --node) words=$(_perf_store_nodes "$program") ;;
         --path) mapfile -t COMPREPLY < <(_perf_store_paths "$program" "$current"); return ;;
+        --ignore | --interval) return ;;
         --nodes | --interfaces | --policies | --paths | --endpoints | --tunnels | --seed) return ;;
         *)
             if [[ $current == -* ]]; then
                 words=$(_perf_store_options "$subcommand")
-            elif [[ $subcommand == load ]]; then
+            elif [[ $subcommand == load || $subcommand == diff ]]; then
                 compopt -o filenames 2>/dev/null
                 mapfile -t COMPREPLY < <(compgen -f -- "$current")
                 return

@@ -2,9 +2,8 @@
 // Decodes what the store holds and writes its lines.
 #include "perf-store/datasets/dataset_dumper.h"
 
-#include <vector>
-
 #include "perf-store/datasets/dataset_lines.h"
+#include "perf-store/datasets/decoded_record.h"
 #include "perf-store/datasets/message_text.h"
 #include "perf-store/datasets/progress_line.h"
 #include "platform/local/codec/parcel_codec.h"
@@ -14,30 +13,6 @@
 namespace perf_store {
 
 namespace {
-
-// A decoded parcel, freed at its end.
-class decoded_record {
-public:
-    decoded_record(std::string_view parcel, const parcel_descriptor *type)
-        : type_(type),
-          words_(type->layout[0].size / sizeof(std::uint64_t) + 1),
-          code_(parcel_decode(parcel.data(), static_cast<std::uint32_t>(parcel.size()), words_.data(), type)) {}
-    ~decoded_record() { parcel_free_indirections(words_.data(), type_); }
-    decoded_record(const decoded_record &) = delete;
-    decoded_record &operator=(const decoded_record &) = delete;
-
-    [[nodiscard]] errcode code() const { return code_; }
-    [[nodiscard]] const void *data() const { return words_.data(); }
-    template <class Record>
-    [[nodiscard]] const Record &as() const {
-        return *static_cast<const Record *>(data());
-    }
-
-private:
-    const parcel_descriptor *type_;
-    std::vector<std::uint64_t> words_;
-    errcode code_;
-};
 
 // Decodes a record and passes it to `append`; an error of either names the object.
 template <class Append>
@@ -54,25 +29,13 @@ class dumper : public store_visitor {
 public:
     explicit dumper(output_file *out) : out_(*out), lines_(out->buffer()) {}
 
-    pm_error platform(std::string_view parcel) override {
-        return passed_on(with_record("platform", parcel, local_platform_descriptor(), [&](const auto &record) {
-            return append_platform_line(record.template as<local_platform>(), &lines_);
-        }));
-    }
-    pm_error node(std::string_view parcel) override {
-        return passed_on(with_record("node", parcel, local_node_descriptor(), [&](const auto &record) {
-            return append_node_line(record.template as<local_node>(), &lines_);
-        }));
-    }
+    pm_error platform(std::string_view parcel) override { return passed_on(append_stored_platform(parcel, &lines_)); }
+    pm_error node(std::string_view parcel) override { return passed_on(append_stored_node(parcel, &lines_)); }
     pm_error interface(std::uint32_t handle, std::string_view parcel) override {
-        return passed_on(with_record("interface", parcel, local_interface_descriptor(), [&](const auto &record) {
-            return append_interface_line(handle, record.template as<local_interface>(), &lines_);
-        }));
+        return passed_on(append_stored_interface(handle, parcel, &lines_));
     }
-    pm_error publisher(const item_place &branch, std::string_view parcel) override {
-        return passed_on(with_record("publisher", parcel, local_publisher_descriptor(), [&](const auto &record) {
-            return append_publisher_line(branch.root.word, branch.node, record.template as<local_publisher>(), &lines_);
-        }));
+    pm_error publisher(const item_place &branch, std::string_view parcel, store::kept_lease lease) override {
+        return passed_on(append_stored_publisher(branch, parcel, lease, &lines_));
     }
     pm_error item(const item_place &item, std::string_view parcel) override {
         progress_.advance(++items_, 0);
@@ -90,15 +53,46 @@ private:
 
 }  // namespace
 
-pm_error append_stored_item(const item_place &item, std::string_view parcel, json_fields fields, std::string *out) {
-    const std::string what = describe_item(item);
+pm_error append_stored_platform(std::string_view parcel, std::string *out) {
+    return with_record("platform", parcel, local_platform_descriptor(), [&](const decoded_record &record) {
+        return append_platform_line(record.as<local_platform>(), out);
+    });
+}
+
+pm_error append_stored_node(std::string_view parcel, std::string *out) {
+    return with_record("node", parcel, local_node_descriptor(),
+                       [&](const decoded_record &record) { return append_node_line(record.as<local_node>(), out); });
+}
+
+pm_error append_stored_interface(std::uint32_t handle, std::string_view parcel, std::string *out) {
+    return with_record("interface", parcel, local_interface_descriptor(), [&](const decoded_record &record) {
+        return append_interface_line(handle, record.as<local_interface>(), out);
+    });
+}
+
+pm_error append_stored_publisher(const item_place &branch, std::string_view parcel, store::kept_lease lease,
+                                 std::string *out) {
+    return with_record("publisher", parcel, local_publisher_descriptor(), [&](const decoded_record &record) {
+        const auto state = store::seen_state(record.as<local_publisher>(), lease);
+        return append_publisher_line(branch.root.word, branch.node, state, out);
+    });
+}
+
+pm_error find_stored_type(const std::string &what, std::string_view parcel, const parcel_descriptor **type) {
     parcel_header header{};
     if (const errcode error = parcel_read_header(parcel.data(), parcel.size(), &header); error != ERRCODE_SUCCESS) {
         return pm_error(error, what + ": " + errcode_strerror(error));
     }
-    const parcel_descriptor *type = pm_find_descriptor(header.type);
-    if (type == nullptr) {
-        return pm_error(what + ": unknown record type " + on_one_line(excerpt(header.type)));
+    *type = pm_find_descriptor(header.type);
+    return *type != nullptr ? pm_error()
+                            : pm_error(what + ": unknown record type " + on_one_line(excerpt(header.type)));
+}
+
+pm_error append_stored_item(const item_place &item, std::string_view parcel, json_fields fields, std::string *out) {
+    const std::string what = describe_item(item);
+    const parcel_descriptor *type = nullptr;
+    if (pm_error error = find_stored_type(what, parcel, &type)) {
+        return error;
     }
     return with_record(what, parcel, type, [&](const decoded_record &record) {
         return append_item_line(item.root.word, item.node, item.path, type, record.data(), fields, out);

@@ -13,6 +13,18 @@
 
 namespace perf_store {
 
+// The type of an item's parcel. The error begins with `what`, which names the item.
+[[nodiscard]] pm_error find_stored_type(const std::string &what, std::string_view parcel,
+                                        const parcel_descriptor **type);
+
+// Each appends an object of the store as one of a data set, on a line. The error names the object; then nothing is
+// appended.
+[[nodiscard]] pm_error append_stored_platform(std::string_view parcel, std::string *out);
+[[nodiscard]] pm_error append_stored_node(std::string_view parcel, std::string *out);
+[[nodiscard]] pm_error append_stored_interface(std::uint32_t handle, std::string_view parcel, std::string *out);
+[[nodiscard]] pm_error append_stored_publisher(const item_place &branch, std::string_view parcel,
+                                               store::kept_lease lease, std::string *out);
+
 // Appends an item as an object of a data set, on a line. The error names the item; then nothing is
 // appended.
 [[nodiscard]] pm_error append_stored_item(const item_place &item, std::string_view parcel, json_fields fields,

@@ -129,18 +129,16 @@ pm_error append_interface_line(std::uint32_t handle, const local_interface &reco
     return line.end();
 }
 
-pm_error append_publisher_line(std::string_view root, std::uint32_t node, const local_publisher &record,
+pm_error append_publisher_line(std::string_view root, std::uint32_t node, store::publisher_state state,
                                std::string *out) {
-    const auto *state = std::find_if(std::begin(PUBLISHER_STATES), std::end(PUBLISHER_STATES), [&](const auto &each) {
-        return each.state == static_cast<store::publisher_state>(record.State);
-    });
-    if (state == std::end(PUBLISHER_STATES)) {
+    const auto *const known = std::ranges::find(PUBLISHER_STATES, state, &state_name::state);
+    if (known == std::end(PUBLISHER_STATES)) {
         return pm_error("unknown state");
     }
     object_line line("publisher", out);
     line.text("root", root);
     line.number("node", node);
-    line.text("state", state->word);
+    line.text("state", known->word);
     return line.end();
 }
 

@@ -11,6 +11,7 @@
 
 #include "base/pm_error.h"
 #include "perf-store/datasets/record_json.h"
+#include "platform/local/store/branch.h"
 #include "platform/local/store/local_store_records.h"
 #include "platform/parcel.h"
 
@@ -23,7 +24,7 @@ void append_version_line(std::string *out);
 [[nodiscard]] pm_error append_node_line(const local_node &record, std::string *out);
 [[nodiscard]] pm_error append_interface_line(std::uint32_t handle, const local_interface &record, std::string *out);
 // `root` is a word of data sets, "main".
-[[nodiscard]] pm_error append_publisher_line(std::string_view root, std::uint32_t node, const local_publisher &record,
+[[nodiscard]] pm_error append_publisher_line(std::string_view root, std::uint32_t node, store::publisher_state state,
                                              std::string *out);
 [[nodiscard]] pm_error append_item_line(std::string_view root, std::uint32_t node, std::string_view path,
                                         const parcel_descriptor *type, const void *record, json_fields fields,

@@ -8,7 +8,7 @@ namespace perf_store {
 
 pm_error member_path::refuse(const std::string &what, std::size_t offset) {
     error_offset_ = offset;
-    return pm_error(on_one_line(text() + what));
+    return pm_error(on_one_line(text() + (steps_.empty() ? "" : ": ") + what));
 }
 
 // Of a path deeper than any that is meant, the middle is left out.
@@ -26,7 +26,7 @@ std::string member_path::text() const {
             result += (result.empty() ? "" : ".") + excerpt(steps_[i].name);
         }
     }
-    return result.empty() ? result : result + ": ";
+    return result;
 }
 
 }  // namespace perf_store

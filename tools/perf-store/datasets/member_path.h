@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The place of an error in a document: "item.record.CandidatePaths[2].Preference".
+// A place in a document or a record: "item.record.CandidatePaths[2].Preference".
 #pragma once
 
 #include <cstdint>
@@ -27,15 +27,16 @@ public:
     [[nodiscard]] pm_error refuse(const std::string &what, std::size_t offset);
     [[nodiscard]] std::size_t error_offset() const { return error_offset_; }
 
-private:
     struct step {
         std::string_view name;
         std::uint32_t index;
         bool is_element;  // of an array
     };
-
+    [[nodiscard]] const std::vector<step> &steps() const { return steps_; }
+    // "CandidatePaths[2].Preference"; empty for no member.
     [[nodiscard]] std::string text() const;
 
+private:
     std::vector<step> steps_;
     std::size_t error_offset_ = 0;
 };

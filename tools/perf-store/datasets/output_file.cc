@@ -14,7 +14,7 @@ pm_error output_file::flush() {
     while (left > 0) {
         const ssize_t written = ::write(file_descriptor_, at, left);
         if (written < 0 && errno == EPIPE) {
-            std::_Exit(0);
+            std::_Exit(status_without_reader_);
         }
         if (written < 0 && errno != EINTR) {
             return pm_error(std::string(name_) + ": " + std::strerror(errno));

@@ -26,15 +26,18 @@ public:
     [[nodiscard]] std::string &buffer() { return buffer_; }
 
     // Both fail with why the file cannot be written. When the reader of a pipe has gone away, the program
-    // ends here, quietly and with status 0.
+    // ends here, quietly and with status 0 or the one that was set.
     [[nodiscard]] pm_error flush_when_full() { return buffer_.size() < FULL ? pm_error() : flush(); }
     [[nodiscard]] pm_error flush();
+
+    void set_status_without_reader(int status) { status_without_reader_ = status; }
 
 private:
     static constexpr std::size_t FULL = 256 * 1024;  // bytes
 
     int file_descriptor_;
     const char *name_;
+    int status_without_reader_ = 0;
     std::string buffer_;
 };
 

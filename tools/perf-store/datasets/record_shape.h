@@ -2,6 +2,11 @@
 // A record type's description, as the reader and the writer of JSON walk it: with no code per type.
 #pragma once
 
+#include <cstdint>
+#include <string>
+
+#include "base/pm_error.h"
+#include "perf-store/datasets/record_json.h"
 #include "platform/local/codec/parcel_notation.h"
 
 namespace perf_store {
@@ -30,5 +35,9 @@ private:
 // Whether a type is the union that every address of a record is: IPv4, IPv6 or none, selected by its kind. It is
 // written as address text.
 [[nodiscard]] inline bool is_address(const record_shape &shape) { return shape.discriminator == "IPAddressType"; }
+
+// Appends one value of a record as JSON, as append_record does with all of them.
+[[nodiscard]] pm_error append_value(const std::uint8_t *value, const value_shape &shape, json_fields fields,
+                                    std::string *out);
 
 }  // namespace perf_store

@@ -62,13 +62,13 @@ public:
     record_writer(json_fields fields, std::string *out) : fields_(fields), out_(*out) {}
 
     void append_shape(const std::uint8_t *from, const record_shape &shape);
+    void append_value(const std::uint8_t *from, const value_shape &shape);
     [[nodiscard]] bool all_utf8() const { return all_utf8_; }
 
 private:
     void append_name(std::string_view name, bool first);
     void append_unsigned(std::uint64_t value);
     void append_text(const char *text);
-    void append_value(const std::uint8_t *from, const value_shape &shape);
     void append_optional(const std::uint8_t *from, const value_shape &shape);
     void append_octets(const std::uint8_t *from, const value_shape &shape);
     void append_array(const std::uint8_t *from, const value_shape &shape);
@@ -226,9 +226,13 @@ bool record_writer::append_address(const std::uint8_t *from, const record_shape 
 }  // namespace
 
 pm_error append_record(const void *record, const parcel_descriptor *type, json_fields fields, std::string *out) {
+    return append_value(static_cast<const std::uint8_t *>(record), shape_of(type).record(), fields, out);
+}
+
+pm_error append_value(const std::uint8_t *value, const value_shape &shape, json_fields fields, std::string *out) {
     const std::size_t begin = out->size();
     record_writer writer(fields, out);
-    writer.append_shape(static_cast<const std::uint8_t *>(record), shape_of(type).record());
+    writer.append_value(value, shape);
     if (!writer.all_utf8()) {
         out->resize(begin);
         return pm_error("a text is not UTF-8");

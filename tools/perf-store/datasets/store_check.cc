@@ -102,7 +102,7 @@ private:
         }
         const item_place place{root_name_of(of.data_root), of.node, path};
         if (kind == key_space::publisher) {
-            return dumper_->publisher(place, value);
+            return dumper_->publisher(place, value, {});
         }
         parcel_header header{};
         const std::string_view type = type_at(of.data_root, path);

@@ -18,14 +18,34 @@ namespace {
 
 constexpr std::uint32_t ITEMS_AT_ONCE = 1000;
 
-pm_error describe(const pm_error &error) { return error ? pm_error(error.code(), store::describe(error)) : pm_error(); }
+// The store that was opened: that of OPSTORE_URL, whose errors tell of OPSTORE_URL where it is not set, or one by name.
+class named_store {
+public:
+    named_store() = default;
+    explicit named_store(const std::string &url) : url_(&url) {}
 
-pm_error open(store::reader **out) { return describe(store::shared_reader(out)); }
+    [[nodiscard]] pm_error open(store::reader **out) const {
+        return describe(url_ != nullptr ? store::shared_reader(*url_, out) : store::shared_reader(out));
+    }
+    // An error that is ready to be shown.
+    [[nodiscard]] pm_error describe(const pm_error &error) const {
+        if (!error) {
+            return {};
+        }
+        return pm_error(error.code(), url_ != nullptr ? store::describe(error, *url_) : store::describe(error));
+    }
+
+private:
+    const std::string *url_ = nullptr;
+};
+
+pm_error open(store::reader **out) { return named_store().open(out); }
 
 // One visit of a store, which counts the records that it sees.
 class store_visit {
 public:
-    store_visit(store::reader *from, const item_selection &selection) : from_(*from), selection_(selection) {}
+    store_visit(store::reader *from, const item_selection &selection, const named_store &name = {})
+        : from_(*from), selection_(selection), name_(name) {}
 
     // Everything, beginning with the router.
     [[nodiscard]] pm_error whole(store_visitor *visitor) {
@@ -131,7 +151,7 @@ private:
             }
             ++records_;
             const item_place place{root_name_of(each.served.data_root), each.served.node, {}};
-            if (pm_error error = visitor->publisher(place, each.parcel)) {
+            if (pm_error error = visitor->publisher(place, each.parcel, each.lease)) {
                 return error;
             }
         }
@@ -160,8 +180,11 @@ private:
         return {};
     }
 
+    [[nodiscard]] pm_error describe(const pm_error &error) const { return name_.describe(error); }
+
     store::reader &from_;
     const item_selection &selection_;
+    named_store name_;
     std::uint64_t records_ = 0;
 };
 
@@ -191,6 +214,16 @@ pm_error visit_store(const item_selection &selection, store_visitor *visitor) {
     return selection.everything() ? visit.whole(visitor) : visit.branches(visitor);
 }
 
+pm_error visit_store_at(const std::string &url, store_visitor *visitor) {
+    const named_store name(url);
+    store::reader *from = nullptr;
+    if (pm_error error = name.open(&from)) {
+        return error;
+    }
+    const item_selection everything;
+    return store_visit(from, everything, name).whole(visitor);
+}
+
 pm_error each_item(const item_selection &selection, const item_visit &visit) {
     store::reader *from = nullptr;
     if (pm_error error = open(&from)) {
@@ -205,7 +238,8 @@ pm_error read_item(const item_place &item, std::string *parcel) {
         return error;
     }
     store::batch first;  // get() would refuse the item where its publisher's record is damaged
-    if (pm_error error = describe(from->list({item.root.id, item.node}, {item.path, "", 1, {}}, nullptr, &first))) {
+    if (pm_error error =
+            named_store().describe(from->list({item.root.id, item.node}, {item.path, "", 1, {}}, nullptr, &first))) {
         return error;
     }
     if (first.items().empty() || first.items().front().path != item.path) {

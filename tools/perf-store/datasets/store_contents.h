@@ -47,7 +47,8 @@ public:
     [[nodiscard]] virtual pm_error platform(std::string_view parcel) = 0;
     [[nodiscard]] virtual pm_error node(std::string_view parcel) = 0;
     [[nodiscard]] virtual pm_error interface(std::uint32_t handle, std::string_view parcel) = 0;
-    [[nodiscard]] virtual pm_error publisher(const item_place &branch, std::string_view parcel) = 0;
+    [[nodiscard]] virtual pm_error publisher(const item_place &branch, std::string_view parcel,
+                                             store::kept_lease lease) = 0;
     [[nodiscard]] virtual pm_error item(const item_place &item, std::string_view parcel) = 0;
 };
 
@@ -55,6 +56,8 @@ public:
 // the platform, the nodes in inventory order and the interfaces before them. A whole store that turns out to
 // have lost objects is damaged.
 [[nodiscard]] pm_error visit_store(const item_selection &selection, store_visitor *visitor);
+// Visits everything in the store of that URL.
+[[nodiscard]] pm_error visit_store_at(const std::string &url, store_visitor *visitor);
 
 // Visits the items of a selection only.
 using item_visit = std::function<pm_error(const item_place &item, std::string_view parcel)>;

@@ -185,6 +185,17 @@ bool is_utf8(std::string_view text) {
     return true;
 }
 
+std::string as_utf8(std::string_view text) {
+    constexpr char REPLACEMENT[] = "\xEF\xBF\xBD";
+    std::string valid;
+    while (!text.empty()) {
+        const std::size_t length = utf8_length(text);
+        valid += length != 0 ? text.substr(0, length) : REPLACEMENT;
+        text.remove_prefix(length != 0 ? length : 1);
+    }
+    return valid;
+}
+
 bool append_json_text(std::string_view text, std::string *out) {
     const std::size_t begin = out->size();
     out->push_back('"');

@@ -36,6 +36,8 @@ void append_mac(const std::uint8_t *octets, std::string *out);
 void append_hexadecimal(const std::uint8_t *octets, std::size_t count, std::string *out);
 
 [[nodiscard]] bool is_utf8(std::string_view text);
+// The text with the replacement character U+FFFD for each byte that is not UTF-8.
+[[nodiscard]] std::string as_utf8(std::string_view text);
 
 // Appends a JSON string with its quotes. False, with nothing appended, for a text that is not UTF-8.
 [[nodiscard]] bool append_json_text(std::string_view text, std::string *out);

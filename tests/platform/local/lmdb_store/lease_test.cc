@@ -6,6 +6,7 @@
 #include "platform/local/lmdb_store/lmdb_reader.h"
 #include "platform/local/lmdb_store/lmdb_writer.h"
 #include "platform/local/store/lease.h"
+#include "platform/local/store/local_store_records.h"
 #include "tests/support/child_process.h"
 #include "tests/support/temporary_folder.h"
 
@@ -32,6 +33,25 @@ store::known_state state_after(std::uint32_t lease_msec) {
 TEST(Lease, OfARunningPublisherLastsItsTime) {
     EXPECT_EQ(state_after(600'000), store::publisher_state::running);
     EXPECT_EQ(state_after(1), store::publisher_state::stopped);
+}
+
+TEST(Lease, ThatRanOutMakesARunningPublisherAStoppedOne) {
+    const std::string boot(store::this_boot());
+    const std::uint64_t now = store::msec_since_boot();
+    local_lease lasting{boot.c_str(), now + 60'000};
+    local_lease over{boot.c_str(), now - 1};
+    const auto seen = [](store::publisher_state state, local_lease *lease, store::kept_lease kept) {
+        return store::seen_state({static_cast<std::uint32_t>(state), lease}, kept);
+    };
+    using enum store::publisher_state;
+    EXPECT_EQ(seen(running, nullptr, {}), running);
+    EXPECT_EQ(seen(running, &lasting, {}), running);
+    EXPECT_EQ(seen(running, &over, {}), stopped);
+    EXPECT_EQ(seen(starting, &over, {}), starting);
+    // Where a server keeps the lease, nothing but that counts.
+    EXPECT_EQ(seen(running, &over, true), running);
+    EXPECT_EQ(seen(running, &lasting, false), stopped);
+    EXPECT_EQ(seen(running, nullptr, false), running);
 }
 
 TEST(Lease, OfAnotherBootIsOver) {

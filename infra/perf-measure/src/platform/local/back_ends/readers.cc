@@ -3,7 +3,9 @@
 #include "platform/local/back_ends/readers.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -41,35 +43,60 @@ const back_end *find_back_end(std::string_view url) {
     return found != std::end(BACK_ENDS) ? found : nullptr;
 }
 
-// The schema source of the parcel codec: the store keeps schemas by their fingerprint.
+// A store that was asked for.
+struct shared_store {
+    std::unique_ptr<reader> opened;
+    pm_error refused;  // that would be refused again, or only after another wait
+};
+using shared_stores = std::map<std::string, shared_store, std::less<>>;
+
+// By their URLs. Never closed: exit has nothing to wait for.
+shared_stores &stores() {
+    static auto *const the_stores = new shared_stores;
+    return *the_stores;
+}
+
+// The schema source of the parcel codec: a store keeps schemas by their fingerprint, which is the same in all.
 bool read_schema(std::uint64_t fingerprint, std::string *schema) {
-    reader *opened = nullptr;
-    return !shared_reader(&opened) && !opened->schema(fingerprint, schema);
+    return std::ranges::any_of(stores(), [&](const auto &each) {
+        return each.second.opened != nullptr && !each.second.opened->schema(fingerprint, schema);
+    });
 }
 
 }  // namespace
 
-pm_error shared_reader(reader **out) {
-    static reader *the_reader = nullptr;  // never closed: exit has nothing to wait for
-    static pm_error refused;              // that would be refused again, or only after another wait
-    if (the_reader == nullptr) {
-        const std::string_view url = configured_url();
+pm_error shared_reader(const std::string &url, reader **out) {
+    shared_store &wanted = stores()[url];
+    if (wanted.opened == nullptr) {
         const back_end *known = find_back_end(url);
-        if (known == nullptr || refused) {
-            return known == nullptr ? pm_error(OPSTORE_NO_CLIENT) : refused;
+        if (known == nullptr || wanted.refused) {
+            return known == nullptr ? pm_error(OPSTORE_NO_CLIENT) : wanted.refused;
         }
         const bool whole_url = known->check_access == nullptr;
         std::unique_ptr<reader> opened;
         if (pm_error error = known->open(std::string(whole_url ? url : place_of(url)), &opened)) {
-            refused = error.code() == OPSTORE_DAMAGED || whole_url ? error : pm_error();
+            wanted.refused = error.code() == OPSTORE_DAMAGED || whole_url ? error : pm_error();
             return error;
         }
-        the_reader = opened.release();
+        wanted.opened = std::move(opened);
         parcel_set_schema_source(read_schema);
     }
-    *out = the_reader;
+    *out = wanted.opened.get();
     return {};
 }
+
+pm_error shared_reader(reader **out) {
+    static reader *configured = nullptr;
+    if (configured == nullptr) {
+        if (pm_error error = shared_reader(configured_url(), &configured)) {
+            return error;
+        }
+    }
+    *out = configured;
+    return {};
+}
+
+bool is_store_url(std::string_view url) { return find_back_end(url) != nullptr; }
 
 access_state check_access() {
     const std::string_view url = configured_url();

@@ -60,6 +60,7 @@ int environment::open_file() {
     // without a slot.
     unlocked_ = unlocked_ || ::access(file_in(folder_, LOCK_FILE).c_str(), F_OK) != 0;
     int result = ENOMEM;
+    pages_ = {};
     for (const std::size_t map : {RECORDED_MAP, SMALLEST_MAP}) {
         mdb_env_close(env_);
         env_ = nullptr;
@@ -85,6 +86,7 @@ int environment::open_unlocked() {
 
 // Maps what writers have added. After a failure there is no map.
 int environment::follow_map() {
+    pages_ = {};
     const int result = mdb_env_set_mapsize(env_, SMALLEST_MAP);
     if (result != 0) {
         broken_ = code_of(result);
@@ -101,6 +103,7 @@ bool environment::overtaken(MDB_txn *txn) const {
 
 // Goes on to the newest state.
 int environment::renew(MDB_txn *txn) {
+    pages_.forget_pages();
     mdb_txn_reset(txn);
     int result = mdb_txn_renew(txn);
     if (result == MDB_MAP_RESIZED) {

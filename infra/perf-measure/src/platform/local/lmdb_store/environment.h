@@ -50,6 +50,7 @@ private:
     // its own). A state is then checked after it was read.
     bool unlocked_ = false;
     MDB_dbi table_ = 0;
+    page_check pages_;
     const table_state *current_ = nullptr;  // while a body runs
     bool is_ours_ = false;                  // a store of our format
     std::size_t checked_ = 0;               // the last state that is known to be the one that the head names
@@ -61,6 +62,9 @@ private:
 // Runs the body on a state, the first time after a look whether the state is the one that the head names.
 template <class Body>
 errcode environment::answer(const table_state &state, Body &body) {
+    if (!pages_.has_begun()) {
+        state.begin_pages();
+    }
     if (is_ours_ && state.transaction() != checked_) {
         if (const errcode code = state.check_end(state.transaction()); code != ERRCODE_SUCCESS) {
             return code;
@@ -73,7 +77,8 @@ errcode environment::answer(const table_state &state, Body &body) {
 // Runs the body again for each state that a writer overtook meanwhile.
 template <class Body>
 errcode environment::read_whole_state(MDB_txn *txn, Body &body) {
-    const table_state state(txn, table_);
+    pages_.forget_pages();
+    const table_state state(txn, table_, &pages_);
     current_ = &state;
     errcode code = answer(state, body);
     for (int tries = 0; overtaken(txn); ++tries) {

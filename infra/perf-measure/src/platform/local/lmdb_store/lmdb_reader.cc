@@ -47,11 +47,7 @@ errcode read_publisher(const table_state &state, std::string_view key, known_sta
     if (code != ERRCODE_SUCCESS) {
         return code;
     }
-    *known = static_cast<store::publisher_state>(record.State);
-    if (record.Lease != nullptr && *known == store::publisher_state::running &&
-        store::lease_is_over(record.Lease->Boot != nullptr ? record.Lease->Boot : "", record.Lease->ExpiresMsec)) {
-        *known = store::publisher_state::stopped;
-    }
+    *known = store::seen_state(record, {});
     parcel_free_indirections(&record, local_publisher_descriptor());
     return ERRCODE_SUCCESS;
 }

@@ -46,6 +46,7 @@ errcode table_state::get(std::string_view key, std::string_view *value) const {
     const int result = mdb_get(txn_, table_, &wanted, &found);
     if (result == 0) {
         *value = without_link(to_view(found));
+        return is_sound_answer(key, found) ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
     }
     if (result != MDB_NOTFOUND) {
         return code_of(result);
@@ -55,6 +56,29 @@ errcode table_state::get(std::string_view key, std::string_view *value) const {
     const bool absent = code == ERRCODE_SUCCESS && to_view(at.key) != key;
     mdb_cursor_close(at.cursor);
     return absent ? ERRCODE_NOT_FOUND : code == ERRCODE_SUCCESS ? OPSTORE_DAMAGED : code;
+}
+
+// The page that lists a large value is not the one that the value is in.
+bool table_state::is_sound_answer(std::string_view key, const MDB_val &kept) const {
+    if (pages_ == nullptr || !pages_->is_large(kept)) {
+        return is_sound(kept, kept);
+    }
+    MDB_cursor *cursor = nullptr;
+    MDB_val at = to_value(key);
+    MDB_val same{};
+    const bool sound = mdb_cursor_open(txn_, table_, &cursor) == 0 &&
+                       mdb_cursor_get(cursor, &at, &same, MDB_SET_KEY) == 0 && is_sound(at, same);
+    mdb_cursor_close(cursor);
+    return sound;
+}
+
+void table_state::begin_pages() const {
+    MDB_val key = to_value(FORMAT_KEY);
+    MDB_val found{};
+    MDB_stat stat{};
+    if (pages_ != nullptr && mdb_get(txn_, table_, &key, &found) == 0 && mdb_stat(txn_, table_, &stat) == 0) {
+        pages_->begin(found.mv_data, stat.ms_psize);
+    }
 }
 
 errcode table_state::get_parcel(std::string_view key, std::string_view *parcel) const {
@@ -77,12 +101,12 @@ errcode table_state::open_gap(std::string_view from, gap *out) const {
     if (result != 0) {
         return result == MDB_NOTFOUND ? OPSTORE_DAMAGED : code_of(result);  // every place is before the end
     }
-    if (to_view(out->key) < from) {
+    if (to_view(out->key) < from || !is_sound(out->key, out->kept)) {
         return OPSTORE_DAMAGED;
     }
     MDB_val before{};
-    MDB_val ignored{};
-    result = mdb_cursor_get(out->cursor, &before, &ignored, MDB_PREV);
+    MDB_val kept_before{};
+    result = mdb_cursor_get(out->cursor, &before, &kept_before, MDB_PREV);
     if (result == MDB_NOTFOUND) {
         return to_view(out->key) == FORMAT_KEY ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
     }
@@ -91,7 +115,7 @@ errcode table_state::open_gap(std::string_view from, gap *out) const {
         return code_of(result);
     }
     out->before = to_view(before);
-    const bool linked = out->before < from && from <= to_view(out->key) &&
+    const bool linked = is_sound(before, kept_before) && out->before < from && from <= to_view(out->key) &&
                         is_linked(to_view(out->kept), out->before, to_view(out->key));
     return linked ? ERRCODE_SUCCESS : OPSTORE_DAMAGED;
 }

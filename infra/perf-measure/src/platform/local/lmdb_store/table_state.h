@@ -9,6 +9,7 @@
 
 #include "platform/errcode.h"
 #include "platform/local/lmdb_store/links.h"
+#include "platform/local/lmdb_store/page_check.h"
 
 namespace lmdb_store {
 
@@ -35,13 +36,18 @@ enum class ownership { ours, of_old_format, never_written, foreign };
 // records are read, and are no part of the values.
 class table_state {
 public:
-    table_state(MDB_txn *txn, MDB_dbi table) : txn_(txn), table_(table) {}
+    // Looks at pages as far as `pages` is given, which a transaction that writes has none of.
+    explicit table_state(MDB_txn *txn, MDB_dbi table, page_check *pages = nullptr)
+        : txn_(txn), table_(table), pages_(pages) {}
 
     // ERRCODE_NOT_FOUND when there is no such key, which the record after its place confirms; OPSTORE_DAMAGED when
     // that knows of another one.
     [[nodiscard]] errcode get(std::string_view key, std::string_view *value) const;
     // The parcel of a record; OPSTORE_DAMAGED when another key's value is there.
     [[nodiscard]] errcode get_parcel(std::string_view key, std::string_view *parcel) const;
+
+    // Tells the pages where their map is, by the format's record.
+    void begin_pages() const;
 
     [[nodiscard]] errcode check_format(ownership *whose) const;
     // Whether the state was made by that transaction, which is the one that the file's head names.
@@ -70,9 +76,15 @@ private:
         MDB_val kept{};
     };
     [[nodiscard]] errcode open_gap(std::string_view from, gap *out) const;
+    // Whether a record is in sound pages: one at a cursor, or one of which the value was found.
+    [[nodiscard]] bool is_sound(const MDB_val &key, const MDB_val &kept) const {
+        return pages_ == nullptr || pages_->is_sound(key, kept);
+    }
+    [[nodiscard]] bool is_sound_answer(std::string_view key, const MDB_val &kept) const;
 
     MDB_txn *txn_;
     MDB_dbi table_;
+    page_check *pages_;
 };
 
 // Implementation of the template -----------------------------------------------------------------
@@ -90,7 +102,8 @@ errcode table_state::scan(std::string_view prefix, std::string_view from, Visit 
         const int result = mdb_cursor_get(at.cursor, &at.key, &at.kept, MDB_NEXT);
         if (result != 0) {
             code = result == MDB_NOTFOUND ? OPSTORE_DAMAGED : code_of(result);  // the end is missing
-        } else if (at.before >= to_view(at.key) || !is_linked(to_view(at.kept), at.before, to_view(at.key))) {
+        } else if (!is_sound(at.key, at.kept) || at.before >= to_view(at.key) ||
+                   !is_linked(to_view(at.kept), at.before, to_view(at.key))) {
             code = OPSTORE_DAMAGED;
         }
     }

@@ -121,10 +121,7 @@ pm_error branch_pages::publisher(store::known_state *state) const {
     if (code != ERRCODE_SUCCESS) {
         return pm_error(code);
     }
-    *state = static_cast<store::publisher_state>(record.State);
-    if (record.Lease != nullptr && *state == store::publisher_state::running && shown_->lease.number() == 0) {
-        *state = store::publisher_state::stopped;
-    }
+    *state = store::seen_state(record, shown_->lease.number() != 0);
     parcel_free_indirections(&record, local_publisher_descriptor());
     return {};
 }

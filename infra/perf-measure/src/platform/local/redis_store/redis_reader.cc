@@ -135,24 +135,28 @@ pm_error redis_reader::publishers(std::vector<store::publisher_entry> *out) {
             return error;
         }
         pipeline questions;
-        std::vector<plain_answer> found(directory_.branches().size(), plain_answer(1));
+        const std::size_t count = directory_.branches().size();
+        std::vector<plain_answer> found(2 * count, plain_answer(1));  // each record, and whether its lease is there
         std::vector<answer *> all;
         for (const known_branch &each : directory_.branches()) {
             questions.add({"GET", names_.of(each.named, branch_part::publisher)});
+            all.push_back(&found[all.size()]);
+            questions.add({"EXISTS", names_.of(each.named, branch_part::lease)});
             all.push_back(&found[all.size()]);
         }
         if (pm_error error = exchange(questions, all)) {
             return error;
         }
         bool complete = true;
-        for (std::size_t i = 0; i < found.size(); ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             const branch &served = directory_.branches()[i].named;
-            if (!found[i].is_nil()) {
-                out->push_back(
-                    {served, std::string(store::unseal(branch_key(key_space::publisher, served), found[i].text()))});
+            const plain_answer &record = found[2 * i];
+            if (!record.is_nil()) {
+                const auto parcel = store::unseal(branch_key(key_space::publisher, served), record.text());
+                out->push_back({served, std::string(parcel), found[2 * i + 1].number() != 0});
             }
             // A writer that was killed between two servers of a cluster may have left no publisher.
-            complete = complete && (!found[i].is_nil() || !directory_.branches()[i].items);
+            complete = complete && (!record.is_nil() || !directory_.branches()[i].items);
         }
         if (complete) {
             return {};

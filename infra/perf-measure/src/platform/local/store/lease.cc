@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// The system's boot and the time since it.
+// The system's boot and the time since it, and what leases make of states.
 #include "platform/local/store/lease.h"
 
 #include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
+
+#include "platform/local/store/local_store_records.h"
 
 namespace store {
 
@@ -41,6 +43,16 @@ std::uint64_t msec_since_boot() {
     std::timespec time{};
     clock_gettime(CLOCK_BOOTTIME, &time);
     return static_cast<std::uint64_t>(time.tv_sec) * 1000 + static_cast<std::uint64_t>(time.tv_nsec) / 1'000'000;
+}
+
+publisher_state seen_state(const local_publisher &record, kept_lease lease) {
+    const auto state = static_cast<publisher_state>(record.State);
+    if (record.Lease == nullptr || state != publisher_state::running) {
+        return state;
+    }
+    const char *const boot = record.Lease->Boot != nullptr ? record.Lease->Boot : "";
+    const bool over = lease ? !*lease : lease_is_over(boot, record.Lease->ExpiresMsec);
+    return over ? publisher_state::stopped : state;
 }
 
 bool lease_is_over(std::string_view boot, std::uint64_t expires_msec) {

@@ -6,9 +6,20 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
+#include "platform/local/store/branch.h"
+
+struct local_publisher;
+
 namespace store {
+
+// Whether a server still keeps a publisher's lease; none: there is no server, and the lease itself says when it ends.
+using kept_lease = std::optional<bool>;
+
+// The state that readers see: that of the record, but stopped where it says running and its lease has run out.
+[[nodiscard]] publisher_state seen_state(const local_publisher &record, kept_lease lease);
 
 // Identifies this boot of this host; empty when the system does not say.
 [[nodiscard]] std::string_view this_boot();

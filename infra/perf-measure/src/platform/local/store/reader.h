@@ -23,6 +23,7 @@
 #include "platform/errcode.h"
 #include "platform/local/store/batch.h"
 #include "platform/local/store/branch.h"
+#include "platform/local/store/lease.h"
 
 namespace store {
 
@@ -75,6 +76,7 @@ struct interface_entry {
 struct publisher_entry {
     branch served;
     std::string parcel;  // local_publisher
+    kept_lease lease;    // what becomes of its state: seen_state
 };
 
 // How much a store holds by its own account, to be compared with what was read of it.

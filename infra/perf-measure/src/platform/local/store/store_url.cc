@@ -22,11 +22,12 @@ std::string_view scheme_of(std::string_view url) {
 
 std::string_view place_of(std::string_view url) { return url.substr(url.find(':') + 1); }
 
+std::string describe(const pm_error &error, std::string_view url) {
+    return error.text().empty() ? std::string(url) + ": " + errcode_strerror(error.code()) : error.text();
+}
+
 std::string describe(const pm_error &error) {
-    std::string text = error.text();
-    if (text.empty()) {
-        text = std::string(configured_url()) + ": " + errcode_strerror(error.code());
-    }
+    const std::string text = describe(error, configured_url());
     return is_url_given() ? text : text + " (OPSTORE_URL is not set; it names another store, as lmdb:FOLDER)";
 }
 

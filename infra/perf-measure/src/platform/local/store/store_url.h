@@ -24,5 +24,7 @@ inline constexpr char DEFAULT_URL[] = "lmdb:/var/lib/perf-show/opstore";
 // What is wrong with the configured store, for a person: the error's own text, or the URL and the text of its code.
 // Whoever has not chosen the store is told how to.
 [[nodiscard]] std::string describe(const pm_error &error);
+// What is wrong with the store of that name.
+[[nodiscard]] std::string describe(const pm_error &error, std::string_view url);
 
 }  // namespace store
