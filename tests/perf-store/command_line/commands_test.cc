@@ -84,8 +84,10 @@ TEST_F(Commands, HelpSaysWhatEachCommandAndOptionDoes) {
           "Example: perf-store schema pm_summary_parcel"}},
     };
     const std::vector<std::string> summary = help_lines(run({"--help"}).out);
-    for (const char *line : {"Puts data sets into the store of perf-show's local platform and gets them out.",
-                             "The environment variable OPSTORE_URL names the store as lmdb:FOLDER."}) {
+    for (const char *line :
+         {"Puts data sets into the store of perf-show's local platform and gets them out.",
+          "The environment variable OPSTORE_URL names the store: lmdb:FOLDER, or on a server redis://HOST,",
+          "rediss://HOST or redis+unix:///SOCKET."}) {
         EXPECT_EQ(std::count(summary.begin(), summary.end(), line), 1) << line;
     }
     for (const auto &[command, wanted] : helps) {
