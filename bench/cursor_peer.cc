@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The peer of tables: copies and checks the items that a table shows, and then writes the table's text from a file.
+// The peer of tables: copies and checks the items that a table shows (their places in the store, and the checksums of
+// their parcels), and then writes the table's text from a file.
 // What a table takes longer than this, it spends on decoding and formatting.
 //
 //   cursor_peer NODE PATH-PREFIX TEXT-FILE      (OPSTORE_URL names the store)
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include "platform/local/back_ends/readers.h"
+#include "platform/local/codec/parcel_codec.h"
 
 namespace {
 
@@ -22,6 +24,12 @@ pm_error copy_items(store::reader *from, const store::branch &branch, const std:
         const store::list_query query{prefix, last, ITEMS_AT_ONCE, {}};
         if (pm_error error = from->list(branch, query, nullptr, &batch)) {
             return error;
+        }
+        for (const store::item &each : batch.items()) {
+            parcel_header ignored;
+            if (const errcode code = parcel_read_header(each.parcel.data(), each.parcel.size(), &ignored); code != 0) {
+                return pm_error(code);
+            }
         }
         if (!batch.items().empty()) {
             last = batch.items().back().path;

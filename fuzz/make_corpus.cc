@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Writes the seed corpus of the parcel fuzz target: for a spread of record types a whole parcel, its
-// fields alone, and its fields with the schema that they were written with.
+// fields alone, and its fields with the schema that they were written with and with changes of it.
 //
 //   make_corpus DIRECTORY
 #include <cstdio>
@@ -53,6 +53,9 @@ int main(int argc, char **argv) {
         write(base + ".parcel", parcel_fuzz_mode::whole_parcel, type, parcel);
         write(base + ".fields", parcel_fuzz_mode::fields, type, fields);
         write(base + ".schema", parcel_fuzz_mode::other_schema, type, with_schema);
+        std::vector<std::uint8_t> edited = {1, static_cast<std::uint8_t>(type), 1, 0};  // another edit for each
+        edited.insert(edited.end(), fields.begin(), fields.end());
+        write(base + ".edited", parcel_fuzz_mode::edited_schema, type, edited);
     }
     return 0;
 }

@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz/schema_edit.h"
+#include "fuzz/unknown_fields.h"
 #include "platform/local/codec/parcel_codec.h"
 #include "platform/local/codec/parcel_decoder.h"
 #include "platform/local/codec/parcel_encoder.h"
@@ -65,24 +68,35 @@ void decode_fields(const std::uint8_t *data, std::size_t size, const parcel_desc
     parcel_free_indirections(bytes, descriptor);
 }
 
+// Decodes fields that were written with any schema.
+void decode_with(std::string_view schema, const std::uint8_t *fields, const std::uint8_t *end,
+                 const parcel_descriptor *descriptor) {
+    parcel_plan::record_plan plan;
+    if (parcel_plan::compile(descriptor, schema, &plan) != ERRCODE_SUCCESS) {
+        return;
+    }
+    structure record = make_structure(descriptor, 0);
+    auto *bytes = reinterpret_cast<std::uint8_t *>(record.data());
+    const std::size_t limit = PARCEL_GROWTH_CONVERTED * static_cast<std::size_t>(end - fields);
+    if (parcel_decode_fields(plan, fields, end, limit, bytes) == ERRCODE_SUCCESS) {
+        require(unknown_fields_are_zero(schema, descriptor, bytes));
+        std::free(parcel_indirections(plan, bytes));
+    }
+}
+
 void decode_other_schema(const std::uint8_t *data, std::size_t size, const parcel_descriptor *descriptor) {
     if (size < SCHEMA_HEAD) {
         return;
     }
     const std::size_t length = std::min(static_cast<std::size_t>(data[0] | data[1] << 8), size - SCHEMA_HEAD);
     const std::string_view schema(reinterpret_cast<const char *>(data) + SCHEMA_HEAD, length);
-    parcel_plan::record_plan plan;
-    if (parcel_plan::compile(descriptor, schema, &plan) != ERRCODE_SUCCESS) {
-        return;
-    }
-    const std::uint8_t *fields = data + SCHEMA_HEAD + length;
-    const std::uint8_t *end = data + size;
-    structure record = make_structure(descriptor, 0);
-    auto *bytes = reinterpret_cast<std::uint8_t *>(record.data());
-    const std::size_t limit = PARCEL_GROWTH_CONVERTED * static_cast<std::size_t>(end - fields);
-    if (parcel_decode_fields(plan, fields, end, limit, bytes) == ERRCODE_SUCCESS) {
-        std::free(parcel_indirections(plan, bytes));
-    }
+    decode_with(schema, data + SCHEMA_HEAD + length, data + size, descriptor);
+}
+
+void decode_edited_schema(const std::uint8_t *data, std::size_t size, const parcel_descriptor *descriptor) {
+    std::string schema = descriptor->schema;
+    const std::size_t used = edit_schema({data, size}, &schema);
+    decode_with(schema, data + used, data + size, descriptor);
 }
 
 }  // namespace
@@ -100,6 +114,7 @@ void parcel_fuzz_one(const std::uint8_t *data, std::size_t size) {
     case parcel_fuzz_mode::whole_parcel: decode_parcel(data, size, descriptor); break;
     case parcel_fuzz_mode::fields: decode_fields(data, size, descriptor); break;
     case parcel_fuzz_mode::other_schema: decode_other_schema(data, size, descriptor); break;
+    case parcel_fuzz_mode::edited_schema: decode_edited_schema(data, size, descriptor); break;
     case parcel_fuzz_mode::count: break;
     }
 }

@@ -8,9 +8,10 @@
 #include <cstdint>
 
 enum class parcel_fuzz_mode : std::uint8_t {
-    whole_parcel,  // the rest is a parcel, header and checksum included
-    fields,        // the rest are the fields of a record written with the type's own schema
-    other_schema,  // a 16-bit length, a schema text of that length, and fields written with it
+    whole_parcel,   // the rest is a parcel, header and checksum included
+    fields,         // the rest are the fields of a record written with the type's own schema
+    other_schema,   // a 16-bit length, a schema text of that length, and fields written with it
+    edited_schema,  // changes of the type's own schema (schema_edit.h), and fields written with what comes of it
     count,
 };
 

@@ -82,6 +82,10 @@ build() {
   step "building $preset" cmake --build --preset "$preset"
 }
 
+# The fuzz targets, by name: each has an entry point fuzz/NAME_main.cc, seeds in fuzz/corpus/NAME and, when it has found
+# something, inputs in fuzz/crashers/NAME.
+fuzz_targets() { basename -s _main.cc -a fuzz/*_main.cc; }
+
 # list_lines TYPE|FORM: the lines of one kind of examples/commands.txt, each with '|' between its fields and none of the
 # blanks around them, "-" for nothing, and its words in braces replaced. A line for a form begins with its type.
 list_lines() {

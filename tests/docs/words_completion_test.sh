@@ -45,7 +45,7 @@ expect() {
     [ "$actual" = "$1" ] || fail "'$2' offers '$actual' instead of '$1'"
 }
 
-expect 'help plot show' 'perf-measure ' ''
+expect 'help metrics plot show' 'perf-measure ' ''
 expect 'plot' 'perf-measure p' p
 expect 'probe-sessions process profiles' 'perf-measure sh pro' pro
 expect 'counters' 'perf-measure show interfaces c' c

@@ -14,7 +14,7 @@ fail() {
     exit 1
 }
 
-for script in demo check bench; do
+for script in demo check bench fuzz; do
     ln -s "$scripts/$script" "$work/link"
     for way in "$scripts/$script" "$work/link"; do
         "$way" --help >"$work/out" 2>"$work/err" || fail "$way --help: status $?"
@@ -27,3 +27,39 @@ for script in demo check bench; do
     done
     rm "$work/link"
 done
+
+for wrong in 0 -1 1.5 10000000 --cover; do
+    status=0
+    "$scripts/fuzz" "$wrong" >"$work/out" 2>"$work/err" || status=$?
+    [ $status -eq 1 ] || fail "fuzz $wrong: status $status"
+    grep -qx "scripts/fuzz: unknown argument $wrong (see scripts/fuzz --help)" "$work/err" || fail "fuzz $wrong: $(cat "$work/err")"
+done
+status=0
+"$scripts/fuzz" 5 6 >"$work/out" 2>"$work/err" || status=$?
+[ $status -eq 1 ] && grep -q '^scripts/fuzz: unknown argument 6' "$work/err" || fail "fuzz 5 6: $(cat "$work/err")"
+
+"$scripts/mutants" --help >"$work/out" 2>"$work/err" || fail "mutants --help: status $?"
+grep -q '^Changes the sources of a folder' "$work/out" || fail "mutants --help does not say what it does"
+while IFS='|' read -r arguments wanted; do
+    status=0
+    # shellcheck disable=SC2086
+    "$scripts/mutants" $arguments >"$work/out" 2>"$work/err" || status=$?
+    [ $status -eq 1 ] || fail "mutants $arguments: status $status"
+    grep -qxF "scripts/mutants: $wanted" "$work/err" || fail "mutants $arguments: $(cat "$work/err")"
+done <<'END'
+|which folder? (see scripts/mutants --help)
+nonsense|nonsense is no folder of sources
+--count 0 fuzz|--count takes a number from 1 on
+--count x fuzz|argument --count: invalid int value: 'x' (see scripts/mutants --help)
+--quick fuzz|unknown argument --quick (see scripts/mutants --help)
+END
+# What is changed is code: no comment, no text, no directive.
+mkdir "$work/sources"
+printf '#include <a == b>\n// a == b\nbool f(int a) { return g(a, "==") == 7; }  // ==\n' >"$work/sources/a.cc"
+"$scripts/mutants" --list "$work/sources" | sed 's/.*a.cc:3: .*  ->  //' | sort >"$work/out"
+cat >"$work/wanted" <<'END'
+bool f(int a) { return g(a, "==") != 7; }  // ==
+bool f(int a) { return g(a, "==") == 8; }  // ==
+bool f(int a) { return {}; }  // ==
+END
+cmp -s "$work/out" "$work/wanted" || fail "mutants --list: $(cat "$work/out")"

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Loads into a store that does not exist yet, beside one another, and loads onto a full disk.
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 
 #include "tests/stress/stress_support.h"
+#include "tests/support/small_disk.h"
 
 namespace {
 
@@ -109,16 +108,11 @@ TEST_F(FirstLoad, OfMoreThanTheDiskHoldsIsRefusedAndLeavesTheStoreAsItWas) {
     }
     write_file(path("large"), set);
     write_file(path("small"), interface_line("eth1", 2, 10));
-    const bool permitted = in_child([&] {
-        return unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-               mount("none", path("disk").c_str(), "tmpfs", 0, "size=3m") == 0;
-    });
-    if (!permitted) {
-        GTEST_SKIP() << "no file system can be mounted";
+    if (const int reason = reason_against_a_small_disk(path("disk")); reason != 0) {
+        GTEST_SKIP() << "no file system can be mounted: " << std::strerror(reason);
     }
     EXPECT_TRUE(in_child([&] {
-        bool good = unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                    mount("none", path("disk").c_str(), "tmpfs", 0, "size=3m") == 0;
+        bool good = mount_small_disk(path("disk"), "size=3m");
         const std::string error = "perf-store: " + disk_store + ": No space left on device\n";
         const command_result first = run_command("perf-store load " + path("large"), disk_store);
         good = good && first.status == 1 && first.err == error && !std::filesystem::exists(disk_store);

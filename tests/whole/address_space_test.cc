@@ -8,6 +8,7 @@
 namespace {
 
 constexpr char FOUR_GIGABYTES[] = "ulimit -v 4000000; ";
+constexpr char LESS_THAN_TWO_GIGABYTES[] = "ulimit -v 1800000; ";
 constexpr char LESS_THAN_THE_FILE[] = "ulimit -v 60000; ";
 
 class AddressSpace : public testing::Test {
@@ -32,13 +33,18 @@ TEST_F(AddressSpace, SmallerThanTheMapIsEnoughToRead) {
         EXPECT_EQ(limited.err, "") << command;
         EXPECT_GT(limited.out.size(), 100U) << command;
         EXPECT_EQ(limited.out, free.out) << command;
+        EXPECT_EQ(run(std::string(LESS_THAN_TWO_GIGABYTES) + command).out, free.out) << command;
     }
 }
 
 TEST_F(AddressSpace, SmallerThanTheMapIsEnoughToWrite) {
     const std::string before = run("perf-store dump").out;
-    EXPECT_EQ(run(std::string(FOUR_GIGABYTES) + "perf-store load --replace \"$EXAMPLE\"").err, "");
-    EXPECT_EQ(run("perf-store dump").out, before);
+    for (const char *limit : {FOUR_GIGABYTES, LESS_THAN_TWO_GIGABYTES}) {
+        const command_result loaded = run(std::string(limit) + "perf-store load --replace \"$EXAMPLE\"");
+        EXPECT_EQ(loaded.err, "") << limit;
+        EXPECT_EQ(loaded.status, 0) << limit;
+        EXPECT_EQ(run("perf-store dump").out, before) << limit;
+    }
 }
 
 TEST_F(AddressSpace, TooSmallForTheFileIsAClearError) {

@@ -24,6 +24,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t THREADS = 128;  // connections at a time; others wait
+constexpr int WAITING = 512;          // connections that nobody has taken yet
 constexpr int READERS = 4;            // of the store at a time; a scrape counts until its text begins
 constexpr auto READ_LIMIT = 30s;      // for reading the store, and for the wait for one's turn
 constexpr auto RESPONSE_LIMIT = 60s;  // for a whole response
@@ -83,11 +84,12 @@ private:
     std::counting_semaphore<READERS> turns_{READERS};
 };
 
-void set_up(httplib::Server *server, responder *answering) {
+void set_up(httplib::Server *server, responder *answering, int *listening) {
     server->new_task_queue = [] { return new httplib::ThreadPool(THREADS); };
-    server->set_socket_options([](socket_t socket) {  // another service on the same port is an error
+    server->set_socket_options([listening](socket_t socket) {  // another service on the same port is an error
         const int yes = 1;
         ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+        *listening = socket;
     });
     server->set_read_timeout(NETWORK_LIMIT_SEC);
     server->set_write_timeout(NETWORK_LIMIT_SEC);
@@ -135,7 +137,8 @@ int serve_metrics(const service &what) {
 
     responder answering(what);
     httplib::Server server;
-    set_up(&server, &answering);
+    int listening = -1;
+    set_up(&server, &answering, &listening);
     errno = 0;
     const int port = what.port == 0                                 ? server.bind_to_any_port(what.address)
                      : server.bind_to_port(what.address, what.port) ? what.port
@@ -145,6 +148,7 @@ int serve_metrics(const service &what) {
                      errno != 0 ? std::strerror(errno) : "the address cannot be used");
         return 1;
     }
+    static_cast<void>(::listen(listening, WAITING));  // the library's own queue has five places
     end_at_signal(&server, signals);
     std::fprintf(stderr, "perf-measure: metrics at http://%s/metrics\n", place_text(what.address, port).c_str());
     const bool ended_well = server.listen_after_bind();

@@ -6,10 +6,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <unistd.h>
+
+#include "perf-store/datasets/temporary_file.h"
 
 namespace perf_measure {
 
@@ -23,27 +23,11 @@ struct entry_head {
     std::uint32_t values;
 };
 
-pm_error system_error(const std::string &what) { return pm_error(what + ": " + std::strerror(errno)); }
-
-// A file that no folder names, so that nothing is left of it however the program ends.
-int make_file(const std::string &folder) {
-    const int file = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-    if (file >= 0) {
-        return file;
-    }
-    std::string name = folder + "/perf-measure-XXXXXX";  // where the file system knows no other way
-    const int named = ::mkostemp(name.data(), O_CLOEXEC);
-    if (named >= 0) {
-        ::unlink(name.c_str());
-    }
-    return named;
-}
-
 pm_error write_at_end(int file, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(file, bytes.data(), bytes.size());
         if (written < 0 && errno != EINTR) {
-            return system_error("a temporary file");
+            return perf_store::temporary_file_error(errno);
         }
         bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
     }
@@ -110,11 +94,8 @@ pm_error sample_spool::add(std::string_view labels, std::span<const metric_value
 
 pm_error sample_spool::move_to_file() {
     if (file_ < 0) {
-        const char *const named = std::getenv("TMPDIR");
-        const std::string folder = named != nullptr && *named != '\0' ? named : "/var/tmp";
-        file_ = make_file(folder);
-        if (file_ < 0) {
-            return system_error("cannot make a temporary file in " + folder + " (TMPDIR names another folder)");
+        if (pm_error error = perf_store::open_temporary_file(&file_)) {
+            return error;
         }
     }
     if (pm_error error = write_at_end(file_, kept_)) {
@@ -138,7 +119,7 @@ pm_error sample_spool::visit(std::size_t slot, const sample_visit &visit) const 
             if (got < 0 && errno == EINTR) {
                 continue;
             }
-            return got < 0 ? system_error("a temporary file") : pm_error("a temporary file was cut short");
+            return perf_store::temporary_file_error(got < 0 ? errno : EIO);
         }
         at += static_cast<std::uint64_t>(got);
         held += static_cast<std::size_t>(got);

@@ -36,7 +36,7 @@ private:
     pm_error move_to_file();
 
     std::string kept_;  // entries that are not in the file
-    int file_ = -1;     // without a name, in the folder for temporary files; -1 while all entries are kept
+    int file_ = -1;     // of temporary_file.h; -1 while all entries are kept
     std::uint64_t file_size_ = 0;
 };
 

@@ -10,7 +10,8 @@ namespace perf_measure {
 namespace {
 
 void clear_results(result_values *values) {
-    for (const result_slot slot : {DELAY_AVERAGE, DELAY_MINIMUM, DELAY_MAXIMUM, DELAY_VARIANCE, LOSS_RATIO, LIVENESS_UP, LIVENESS_MISSED}) {
+    for (const result_slot slot :
+         {DELAY_AVERAGE, DELAY_MINIMUM, DELAY_MAXIMUM, DELAY_VARIANCE, LOSS_RATIO, LIVENESS_UP, LIVENESS_MISSED}) {
         (*values)[slot] = {};
     }
 }

@@ -23,8 +23,8 @@ void set_results(const pm_scb_probe_results_parcel &last, const pm_scb_probe_par
 
 void set_liveness(const pm_liveness_state_info_parcel &state, result_values *values);
 void set_advertisement(const pm_scb_last_advert_parcel &last, result_values *values);
-// Whether a probe runs and, beside the results, why it does not. What was measured before it stopped is taken out of the
-// results: it says nothing of the present.
+// Whether a probe runs and, beside the results, why it does not. What was measured before it stopped is taken out of
+// the results: it says nothing of the present.
 void add_running(pm_probe_running_error_reason reason, const std::string &labels, result_values *values,
                  metric_store *metrics);
 

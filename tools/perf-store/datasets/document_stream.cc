@@ -163,8 +163,9 @@ pm_error document_stream::refused(std::size_t offset, const std::string &wrong) 
 
 // Bytes between the beginning of its line and a place.
 std::uint64_t document_stream::column_of(std::size_t offset) const {
-    const std::size_t feed = std::string_view(buffer_.data() + at_, offset).rfind('\n');
-    return feed == std::string_view::npos ? column_ + offset : offset - feed - 1;
+    const char *const begin = buffer_.data() + at_;
+    const auto *const feed = static_cast<const char *>(::memrchr(begin, '\n', offset));  // of every line that is read
+    return feed == nullptr ? column_ + offset : static_cast<std::uint64_t>(begin + offset - feed) - 1;
 }
 
 std::uint64_t document_stream::line_of(std::size_t offset) const {

@@ -87,10 +87,8 @@ public:
     // Puts the publishers, whose states are known at the end.
     pm_error commit() override {
         for (const auto &[served, state] : publishers_) {
-            local_publisher record{};
-            record.State = static_cast<std::uint32_t>(state);
             const pm_error made =
-                append_publisher_line(root_name_of(served.data_root).word, served.node, record, into_.new_line());
+                append_publisher_line(root_name_of(served.data_root).word, served.node, state, into_.new_line());
             if (pm_error error = put(object_key(object_kind::publisher, served), made)) {
                 return error;
             }

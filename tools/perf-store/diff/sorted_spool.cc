@@ -4,12 +4,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <unistd.h>
 
 #include "perf-store/datasets/output_file.h"
+#include "perf-store/datasets/temporary_file.h"
 
 namespace perf_store {
 
@@ -33,27 +32,6 @@ std::string_view key_at(const char *record) { return {record + sizeof(record_siz
 std::string_view value_at(const char *record) {
     const record_sizes sizes = sizes_at(record);
     return {record + sizeof sizes + sizes.key, sizes.value};
-}
-
-const char *temporary_folder_name() {
-    const char *named = std::getenv("TMPDIR");
-    return named != nullptr && *named != '\0' ? named : "/tmp";
-}
-
-pm_error failed(int error_number) {
-    return pm_error(std::string(temporary_folder_name()) + ": " + std::strerror(error_number));
-}
-
-// A file without a name; some file systems need one for a moment.
-pm_error open_nameless(int *file) {
-    const std::string folder = temporary_folder_name();
-    *file = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC | O_EXCL, 0600);
-    if (*file >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL)) {
-        return *file >= 0 ? pm_error() : failed(errno);
-    }
-    std::string name = folder + "/perf-store-XXXXXX";
-    *file = ::mkostemp(name.data(), O_CLOEXEC);
-    return *file >= 0 && ::unlink(name.c_str()) == 0 ? pm_error() : failed(errno);
 }
 
 }  // namespace
@@ -100,7 +78,7 @@ private:
             const std::size_t wanted = std::min<std::uint64_t>(buffer_.size() - filled_, end_ - read_);
             const ssize_t read = ::pread(file_, buffer_.data() + filled_, wanted, static_cast<off_t>(read_));
             if (read <= 0 && !(read < 0 && errno == EINTR)) {
-                return failed(read < 0 ? errno : EIO);
+                return temporary_file_error(read < 0 ? errno : EIO);
             }
             filled_ += read > 0 ? static_cast<std::size_t>(read) : 0;
             read_ += read > 0 ? static_cast<std::uint64_t>(read) : 0;
@@ -159,12 +137,13 @@ void sorted_spool::sort_memory() {
 
 pm_error sorted_spool::write_run() {
     if (file_ < 0) {
-        if (pm_error error = open_nameless(&file_)) {
+        if (pm_error error = open_temporary_file(&file_)) {
             return error;
         }
     }
     sort_memory();
-    output_file out(file_, temporary_folder_name());
+    const std::string folder = temporary_folder_name();
+    output_file out(file_, folder.c_str());
     for (const std::uint64_t place : places_) {
         const char *record = records_.data() + place;
         out.buffer().append(record, length_of(sizes_at(record)));

@@ -32,4 +32,14 @@ TEST(StoreUrl, NamesTheStoreInAnErrorWithoutAText) {
     EXPECT_EQ(store::describe(pm_error(OPSTORE_DAMAGED, "/x: gone")), "/x: gone");
 }
 
+TEST(StoreUrl, TellsWhoeverHasNotChosenTheStoreHowTo) {
+    const std::string advice = " (OPSTORE_URL is not set; it names another store, as lmdb:FOLDER)";
+    for (const bool is_empty : {false, true}) {
+        is_empty ? setenv("OPSTORE_URL", "", 1) : unsetenv("OPSTORE_URL");
+        EXPECT_EQ(store::describe(pm_error(OPSTORE_DAMAGED)),
+                  "lmdb:/var/lib/perf-show/opstore: Store is damaged" + advice);
+        EXPECT_EQ(store::describe(pm_error(OPSTORE_DAMAGED, "/x: gone")), "/x: gone" + advice);
+    }
+}
+
 }  // namespace

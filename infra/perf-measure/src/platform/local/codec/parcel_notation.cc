@@ -96,6 +96,11 @@ private:
             return nullptr;
         }
         const std::size_t begin = at_;
+        data_type *&known = letter_type();
+        if (known != nullptr) {
+            ++at_;
+            return known;
+        }
         data_type result;
         if (text_[at_] >= '0' && text_[at_] <= '9') {
             parse_counted(nesting, &result);
@@ -110,7 +115,20 @@ private:
         }
         result.notation = text_.substr(begin, at_ - begin);
         std::deque<data_type> &to = text_[begin] == '$' ? references_ : out_->types;
-        return &to.emplace_back(std::move(result));
+        data_type *const made = &to.emplace_back(std::move(result));
+        if (made->notation.size() == 1) {
+            known = made;
+        }
+        return made;
+    }
+
+    // The type made for a letter that is a type by itself, as most are; all fields of that type share it.
+    data_type *&letter_type() {
+        static constexpr std::string_view LETTERS = "DHICcbsN";
+        static_assert(LETTERS.size() + 1 == sizeof letter_types_ / sizeof *letter_types_);
+        const std::size_t letter = std::min(LETTERS.find(text_[at_]), LETTERS.size());
+        const bool longer = text_.substr(at_ + 1).starts_with("%h");
+        return letter_types_[longer ? LETTERS.size() : letter];  // the last one stays null
     }
 
     void parse_letter(std::size_t nesting, data_type *into) {
@@ -183,6 +201,9 @@ private:
 
     void parse_fields(data_type *into) {
         into->what = kind::record;
+        const std::string_view body = text_.substr(at_, text_.find(';', at_) - at_);
+        constexpr std::ptrdiff_t MOST = 256;  // that are believed before they are read
+        into->fields.reserve(static_cast<std::size_t>(std::min(std::ranges::count(body, '{'), MOST)));
         while (!error_ && looking_at("{")) {
             parse_field(&into->fields.emplace_back());
         }
@@ -227,7 +248,8 @@ private:
         } else if (looking_at("$")) {
             fail("expected a definition");
         } else {
-            next = parse_type();  // a scalar
+            next = parse_type();  // a scalar, of its own for its number
+            next = next != nullptr ? &out_->types.emplace_back(*next) : nullptr;
         }
         expect(";");
         if (out_->definitions.size() >= MAX_DEFINITIONS) {
@@ -282,6 +304,7 @@ private:
     schema *out_;
     std::size_t at_ = 0;
     std::deque<data_type> references_;
+    data_type *letter_types_[9] = {};
     std::unordered_map<std::uint32_t, data_type *> by_number_;
     pm_error error_;
 };

@@ -137,13 +137,15 @@ pm_error lmdb_reader::list(const branch &from, const store::list_query &asked, k
         if (refused != ERRCODE_SUCCESS || !wanted.wants_items()) {
             return refused;
         }
-        const errcode code = table.scan(prefix, first, [&](std::string_view key, std::string_view value) {
+        const auto visit = [&](std::string_view key, std::string_view value) {
             const std::string_view path = key.substr(path_at);
             const std::string_view parcel = store::unseal(key, value);
             bool matches = false;
             refused = wanted.match(table, path, parcel, &matches);
-            return refused == ERRCODE_SUCCESS && (!matches || out->add(path, parcel));
-        });
+            return refused == ERRCODE_SUCCESS && (!matches || out->add_place(path, parcel));
+        };
+        const errcode code = table.scan(prefix, first, visit, [out] { out->copy_last(); });
+        out->copy_last();
         return code != ERRCODE_SUCCESS ? code : refused;
     });
 }

@@ -19,9 +19,16 @@ void batch::clear(std::uint32_t max_items, std::size_t max_bytes) {
     }
     used_ = 0;
     more_ = false;
+    to_copy_ = {};
 }
 
 bool batch::add(std::string_view path, std::string_view parcel) {
+    const bool added = add_place(path, parcel);
+    copy_last();
+    return added;
+}
+
+bool batch::add_place(std::string_view path, std::string_view parcel) {
     const std::size_t size = path.size() + 1 + parcel.size();
     const bool fits = size <= capacity_ - used_;
     if (items_.size() == max_items_ || (!fits && !items_.empty())) {
@@ -35,17 +42,22 @@ bool batch::add(std::string_view path, std::string_view parcel) {
     char *const to = bytes_.get() + used_;
     std::memcpy(to, path.data(), path.size());
     to[path.size()] = '\0';
-    char *const parcel_to = to + path.size() + 1;
-    if (!parcel.empty()) {
-        std::memcpy(parcel_to, parcel.data(), parcel.size());
-    }
-    items_.push_back({{to, path.size()}, {parcel_to, parcel.size()}});
+    items_.push_back({{to, path.size()}, {to + path.size() + 1, parcel.size()}});
+    to_copy_ = parcel;
     used_ += size;
     return true;
 }
 
+void batch::copy_last() {
+    if (!to_copy_.empty()) {
+        std::memcpy(bytes_.get() + used_ - to_copy_.size(), to_copy_.data(), to_copy_.size());
+        to_copy_ = {};
+    }
+}
+
 void batch::take(block *filled) noexcept {
     items_.clear();
+    to_copy_ = {};
     bytes_.swap(filled->bytes);
     std::swap(capacity_, filled->capacity);
     used_ = capacity_;
@@ -67,6 +79,7 @@ void batch::swap(batch *other) noexcept {
     std::swap(max_items_, other->max_items_);
     std::swap(max_bytes_, other->max_bytes_);
     std::swap(more_, other->more_);
+    std::swap(to_copy_, other->to_copy_);
 }
 
 }  // namespace store

@@ -45,6 +45,10 @@ public:
     // Copies an item to the end. False, and sets more(), when the batch has as many items as clear() was told
     // or would grow beyond max_bytes; a first item always fits.
     [[nodiscard]] bool add(std::string_view path, std::string_view parcel);
+    // As add(), but the parcel's place is filled by copy_last() only, which comes before the next item. So a reader
+    // can fetch the bytes from memory and go on meanwhile.
+    [[nodiscard]] bool add_place(std::string_view path, std::string_view parcel);
+    void copy_last();
     // Takes a block in exchange for its own, and loses its items.
     void take(block *filled) noexcept;
     // Adds an item that stands in the block which was taken, its path with the zero byte. False, and sets more(), when
@@ -60,6 +64,7 @@ private:
     std::uint32_t max_items_ = 0;
     std::size_t max_bytes_ = BATCH_BYTES;
     bool more_ = false;
+    std::string_view to_copy_;  // into the place of the last item; empty when that is filled
 };
 
 }  // namespace store

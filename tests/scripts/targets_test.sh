@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# The table of targets says which are met, and fails for one that is missed by more than a tenth.
+#
+#   targets_test.sh TARGETS-SH
+set -euo pipefail
+. "$1"
+
+fail() {
+    echo "targets_test: $*"
+    exit 1
+}
+
+# expect VERDICT most|least TARGET MEASURED
+expect() {
+    local found
+    found=$(verdict "$2" "$3" "$4")
+    [ "$found" = "$1" ] || fail "at $2 $3, measured '$4': $found, not $1"
+}
+expect met most 1.5 1.2
+expect met most 1.5 1.5
+expect near most 1.5 1.65
+expect MISSED most 1.5 1.66
+expect met least 300 300
+expect met least 300 9000
+expect near least 300 273
+expect MISSED least 300 272
+expect MISSED least 300 0
+# A measurement that failed is not a fast one.
+expect MISSED most 1.5 ""
+expect MISSED most 1.5 0
+expect MISSED most 1.5 nan
+expect MISSED least 300 ""
+
+# Each table in a shell of its own, as a script has one only.
+table() (
+    while read -r what bound wanted measured; do
+        target "$what" "$bound" "$wanted" "$measured"
+    done
+    print_targets
+)
+printf 'fast most 2 1\nnear least 10 9.5\n' | table >/dev/null || fail "a table without a missed target fails"
+if out=$(printf 'fast most 2 1\nslow most 2 3\nlast most 2 1\n' | table); then
+    fail "a table with a missed target does not fail"
+fi
+[ "$(grep -c 'MISSED$' <<<"$out")" -eq 1 ] || fail "not one line is missed: $out"
+grep -Eq '^slow +at most +2 +3  MISSED$' <<<"$out" || fail "the missed line is another: $out"
+[ "$(grep -c 'met$' <<<"$out")" -eq 2 ] || fail "the lines around it are not met: $out"
+if out=$(table </dev/null); then
+    fail "a table without a line does not fail"
+fi
+if out=$(printf 'silent most 2\n' | table); then
+    fail "a measurement that gave nothing is no miss"
+fi
+grep -q 'nothing  MISSED$' <<<"$out" || fail "the line does not say so: $out"
