@@ -45,11 +45,15 @@ TEST(FailingServer, OfSeveralHostsTheNextIsTried) {
               "127.0.0.1:1: Connection refused; 127.0.0.1:2: Connection refused");
 }
 
-TEST(FailingServer, WithoutAStoreIsNamedWithWhatWasLookedFor) {
+// As an embedded store's: shows print the same.
+TEST(FailingServer, WithoutAStoreIsNoErrorOfTheServerAndNamedToWritersOnly) {
     const redis_server server;
     EXPECT_EQ(reading(server.url()).code(), OPSTORE_NO_CLIENT);
-    EXPECT_EQ(reading(server.url("&prefix=mine&db=2")).text(),
-              server.socket() + ": there is no store of the prefix mine in database 2");
+    EXPECT_EQ(reading(server.url()).text(), "");
+    std::unique_ptr<store::writer> refused;
+    const pm_error error =
+        redis_store::open_writer(server.url("&prefix=mine&db=2"), store::missing_store::refuse, &refused);
+    EXPECT_EQ(error.text(), server.socket() + ": there is no store of the prefix mine in database 2");
 }
 
 TEST(FailingServer, ThatWantsAPasswordTakesItFromAFileAndNeverShowsIt) {

@@ -107,7 +107,8 @@ access_state check_access() {
     if (known->check_access == nullptr) {
         reader *ignored = nullptr;
         const pm_error error = shared_reader(&ignored);
-        return {error.code() != OPSTORE_NO_CLIENT, error.code() == OPSTORE_NO_CLIENT ? error : pm_error()};
+        return {error.code() != OPSTORE_NO_CLIENT,
+                error.text().empty() || error.code() != OPSTORE_NO_CLIENT ? pm_error() : error};
     }
     return known->check_access(std::string(place_of(url)));
 }

@@ -65,7 +65,7 @@ pm_error redis_reader::open() {
     if (pm_error error = directory_.read()) {
         return error;
     }
-    return directory_.is_store() ? pm_error() : pm_error(OPSTORE_NO_CLIENT, directory_.missing());
+    return directory_.is_store() ? pm_error() : pm_error(OPSTORE_NO_CLIENT);
 }
 
 pm_error redis_reader::platform(std::string *parcel) {
