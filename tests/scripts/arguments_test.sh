@@ -14,11 +14,12 @@ fail() {
     exit 1
 }
 
-for script in demo check bench fuzz; do
+for script in demo check bench fuzz prove-packages other-machines; do
+    about=$(sed -n '3s/^# //p' "$scripts/$script")
     ln -s "$scripts/$script" "$work/link"
     for way in "$scripts/$script" "$work/link"; do
         "$way" --help >"$work/out" 2>"$work/err" || fail "$way --help: status $?"
-        grep -q '^Installs what is missing' "$work/out" || fail "$way --help does not say what it does"
+        [ "$(head -n 1 "$work/out")" = "$about" ] || fail "$way --help does not say what it does"
         [ ! -s "$work/err" ] || fail "$way --help: $(head -n 1 "$work/err")"
         status=0
         "$way" nonsense >"$work/out" 2>"$work/err" || status=$?

@@ -26,6 +26,7 @@ constexpr named_value<session_kind> KINDS[] = {
     {"delay", session_kind::delay},
     {"liveness", session_kind::liveness},
     {"probe", session_kind::probe},
+    {"loss", session_kind::loss},
 };
 
 void read_clock(section &from, clock_quality *clock) {
@@ -80,6 +81,10 @@ void read_named_profile(section &from, config *to, std::set<std::string> *names)
     case session_kind::liveness:
         to->liveness_profiles.emplace_back().name = name;
         read_profile(from, &to->liveness_profiles.back());
+        break;
+    case session_kind::loss:
+        to->loss_profiles.emplace_back().name = name;
+        read_profile(from, &to->loss_profiles.back());
         break;
     case session_kind::probe:
         to->probe_profiles.emplace_back().name = name;
@@ -142,12 +147,15 @@ void read_interface(section &from, config *to, std::set<std::string> *names) {
     from.read_measured("delay", &interface.delay);
     warn_of_missing_profile(from, "delay", interface.delay,
                             interface.delay && to->find_delay(*interface.delay, to->interface_delay) != nullptr);
+    from.read_measured("loss", &interface.loss);
+    warn_of_missing_profile(from, "loss", interface.loss, interface.loss && to->find_loss(*interface.loss) != nullptr);
     to->interfaces.push_back(interface);
 }
 
 void read_defaults(section &from, config *to) {
     from.read_section("interface-delay",
                       [to](section &inside) { read_profile(inside, to->clock, &to->interface_delay); });
+    from.read_section("interface-loss", [to](section &inside) { read_profile(inside, &to->interface_loss); });
     from.read_section("endpoint-delay",
                       [to](section &inside) { read_profile(inside, to->clock, &to->endpoint_delay); });
     from.read_section("endpoint-liveness", [to](section &inside) { read_profile(inside, &to->endpoint_liveness); });
@@ -161,7 +169,10 @@ void read_measurements(section &root, config *to) {
     root.read_list("endpoints", [&](section &each) { read_endpoint(each, to, &names); });
     names.clear();
     root.read_list("interfaces", [&](section &each) { read_interface(each, to, &names); });
-    std::size_t sessions = to->interfaces.size();
+    std::size_t sessions = 0;
+    for (const interface_config &each : to->interfaces) {
+        sessions += (each.delay ? 1U : 0U) + (each.loss ? 1U : 0U);
+    }
     for (const endpoint_config &each : to->endpoints) {
         sessions += (each.delay ? 1U : 0U) + (each.liveness ? 1U : 0U) + (each.probe ? 1U : 0U);
     }
@@ -203,6 +214,10 @@ const Profile *find(const std::vector<Profile> &named, const Profile &otherwise,
 
 const delay_profile *config::find_delay(const std::string &name, const delay_profile &otherwise) const {
     return find(delay_profiles, otherwise, name);
+}
+
+const loss_profile *config::find_loss(const std::string &name) const {
+    return find(loss_profiles, interface_loss, name);
 }
 
 const liveness_profile *config::find_liveness(const std::string &name) const {

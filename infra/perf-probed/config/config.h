@@ -66,6 +66,7 @@ struct interface_config {
     bool suspended = false;
     std::optional<std::uint32_t> static_delay_usec;
     measured delay;
+    measured loss;
 
     bool operator==(const interface_config &) const = default;
 };
@@ -80,10 +81,12 @@ struct config {
     history_sizes histories;
 
     delay_profile interface_delay;  // the defaults
+    loss_profile interface_loss;
     delay_profile endpoint_delay;
     liveness_profile endpoint_liveness;
     probe_profile endpoint_probe;
     std::vector<delay_profile> delay_profiles;  // the named ones
+    std::vector<loss_profile> loss_profiles;
     std::vector<liveness_profile> liveness_profiles;
     std::vector<probe_profile> probe_profiles;
 
@@ -92,6 +95,7 @@ struct config {
 
     // The named profile, or `otherwise` for an empty name. Null when nobody defined it.
     [[nodiscard]] const delay_profile *find_delay(const std::string &name, const delay_profile &otherwise) const;
+    [[nodiscard]] const loss_profile *find_loss(const std::string &name) const;
     [[nodiscard]] const liveness_profile *find_liveness(const std::string &name) const;
     [[nodiscard]] const probe_profile *find_probe(const std::string &name) const;
 };

@@ -55,18 +55,29 @@ void read_advertisement(section &from, advertisement_settings *to) {
     from.read("log-delay-exceeded", &to->log_exceeded);
 }
 
-}  // namespace
+// What is measured in percent has thresholds and changes in percent.
+void read_loss_advertisement(section &from, advertisement_settings *to) {
+    from.read_section("periodic", [to](section &periodic) {
+        periodic.read("enabled", &to->periodic_enabled);
+        periodic.read_time("interval", SECOND, 1, 3600, &to->periodic_interval_sec);
+        periodic.read_number("threshold", 0, 100, &to->periodic_threshold_percent);
+        periodic.read_number("minimum-change", 0, 100, &to->periodic_minimum_change_usec);
+    });
+    from.read_section("accelerated", [to](section &accelerated) {
+        to->accelerated_enabled = true;
+        accelerated.read("enabled", &to->accelerated_enabled);
+        accelerated.read_number("threshold", 0, 100, &to->accelerated_threshold_percent);
+        accelerated.read_number("minimum-change", 0, 100, &to->accelerated_minimum_change_usec);
+    });
+}
 
-void read_profile(section &from, const clock_quality &clock, delay_profile *profile) {
+void read_computations(section &from, computing_profile *profile) {
     from.read_time("computation-interval", SECOND, 1, 3600, &profile->computation_interval_sec);
     from.read_time("tx-interval", MICROSECOND, LEAST_TX_INTERVAL_USEC, MOST_TX_INTERVAL_USEC,
                    &profile->tx_interval_usec);
     from.read_number("burst-count", 0, 100'000, &profile->burst_count);
     from.read_time("response-timeout", MILLISECOND, 1, 3'600'000, &profile->response_timeout_msec);
     from.read_number("dscp", 0, 63, &profile->dscp);
-    from.read_choice("measurement-mode", std::span<const named_value<pm_delay_mode_e>>(MODES), &profile->mode);
-    from.read_section("advertisement",
-                      [profile](section &inside) { read_advertisement(inside, &profile->advertisement); });
     const std::uint64_t interval_usec = std::uint64_t{profile->computation_interval_sec} * USEC_PER_SEC;
     if (profile->tx_interval_usec > interval_usec) {
         from.error("tx-interval", "is longer than the computation interval");
@@ -81,9 +92,24 @@ void read_profile(section &from, const clock_quality &clock, delay_profile *prof
     if (timeout_usec / profile->tx_interval_usec > MOST_WAITING_PACKETS) {
         from.error("response-timeout", "is longer than " + std::to_string(MOST_WAITING_PACKETS) + " tx intervals");
     }
+}
+
+}  // namespace
+
+void read_profile(section &from, const clock_quality &clock, delay_profile *profile) {
+    read_computations(from, profile);
+    from.read_choice("measurement-mode", std::span<const named_value<pm_delay_mode_e>>(MODES), &profile->mode);
+    from.read_section("advertisement",
+                      [profile](section &inside) { read_advertisement(inside, &profile->advertisement); });
     if (profile->mode == PM_DELAY_MODE_ONE_WAY && !clock.synchronised) {
         from.error("measurement-mode", "one-way needs clock.synchronised");
     }
+}
+
+void read_profile(section &from, loss_profile *profile) {
+    read_computations(from, profile);
+    from.read_section("advertisement",
+                      [profile](section &inside) { read_loss_advertisement(inside, &profile->advertisement); });
 }
 
 void read_profile(section &from, liveness_profile *profile) {

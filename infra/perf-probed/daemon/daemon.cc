@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <sys/signalfd.h>
 #include <unistd.h>
@@ -67,7 +68,11 @@ daemon::~daemon() {
 }
 
 void daemon::log(int priority, const std::string &text) const {
-    std::fprintf(stderr, "<%d>perf-probed: %s\n", priority, text.c_str());
+    // The journal says that it reads; a person, or a file, has no use for the number.
+    if (std::getenv("JOURNAL_STREAM") != nullptr) {
+        std::fprintf(stderr, "<%d>", priority);
+    }
+    std::fprintf(stderr, "perf-probed: %s\n", text.c_str());
 }
 
 pm_error daemon::run() {

@@ -6,6 +6,7 @@
 
 #include "perf-probed/session/delay_session.h"
 #include "perf-probed/session/liveness_session.h"
+#include "perf-probed/session/loss_session.h"
 #include "perf-probed/session/probe_session.h"
 #include "pm_utils/advert_reason.h"
 
@@ -18,6 +19,25 @@ constexpr std::uint64_t DRIFT_MUCH = 10 * NSEC_PER_MSEC;
 
 delay_session *as_delay(const session_entry &entry) {
     return entry.plan.kind == session_kind::delay ? static_cast<delay_session *>(entry.run.get()) : nullptr;
+}
+
+loss_session *as_loss(const session_entry &entry) {
+    return entry.plan.kind == session_kind::loss ? static_cast<loss_session *>(entry.run.get()) : nullptr;
+}
+
+// Null for a session that advertises nothing.
+const advertiser *advertiser_of(const session_entry &entry) {
+    return as_delay(entry) != nullptr  ? &as_delay(entry)->advertiser()
+           : as_loss(entry) != nullptr ? &as_loss(entry)->advertiser()
+                                       : nullptr;
+}
+
+void withdraw(const session_entry &entry, pm_advert_reason_e reason, const moment &now) {
+    if (delay_session *const delay = as_delay(entry)) {
+        delay->withdraw(reason, now);
+    } else if (loss_session *const loss = as_loss(entry)) {
+        loss->withdraw(reason, now);
+    }
 }
 
 liveness_session *as_liveness(const session_entry &entry) {
@@ -61,7 +81,7 @@ pm_error read_keys(const std::vector<session_plan> &plans, std::unordered_map<st
 
 prober::change_watch::change_watch(const session_entry &entry)
     : is_up(as_liveness(entry) != nullptr && as_liveness(entry)->is_up()),
-      advertisements(as_delay(entry) != nullptr ? as_delay(entry)->advertiser().advertisements() : 0) {}
+      advertisements(advertiser_of(entry) != nullptr ? advertiser_of(entry)->advertisements() : 0) {}
 
 void timer_drift::add(mono_nsec lateness, const moment &now) {
     ++packets;
@@ -141,6 +161,7 @@ void prober::keep(session_entry *entry, const session_plan &plan, const moment &
     ++entry->revision;
     switch (plan.kind) {
     case session_kind::delay: as_delay(*entry)->reconfigure(plan.delay, plan.tx_interval_usec, now); break;
+    case session_kind::loss: as_loss(*entry)->reconfigure(plan.loss, plan.tx_interval_usec, now); break;
     case session_kind::liveness: as_liveness(*entry)->reconfigure(plan.liveness, plan.tx_interval_usec, now); break;
     case session_kind::probe:
         static_cast<probe_session *>(entry->run.get())->reconfigure(plan.probe, plan.tx_interval_usec, now);
@@ -158,6 +179,9 @@ std::unique_ptr<session_entry> prober::make(const session_plan &plan, const hist
     switch (plan.kind) {
     case session_kind::delay:
         entry->run = std::make_unique<delay_session>(id, plan.delay, plan.tx_interval_usec, sizes);
+        break;
+    case session_kind::loss:
+        entry->run = std::make_unique<loss_session>(id, plan.loss, plan.tx_interval_usec, sizes);
         break;
     case session_kind::liveness:
         entry->run = std::make_unique<liveness_session>(id, plan.liveness, plan.tx_interval_usec, sizes);
@@ -192,9 +216,7 @@ session_entry *prober::insert(std::unique_ptr<session_entry> entry) {
 }
 
 void prober::remove(session_entry *entry, const moment &now) {
-    if (delay_session *const delay = as_delay(*entry)) {
-        delay->withdraw(PM_ADVERT_REASON_SESSION_DELETED, now);
-    }
+    withdraw(*entry, PM_ADVERT_REASON_SESSION_DELETED, now);
     entry->run->set_reason(PM_NOT_RUNNING_UNKNOWN, now);
     entry->removed_at = now.mono;
     ++entry->revision;
@@ -286,11 +308,11 @@ void prober::index_peers() {
 void prober::clear_advertisements() {
     const moment now = clocks_->now();
     for (const auto &entry : entries_) {
-        if (entry == nullptr || entry->removed_at || as_delay(*entry) == nullptr) {
+        if (entry == nullptr || entry->removed_at) {
             continue;
         }
         const change_watch before(*entry);
-        as_delay(*entry)->withdraw(PM_ADVERT_REASON_EXEC_CLEAR, now);
+        withdraw(*entry, PM_ADVERT_REASON_EXEC_CLEAR, now);
         touched(entry.get(), before);
     }
 }
@@ -352,7 +374,8 @@ void prober::touched(session_entry *entry, const change_watch &before) {
     if (after.is_up != before.is_up && log && entry->plan.liveness.log_state_change) {
         log(full_name(entry->plan) + ": liveness session is " + (after.is_up ? "up" : "down"));
     }
-    if (after.advertisements != before.advertisements && log && entry->plan.delay.advertisement.log_exceeded) {
+    if (after.advertisements != before.advertisements && log && as_delay(*entry) != nullptr &&
+        entry->plan.delay.advertisement.log_exceeded) {
         const advertisement &last = as_delay(*entry)->advertiser().last();
         log(full_name(entry->plan) + ": " + pm_advert_reason_str(last.reason) + ", average " +
             std::to_string(last.values.average) + " us, minimum " + std::to_string(last.values.minimum) +

@@ -13,14 +13,19 @@ void take_profile(session_plan *plan, const Profile *found, const Profile &other
     plan->*to = found != nullptr ? *found : otherwise;
 }
 
+session_plan *add_plan(session_kind kind, const measured &what, std::vector<session_plan> *plans) {
+    session_plan &plan = plans->emplace_back();
+    plan.kind = kind;
+    plan.profile_name = *what;
+    return &plan;
+}
+
 void plan_endpoint(const config &from, const endpoint_config &endpoint, std::vector<session_plan> *plans) {
     const auto shared = std::make_shared<const endpoint_config>(endpoint);
     const auto add = [&](session_kind kind, const measured &what) {
-        session_plan &plan = plans->emplace_back();
-        plan.kind = kind;
-        plan.endpoint = shared;
-        plan.profile_name = *what;
-        return &plan;
+        session_plan *const plan = add_plan(kind, what, plans);
+        plan->endpoint = shared;
+        return plan;
     };
     if (endpoint.delay) {
         take_profile(add(session_kind::delay, endpoint.delay), from.find_delay(*endpoint.delay, from.endpoint_delay),
@@ -37,22 +42,28 @@ void plan_endpoint(const config &from, const endpoint_config &endpoint, std::vec
 }
 
 void plan_interface(const config &from, const interface_config &interface, std::vector<session_plan> *plans) {
-    if (!interface.delay) {
-        return;
+    const auto shared = std::make_shared<const interface_config>(interface);
+    const auto add = [&](session_kind kind, const measured &what) {
+        session_plan *const plan = add_plan(kind, what, plans);
+        plan->interface = shared;
+        return plan;
+    };
+    if (interface.delay) {
+        take_profile(add(session_kind::delay, interface.delay), from.find_delay(*interface.delay, from.interface_delay),
+                     from.interface_delay, &session_plan::delay);
     }
-    session_plan &plan = plans->emplace_back();
-    plan.interface = std::make_shared<const interface_config>(interface);
-    plan.profile_name = *interface.delay;
-    take_profile(&plan, from.find_delay(*interface.delay, from.interface_delay), from.interface_delay,
-                 &session_plan::delay);
+    if (interface.loss) {
+        take_profile(add(session_kind::loss, interface.loss), from.find_loss(*interface.loss), from.interface_loss,
+                     &session_plan::loss);
+    }
 }
 
 // Packets a second of a session whose packets are `interval_usec` apart; bursts leave a part of the time without any.
 double rate_of(const session_plan &plan, std::uint32_t interval_usec) {
-    if (plan.kind != session_kind::delay) {
-        return static_cast<double>(USEC_PER_SEC) / interval_usec;
-    }
-    return static_cast<double>(plan.delay.packets_per_computation(interval_usec)) / plan.delay.computation_interval_sec;
+    const computing_profile *const computing = plan.computing();
+    return computing == nullptr ? static_cast<double>(USEC_PER_SEC) / interval_usec
+                                : static_cast<double>(computing->packets_per_computation(interval_usec)) /
+                                      computing->computation_interval_sec;
 }
 
 void stretch(std::vector<session_plan> *plans, rate_budget *budget) {
@@ -61,9 +72,9 @@ void stretch(std::vector<session_plan> *plans, rate_budget *budget) {
     }
     for (session_plan &plan : *plans) {
         const std::uint64_t wanted = plan.profile_tx_interval_usec();
-        const std::uint64_t longest = plan.kind == session_kind::delay
-                                          ? std::uint64_t{plan.delay.computation_interval_sec} * USEC_PER_SEC
-                                          : 0xFFFFFFFFU;
+        const computing_profile *const computing = plan.computing();
+        const std::uint64_t longest =
+            computing != nullptr ? std::uint64_t{computing->computation_interval_sec} * USEC_PER_SEC : 0xFFFFFFFFU;
         const std::uint64_t stretched = std::min(wanted * budget->stretch_percent / 100, longest);
         plan.tx_interval_usec = static_cast<std::uint32_t>(std::max(wanted, stretched));
         plan.stretched = plan.tx_interval_usec > wanted;
@@ -77,6 +88,7 @@ void stretch(std::vector<session_plan> *plans, rate_budget *budget) {
 std::uint8_t session_plan::traffic_class() const {
     switch (kind) {
     case session_kind::delay: return static_cast<std::uint8_t>(delay.dscp << 2);
+    case session_kind::loss: return static_cast<std::uint8_t>(loss.dscp << 2);
     case session_kind::liveness: return static_cast<std::uint8_t>(liveness.dscp << 2);
     case session_kind::probe: return probe.traffic_classes.empty() ? std::uint8_t{0} : probe.traffic_classes.front();
     }
@@ -86,6 +98,7 @@ std::uint8_t session_plan::traffic_class() const {
 std::uint32_t session_plan::profile_tx_interval_usec() const {
     switch (kind) {
     case session_kind::delay: return delay.tx_interval_usec;
+    case session_kind::loss: return loss.tx_interval_usec;
     case session_kind::liveness: return liveness.tx_interval_usec;
     case session_kind::probe: return probe.tx_interval_usec;
     }

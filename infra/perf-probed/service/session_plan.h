@@ -21,6 +21,7 @@ struct session_plan {
     std::string profile_name;  // empty: the default one
     bool has_profile = true;   // else the settings below are those of the default one
     delay_profile delay;       // the settings of the session's kind
+    loss_profile loss;
     liveness_profile liveness;
     probe_profile probe;
     std::uint32_t tx_interval_usec = 0;  // effective
@@ -37,6 +38,11 @@ struct session_plan {
         return of_interface() ? interface->key_file : endpoint->key_file;
     }
     [[nodiscard]] std::uint8_t traffic_class() const;
+    // The settings of a session that measures in computations; null for others.
+    [[nodiscard]] const computing_profile *computing() const {
+        const computing_profile *const loss_or_none = kind == session_kind::loss ? &loss : nullptr;
+        return kind == session_kind::delay ? &delay : loss_or_none;
+    }
     [[nodiscard]] std::uint32_t profile_tx_interval_usec() const;
 
     // Whether another plan is for the same session, which then goes on with other settings: the same kind of
@@ -59,7 +65,8 @@ struct rate_budget {
     [[nodiscard]] double requested() const { return interface.requested + endpoint.requested; }
 };
 
-// The sessions in the order of the configuration: endpoints with delay, liveness, probe, then interfaces.
+// The sessions in the order of the configuration: endpoints with delay, liveness, probe, then interfaces with delay,
+// loss.
 [[nodiscard]] std::vector<session_plan> plan_sessions(const config &from, rate_budget *budget);
 
 }  // namespace probed

@@ -11,6 +11,11 @@ std::uint64_t window_span(const pace &pace) { return std::uint64_t{pace.response
 
 }  // namespace
 
+pace pace_of(const computing_profile &profile, std::uint32_t tx_interval_usec) {
+    return {profile.computation_interval_sec, tx_interval_usec, profile.packets_per_computation(tx_interval_usec),
+            profile.response_timeout_msec};
+}
+
 computing_session::computing_session(std::uint32_t id, session_kind kind, const pace &pace)
     : answered_session(id, kind, window_span(pace), pace.tx_interval_usec), pace_(pace) {}
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "perf-probed/session/answered_session.h"
+#include "perf-probed/session/profile.h"
 #include "perf-probed/session/statistics.h"
 
 namespace probed {
@@ -36,6 +37,8 @@ struct pace {
 
     bool operator==(const pace &) const = default;
 };
+// `tx_interval_usec`: the profile's, or a longer one when the packet rate is limited.
+[[nodiscard]] pace pace_of(const computing_profile &profile, std::uint32_t tx_interval_usec);
 
 class computing_session : public answered_session {
 public:

@@ -7,11 +7,6 @@
 namespace probed {
 namespace {
 
-pace pace_of(const delay_profile &profile, std::uint32_t tx_interval_usec) {
-    return {profile.computation_interval_sec, tx_interval_usec, profile.packets_per_computation(tx_interval_usec),
-            profile.response_timeout_msec};
-}
-
 history<delay_sample> room_for_samples(const pace &pace) {
     return history<delay_sample>(std::min<std::size_t>(pace.packets, delay_session::MOST_SAMPLES));
 }

@@ -36,17 +36,17 @@ struct advertisement_settings {
     bool operator==(const advertisement_settings &) const = default;
 };
 
-struct delay_profile {
+// Of a session that measures in computations.
+struct computing_profile {
     std::string name;  // empty: the default one
     std::uint32_t computation_interval_sec = 30;
     std::uint32_t tx_interval_usec = 3 * USEC_PER_SEC;
     std::uint32_t burst_count = 0;  // packets of one computation; 0: as many as fit into its interval
     std::uint32_t response_timeout_msec = 1000;
     std::uint8_t dscp = 48;
-    pm_delay_mode_e mode = PM_DELAY_MODE_TWO_WAY;
     advertisement_settings advertisement;
 
-    bool operator==(const delay_profile &) const = default;
+    bool operator==(const computing_profile &) const = default;
 
     // Packets of one computation when they are sent `interval_usec` apart; one at least.
     [[nodiscard]] std::uint32_t packets_per_computation(std::uint32_t interval_usec) const {
@@ -64,6 +64,25 @@ struct delay_profile {
     [[nodiscard]] std::uint32_t effective_periodic_interval_sec() const {
         return computations_per_advertisement() * computation_interval_sec;
     }
+};
+
+struct delay_profile : computing_profile {
+    pm_delay_mode_e mode = PM_DELAY_MODE_TWO_WAY;
+
+    bool operator==(const delay_profile &) const = default;
+};
+
+// Its advertisements are about percent: the changes and the average that they check.
+struct loss_profile : computing_profile {
+    loss_profile() {
+        tx_interval_usec = USEC_PER_SEC;
+        advertisement.periodic_minimum_change_usec = 1;
+        advertisement.accelerated_minimum_change_usec = 1;
+        advertisement.check_average = true;
+        advertisement.check_minimum = false;
+    }
+
+    bool operator==(const loss_profile &) const = default;
 };
 
 struct liveness_profile {

@@ -67,7 +67,7 @@ struct reply {
     wall_nsec transmit_time = 0;     // T3
 };
 
-enum class session_kind : std::uint8_t { delay, liveness, probe };
+enum class session_kind : std::uint8_t { delay, liveness, probe, loss };
 
 class session {
 public:

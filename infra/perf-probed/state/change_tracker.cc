@@ -21,13 +21,14 @@ void change_tracker::regroup(const prober &sender, snapshot *out) {
         entity &of = known_[{entry->plan.of_interface(), entry->plan.name()}].of;
         const session_entry *&slot = entry->plan.kind == session_kind::delay      ? of.delay
                                      : entry->plan.kind == session_kind::liveness ? of.liveness
+                                     : entry->plan.kind == session_kind::loss     ? of.loss
                                                                                   : of.probe;
         if (slot == nullptr || slot->removed_at) {  // a session that took a removed one's place goes before it
             slot = entry.get();
         }
     }
     for (auto &[name, each] : known_) {
-        for (const session_entry *const entry : {each.of.delay, each.of.liveness, each.of.probe}) {
+        for (const session_entry *const entry : each.of.all()) {
             if (entry != nullptr) {
                 each.sessions.push_back(entry->id());
             }

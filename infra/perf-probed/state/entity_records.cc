@@ -17,8 +17,14 @@ constexpr const char *ENDPOINT_PATHS[] = {"endpoint/detail/",
                                           "endpoint/delay/aggr-history/",
                                           "endpoint/delay/adv-history/",
                                           "endpoint/delay/live-history/"};
-constexpr const char *INTERFACE_PATHS[] = {"intf/detail/", "intf/delay/probe-history/", "intf/delay/aggr-history/",
-                                           "intf/delay/adv-history/"};
+constexpr const char *INTERFACE_PATHS[] = {"intf/detail/",
+                                           "intf/delay/probe-history/",
+                                           "intf/delay/aggr-history/",
+                                           "intf/delay/adv-history/",
+                                           "intf/loss/probe-history/",
+                                           "intf/loss/aggr-history/",
+                                           "intf/loss/adv-history/",
+                                           "intf/loss/pkt-history/"};
 
 std::string session_path(const char *prefix, std::uint32_t id) {
     constexpr char DIGITS[] = "0123456789abcdef";
@@ -155,6 +161,7 @@ void add_endpoint_session(const session_entry &entry, const moment &now, snapsho
         *session.EPSessionLiveness = {entry.id(), entry.id(), arena->text(entry.plan.profile_name),
                                       record_profile_key(entry.plan, arena), record_liveness_state(entry)};
         break;
+    case session_kind::loss: break;  // of interfaces only
     case session_kind::probe:
         record->MeasurementType = PM_MEASUREMENT_PROBE;
         session.IsProbeSession = true;
@@ -179,7 +186,7 @@ void fill_link(const host_interface &link, pm_intf_parcel *to) {
 }
 
 void add_interface_detail(const entity &of, const host_state &host, const moment &now, snapshot *out) {
-    const session_entry &entry = *of.delay;
+    const session_entry &entry = of.any();
     auto *const record = out->add_main<pm_intf_parcel>("intf/detail/" + of.name(), pm_intf_parcel_descriptor());
     record->InterfaceName = out->arena.text(of.name());
     const host_interface *const link = host.find(of.name());
@@ -195,6 +202,13 @@ void add_interface_detail(const entity &of, const host_state &host, const moment
     record->AIBNexthopIPv4Address = record_address({});
     record->AIBNexthopIPv6Address = record_address({});
     record->IsStale = entry.removed_at.has_value();
+    if (of.loss != nullptr) {
+        record->LossMeasurementSession = out->arena.make<pm_intf_loss_session_parcel>();
+        *record->LossMeasurementSession = record_loss_session(*of.loss, now);
+    }
+    if (of.delay == nullptr) {
+        return;
+    }
     record->DelayMeasurementSessions = out->arena.array<pm_scb_parcel>(1);
     record->DelayMeasurementSessions.elements[0] = record_delay_session(entry, now, &out->arena);
 
@@ -237,7 +251,7 @@ void add_interface_history(const session_entry &entry, const char *prefix, const
 
 std::uint64_t entity::revision() const {
     std::uint64_t sum = 0;
-    for (const session_entry *const each : {delay, liveness, probe}) {
+    for (const session_entry *const each : all()) {
         sum += each != nullptr ? each->revision + 1 : 0;
     }
     return sum;
@@ -249,6 +263,10 @@ std::uint64_t entity::history_revision() const {
         const session_counters &counters = delay->run->counters();
         sum +=
             1 + counters.probes_complete + counters.probes_incomplete + delay_of(*delay).advertiser().advertisements();
+    }
+    if (loss != nullptr) {
+        sum += 1 + loss->run->counters().received + loss->run->counters().probes_complete +
+               loss->run->counters().probes_incomplete + loss_of(*loss).advertiser().advertisements();
     }
     if (liveness != nullptr) {
         sum += 1 + liveness_of(*liveness).change_count();
@@ -263,7 +281,7 @@ void add_state_items(const entity &of, const host_state &host, const moment &now
     }
     add_endpoint_detail(of, now, out);
     add_endpoint_counters(of, out);
-    for (const session_entry *const each : {of.delay, of.liveness, of.probe}) {
+    for (const session_entry *const each : of.all()) {
         if (each != nullptr) {
             add_endpoint_session(*each, now, out);
         }
@@ -273,9 +291,18 @@ void add_state_items(const entity &of, const host_state &host, const moment &now
 void add_history_items(const entity &of, snapshot *out) {
     record_arena *const arena = &out->arena;
     if (of.is_interface()) {
-        add_interface_history(*of.delay, INTERFACE_PATHS[1], record_probe_history(*of.delay, arena), out);
-        add_interface_history(*of.delay, INTERFACE_PATHS[2], record_aggregated_history(*of.delay, arena), out);
-        add_interface_history(*of.delay, INTERFACE_PATHS[3], record_advertisement_history(*of.delay, arena), out);
+        if (of.delay != nullptr) {
+            add_interface_history(*of.delay, INTERFACE_PATHS[1], record_probe_history(*of.delay, arena), out);
+            add_interface_history(*of.delay, INTERFACE_PATHS[2], record_aggregated_history(*of.delay, arena), out);
+            add_interface_history(*of.delay, INTERFACE_PATHS[3], record_advertisement_history(*of.delay, arena), out);
+        }
+        if (of.loss != nullptr) {
+            add_interface_history(*of.loss, INTERFACE_PATHS[4], record_loss_probe_history(*of.loss, arena), out);
+            add_interface_history(*of.loss, INTERFACE_PATHS[5], record_loss_aggregated_history(*of.loss, arena), out);
+            add_interface_history(*of.loss, INTERFACE_PATHS[6], record_loss_advertisement_history(*of.loss, arena),
+                                  out);
+            add_interface_history(*of.loss, INTERFACE_PATHS[7], record_loss_packet_history(*of.loss, arena), out);
+        }
         return;
     }
     if (of.delay != nullptr) {

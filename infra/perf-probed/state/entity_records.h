@@ -2,6 +2,7 @@
 // The items of endpoints, interfaces and sessions.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -16,9 +17,12 @@ struct entity {
     const session_entry *delay = nullptr;
     const session_entry *liveness = nullptr;
     const session_entry *probe = nullptr;
+    const session_entry *loss = nullptr;
+
+    [[nodiscard]] std::array<const session_entry *, 4> all() const { return {delay, liveness, probe, loss}; }
 
     [[nodiscard]] const session_entry &any() const {
-        return delay != nullptr ? *delay : liveness != nullptr ? *liveness : *probe;
+        return delay != nullptr ? *delay : liveness != nullptr ? *liveness : probe != nullptr ? *probe : *loss;
     }
     [[nodiscard]] bool is_interface() const { return any().plan.of_interface(); }
     [[nodiscard]] const std::string &name() const { return any().plan.name(); }

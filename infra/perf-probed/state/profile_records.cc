@@ -79,6 +79,20 @@ void fill(const delay_profile &from, const node_view &of, record_arena *arena, p
     fill_advertisement(from, to);
 }
 
+void fill(const loss_profile &from, pm_loss_transport_profile_parcel *to) {
+    const advertisement_settings &settings = from.advertisement;
+    to->ProbeInterval = from.computation_interval_sec;
+    to->EncapMode = PM_ENCAP_UDP;
+    to->PeriodicAdvertisementEnabled = settings.periodic_enabled;
+    to->PeriodicAdvertisementInterval = settings.periodic_interval_sec;
+    to->EffectivePeriodicAdvertisementInterval = from.effective_periodic_interval_sec();
+    to->PeriodicAdvertisementThreshold = settings.periodic_threshold_percent;
+    to->PeriodicAdvertisementMinimumChange = settings.periodic_minimum_change_usec;
+    to->AcceleratedAdvertisementEnabled = settings.accelerated_enabled;
+    to->AcceleratedAdvertisementThreshold = settings.accelerated_threshold_percent;
+    to->AcceleratedAdvertisementMinimumChange = settings.accelerated_minimum_change_usec;
+}
+
 void fill(const liveness_profile &from, const node_view &of, record_arena *arena,
           pm_liveness_transport_profile_parcel *to) {
     const std::uint32_t effective_usec = stretched(from.tx_interval_usec, of);
@@ -182,6 +196,7 @@ void add_profiles(const node_view &of, snapshot *out) {
     record_arena *const arena = &out->arena;
     auto *const defaults = out->add_main<pm_profile_parcel>("profile", pm_profile_parcel_descriptor());
     fill(settings.interface_delay, of, arena, &defaults->DelayProfile.InterfaceDelayProfile);
+    fill(settings.interface_loss, &defaults->LossProfile.InterfaceDelayProfile);
     fill(settings.endpoint_delay, of, arena, &defaults->DelayProfile.Endpoint_DelayProfile);
     fill(settings.endpoint_liveness, of, arena, &defaults->LivenessProfile.EndpointLivenessProfile);
     fill(settings.endpoint_probe, of, arena, &defaults->ProbeProfile.EndpointProbeProfile);
@@ -190,6 +205,9 @@ void add_profiles(const node_view &of, snapshot *out) {
     defaults->LivenessProfile.SRPolicyLivenessProfile.DestinationSweepingAddress = record_address({});
     for (const delay_profile &each : settings.delay_profiles) {
         fill(each, of, arena, &add_named(each.name, PM_MEASUREMENT_DELAY, out)->Delay);
+    }
+    for (const loss_profile &each : settings.loss_profiles) {
+        fill(each, &add_named(each.name, PM_MEASUREMENT_LOSS, out)->Loss);
     }
     for (const liveness_profile &each : settings.liveness_profiles) {
         fill(each, of, arena, &add_named(each.name, PM_MEASUREMENT_LIVENESS, out)->Liveness);

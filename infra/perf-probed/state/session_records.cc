@@ -11,6 +11,7 @@ namespace {
 pm_measurement_type_e measurement_of(session_kind kind) {
     switch (kind) {
     case session_kind::delay: return PM_MEASUREMENT_DELAY;
+    case session_kind::loss: return PM_MEASUREMENT_LOSS;
     case session_kind::liveness: return PM_MEASUREMENT_LIVENESS;
     case session_kind::probe: return PM_MEASUREMENT_PROBE;
     }
@@ -41,16 +42,6 @@ pm_scb_last_advert_parcel record_last_advertisement(const advertisement &last) {
     record.AdvertisedValues = record_values(last.values);
     record.AFlagSet = last.a_flag;
     return record;
-}
-
-// Fills the elements of an array from a history, oldest first.
-template <class Element, class Entry, class Convert>
-parcel_array<Element> record_list(const history<Entry> &from, record_arena *arena, Convert convert) {
-    const parcel_array<Element> list = arena->array<Element>(from.size());
-    for (std::size_t index = 0; index < from.size(); ++index) {
-        list.elements[index] = convert(from[index]);
-    }
-    return list;
 }
 
 }  // namespace

@@ -7,7 +7,9 @@
 #include "perf-probed/schedule/clocks.h"
 #include "perf-probed/service/prober.h"
 #include "perf-probed/session/delay_session.h"
+#include "perf-probed/session/history.h"
 #include "perf-probed/session/liveness_session.h"
+#include "perf-probed/session/loss_session.h"
 #include "perf-probed/session/probe_session.h"
 #include "perf-probed/state/snapshot.h"
 #include "schema/pm_records.h"
@@ -21,6 +23,9 @@ inline constexpr char NO_SEGMENT_LIST[] = "None";
 }
 [[nodiscard]] inline const liveness_session &liveness_of(const session_entry &entry) {
     return static_cast<const liveness_session &>(*entry.run);
+}
+[[nodiscard]] inline const loss_session &loss_of(const session_entry &entry) {
+    return static_cast<const loss_session &>(*entry.run);
 }
 [[nodiscard]] inline const probe_session &probe_of(const session_entry &entry) {
     return static_cast<const probe_session &>(*entry.run);
@@ -46,10 +51,27 @@ void add_counters(const pm_endpoint_liveness_counters_info_parcel &from, pm_endp
 [[nodiscard]] pm_scb_probe_session_parcel record_probe_session(const session_entry &entry, const moment &now,
                                                                record_arena *arena);
 
+// Fills the elements of an array from a history, oldest first.
+template <class Element, class Entry, class Convert>
+parcel_array<Element> record_list(const history<Entry> &from, record_arena *arena, Convert convert) {
+    const parcel_array<Element> list = arena->array<Element>(from.size());
+    for (std::size_t index = 0; index < from.size(); ++index) {
+        list.elements[index] = convert(from[index]);
+    }
+    return list;
+}
+
 // The histories of a session.
 [[nodiscard]] pm_history_info record_probe_history(const session_entry &entry, record_arena *arena);
 [[nodiscard]] pm_history_info record_aggregated_history(const session_entry &entry, record_arena *arena);
 [[nodiscard]] pm_history_info record_advertisement_history(const session_entry &entry, record_arena *arena);
 [[nodiscard]] pm_history_info record_liveness_history(const session_entry &entry, record_arena *arena);
+
+// The records of loss.
+[[nodiscard]] pm_intf_loss_session_parcel record_loss_session(const session_entry &entry, const moment &now);
+[[nodiscard]] pm_history_info record_loss_probe_history(const session_entry &entry, record_arena *arena);
+[[nodiscard]] pm_history_info record_loss_packet_history(const session_entry &entry, record_arena *arena);
+[[nodiscard]] pm_history_info record_loss_aggregated_history(const session_entry &entry, record_arena *arena);
+[[nodiscard]] pm_history_info record_loss_advertisement_history(const session_entry &entry, record_arena *arena);
 
 }  // namespace probed

@@ -70,6 +70,12 @@ void count_session(const session_entry &entry, pm_summary_parcel *to) {
         count_delay_session(entry, entry.plan.of_interface() ? &to->DelaySummary.InterfaceDelaySummary
                                                              : &to->DelaySummary.EndpointDelaySummary);
         break;
+    case session_kind::loss: {
+        pm_loss_transport_summary_parcel &loss = to->LossSummary.InterfaceLossSummary;
+        ++loss.TotalLossSessions;
+        add_counters(record_delay_counters(entry), &loss.LossTransportCounters);
+        break;
+    }
     case session_kind::liveness: count_liveness_session(entry, &to->LivenessSummary.EndpointLivenessSummary); break;
     case session_kind::probe: count_probe_session(entry, &to->ProbeSummary); break;
     }
@@ -104,18 +110,20 @@ void add_summary(const node_view &of, snapshot *out) {
         PM_TRANSPORT_SR_POLICY;
     record->DelaySummary.RSVP_TEDelaySummary.DelayTransportCounters.ExclusiveCounters.TransportType =
         PM_TRANSPORT_RSVP_TE;
+    std::set<std::string_view> interfaces;
     std::set<std::string_view> endpoints;
     for (const auto &entry : of.sender.entries()) {
         if (entry == nullptr || entry->removed_at) {
             continue;
         }
         if (entry->plan.of_interface()) {
-            ++record->TotalInterfaces;
+            interfaces.insert(entry->plan.name());
         } else {
             endpoints.insert(entry->plan.name());
         }
         count_session(*entry, record);
     }
+    record->TotalInterfaces = static_cast<std::uint32_t>(interfaces.size());
     record->TotalEndpoints = static_cast<std::uint32_t>(endpoints.size());
     const prober_counters &counters = of.sender.counters();
     record->GlobalCounters = {counters.sent, counters.received[0] + counters.received[1], counters.invalid_session,

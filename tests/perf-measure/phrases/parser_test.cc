@@ -225,7 +225,8 @@ TEST(Parser, AnswersAnUnknownWordWithWhatFits) {
     EXPECT_EQ(letters("show history nonsense"),
               "! show history: 'nonsense' does not fit here\n"
               "  what may follow: probe, aggregated, advertised, liveness, loss-packets");
-    EXPECT_EQ(letters("shwo"), "! 'shwo' does not fit here; did you mean show?\n  what may follow: show, plot, metrics");
+    EXPECT_EQ(letters("shwo"),
+              "! 'shwo' does not fit here; did you mean show?\n  what may follow: show, plot, metrics");
     EXPECT_EQ(letters("show batches node 1 x"), "! show batches node 1: 'x' does not fit here; nothing may follow");
 }
 

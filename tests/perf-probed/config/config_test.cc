@@ -37,6 +37,36 @@ TEST(config, an_empty_file_measures_nothing_and_answers_nobody) {
     EXPECT_EQ(settings.endpoint_liveness.multiplier, 3);
 }
 
+TEST(config, loss_is_measured_of_interfaces_with_thresholds_in_percent) {
+    const config settings = read(R"(
+profiles:
+  - {name: x, kind: loss, computation-interval: 10 s, tx-interval: 100 ms, burst-count: 50, response-timeout: 300 ms,
+     dscp: 10, advertisement: {periodic: {interval: 15 s, threshold: 7, minimum-change: 2},
+                               accelerated: {threshold: 30, minimum-change: 4}}}
+interfaces:
+  - {name: eth0, next-hop: 192.0.2.1, loss: x}
+  - {name: eth1, next-hop: 192.0.2.5, loss: true}
+  - {name: eth2, next-hop: 192.0.2.9, delay: true}
+)");
+    const loss_profile *const profile = settings.find_loss("x");
+    ASSERT_NE(profile, nullptr);
+    EXPECT_EQ(profile->packets_per_computation(profile->tx_interval_usec), 50U);
+    EXPECT_EQ(profile->effective_periodic_interval_sec(), 20U);
+    EXPECT_EQ(profile->advertisement.periodic_threshold_percent, 7U);
+    EXPECT_EQ(profile->advertisement.periodic_minimum_change_usec, 2U);
+    EXPECT_TRUE(profile->advertisement.accelerated_enabled);
+    EXPECT_EQ(profile->advertisement.accelerated_minimum_change_usec, 4U);
+    EXPECT_EQ(profile->dscp, 10);
+    EXPECT_EQ(settings.interfaces[0].loss, "x");
+    EXPECT_EQ(settings.find_loss(*settings.interfaces[1].loss), &settings.interface_loss);
+    EXPECT_EQ(settings.interface_loss.tx_interval_usec, 1'000'000U);
+    EXPECT_FALSE(settings.interfaces[2].loss);
+    EXPECT_EQ(errors("profiles:\n  - {name: x, kind: loss, advertisement: {periodic: {minimum-change: 101}}}\n"),
+              "f.yaml:2: profiles[0].advertisement.periodic.minimum-change: '101' is not a number from 0 to 100");
+    EXPECT_EQ(errors("profiles:\n  - {name: x, kind: loss, measurement-mode: two-way}\n"),
+              "f.yaml:2: profiles[0].measurement-mode: is no key that is known here");
+}
+
 TEST(config, a_reflector_listens_at_862_of_every_address_unless_told) {
     const config settings = read("reflector: {}");
     ASSERT_EQ(settings.reflector.listen.size(), 1U);
@@ -156,7 +186,8 @@ constexpr error_case ERRORS[] = {
      "f.yaml:3: defaults.endpoint-delay.measurement-mode: one-way needs clock.synchronised"},
     {"defaults:\n  endpoint-delay:\n    advertisement:\n      anomaly: {upper-bound: 1 ms,\n        lower-bound: 2 ms}",
      "f.yaml:5: defaults.endpoint-delay.advertisement.anomaly.lower-bound: is above the upper bound"},
-    {"profiles:\n  - {name: x, kind: loss}", "f.yaml:2: profiles[0].kind: 'loss' is none of: delay, liveness, probe"},
+    {"profiles:\n  - {name: x, kind: jitter}",
+     "f.yaml:2: profiles[0].kind: 'jitter' is none of: delay, liveness, probe, loss"},
 };
 
 TEST(config, errors_name_file_line_and_key) {

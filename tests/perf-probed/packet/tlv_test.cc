@@ -37,6 +37,16 @@ TEST(tlv, an_unknown_type_keeps_u_and_its_value) {
     EXPECT_EQ(reflect("80 c8 0002 1234  80 01 0000").hex, plain("80 c8 0002 1234  00 01 0000"));
 }
 
+// Location, direct measurement, access report and follow-up telemetry: a reflector without state has nothing to say.
+TEST(tlv, types_that_need_a_state_are_not_understood) {
+    const char TLVS[] =
+        "80 02 0004 00000000  80 05 000c 000000010000000000000000  80 06 0004 00000000  "
+        "80 07 0010 00000000000000000000000000000000";
+    const reflected back = reflect(TLVS);
+    EXPECT_EQ(back.hex, plain(TLVS));
+    EXPECT_FALSE(back.verdict.malformed);
+}
+
 TEST(tlv, the_sender_does_not_decide_about_u) { EXPECT_EQ(reflect("00 c8 0001 12").hex, plain("80 c8 0001 12")); }
 
 TEST(tlv, time_stamp_information_says_where_the_stamps_come_from) {

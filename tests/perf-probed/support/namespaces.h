@@ -14,6 +14,10 @@ public:
         : name_("ppt" + std::to_string(getpid()) + "-" + std::to_string(number)), number_(std::to_string(number)) {
         run("ip netns add " + name("a"));
         run("ip netns add " + name("b"));
+        join();
+    }
+    // Makes the pair of interfaces, with its addresses and up.
+    void join() {
         run("ip link add name a netns " + name("a") + " type veth peer name b netns " + name("b"));
         for (const char *const end : {"a", "b"}) {
             const std::string in = "ip -n " + name(end) + " ";

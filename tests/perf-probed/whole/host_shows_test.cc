@@ -175,6 +175,24 @@ TEST_F(host_shows_test, profiles) {
 )");
 }
 
+TEST_F(host_shows_test, all_profiles) {
+    const std::string shown = service_->show("-c 23").out;
+    const std::size_t delay = shown.find("Generic Delay Measurement Profile Name: quick\n");
+    const std::size_t liveness = shown.find("Generic Liveness Detection Profile Name: alive\n");
+    EXPECT_LT(delay, liveness) << shown;
+    EXPECT_NE(liveness, std::string::npos) << shown;
+}
+
+// What is about checkpoints, messages between processes, tunnels, policies and line cards.
+TEST_F(host_shows_test, what_a_host_does_not_have_is_absent) {
+    for (const char *const command :
+         {"-c 14", "-c 15", "-c 16", "-c 17", "-c 18", "-c 24", "-c 32", "-c 34", "-c 4 -t 19", "-c 27 -t 19"}) {
+        const command_result shown = service_->show(command);
+        EXPECT_EQ(shown.status, 0) << command;
+        EXPECT_EQ(shown.out.find(": "), std::string::npos) << command << "\n" << shown.out;  // no item has a line
+    }
+}
+
 TEST_F(host_shows_test, the_process_and_whom_it_works_with) {
     const std::string shown = service_->show("-c 13").out;
     for (const char *const line :

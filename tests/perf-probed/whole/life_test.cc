@@ -153,6 +153,17 @@ bool went_on_measuring(live_service &service) {
     return within(3, [&] { return service.log().find("session 1 of endpoint a: ") != std::string::npos; });
 }
 
+// Syslog's priority, here that of a notice, begins a line for the journal only.
+TEST(life, lines_have_priorities_where_the_journal_reads_them) {
+    for (const auto &[prefix, beginning] : {std::pair{"env -u JOURNAL_STREAM", "perf-probed: session 1 of "},
+                                            std::pair{"env JOURNAL_STREAM=8:1", "<5>perf-probed: session 1 of "}}) {
+        live_service service(self(18712), prefix);
+        ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
+        EXPECT_TRUE(went_on_measuring(service));
+        EXPECT_TRUE(service.log().starts_with(beginning)) << service.log();
+    }
+}
+
 TEST(life, a_store_that_is_gone_is_made_again) {
     live_service service(self(18706));
     ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); }));
@@ -214,6 +225,45 @@ TEST(life, a_read_only_store_is_told_and_published_again_once_it_may_be_written)
         })) << service.log();
     }
     EXPECT_EQ(system(("umount " + folder.path()).c_str()), 0);
+}
+
+// What a server is told so that it cannot be written, and so that it can again.
+struct server_failure {
+    const char *name;
+    std::initializer_list<std::string_view> begin, end;
+};
+
+void expect_survival(live_service &service, const std::function<void()> &begin, const std::function<void()> &end) {
+    ASSERT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); })) << service.log();
+    begin();
+    EXPECT_TRUE(within(10, [&] { return service.log().find("the store cannot be written") != std::string::npos; }))
+        << service.log();
+    EXPECT_TRUE(went_on_measuring(service));
+    end();
+    EXPECT_TRUE(within(10, [&] { return service.log().find("the store is written again") != std::string::npos; }))
+        << service.log();
+    EXPECT_TRUE(within(5, [&] { return service.shows("-c 26", "Endpoint name: a"); })) << service.log();
+}
+
+TEST(life, a_server_that_is_full_or_read_only_is_told_and_published_to_again) {
+    const server_failure FAILURES[] = {
+        {"full", {"CONFIG", "SET", "maxmemory", "1"}, {"CONFIG", "SET", "maxmemory", "0"}},
+        {"read-only", {"REPLICAOF", "127.0.0.1", "1"}, {"REPLICAOF", "NO", "ONE"}},
+    };
+    for (const server_failure &each : FAILURES) {
+        SCOPED_TRACE(each.name);
+        const redis_server server({"replica-serve-stale-data", "yes"});
+        live_service service(self(18715), "", server.url());
+        expect_survival(
+            service, [&] { server.run(each.begin); }, [&] { server.run(each.end); });
+    }
+}
+
+TEST(life, a_server_that_is_gone_is_published_to_again_once_it_is_back) {
+    redis_server server;
+    live_service service(self(18716), "", server.url());
+    expect_survival(
+        service, [&] { server.kill_it(); }, [&] { server.start(); });
 }
 
 TEST(life, a_wrong_configuration_does_not_start) {

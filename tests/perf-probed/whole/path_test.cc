@@ -186,6 +186,38 @@ TEST_F(path_test, an_interface_goes_down_away_and_returns) {
     EXPECT_TRUE(near.shows("-c 20 -t 3", "PM-ERROR"));
 }
 
+TEST_F(path_test, an_interface_that_is_made_anew_is_measured_again) {
+    live_service far(REFLECTOR, path.in("b"));
+    live_service near(watching(path), path.in("a"));
+    ASSERT_TRUE(within(8, [&] { return near.shows("-c 1", "Advertised reason: First advertisement"); })) << near.log();
+    ASSERT_TRUE(path.run_in("a", "ip link del dev a"));  // and its other end with it
+    EXPECT_TRUE(within(5, [&] { return near.shows("-c 1", "Not running: Interface not present or preconfigured"); }));
+    EXPECT_TRUE(near.shows("-c 20 -t 3", "PM-ERROR"));
+    EXPECT_TRUE(within(5, [&] { return near.shows("-c 26", "Session State: Down"); }));
+    path.join();
+    ASSERT_TRUE(path.made());
+    EXPECT_TRUE(within(8, [&] { return near.shows("-c 1", "Measured delays (uSec): avg: "); }))
+        << near.show("-c 1").out;
+    EXPECT_TRUE(within(8, [&] { return near.shows("-c 26", "Session State: Up"); }));
+}
+
+TEST_F(path_test, an_endpoint_in_a_vrf_is_measured_there) {
+    if (!path.run_in("a", "ip link add red type vrf table 77 2>/dev/null")) {
+        GTEST_SKIP() << "this kernel has no VRFs";
+    }
+    live_service far(REFLECTOR, path.in("b"));
+    live_service near(
+        "node: {name: h, id: 1}\nprofiles:\n  - {name: l, kind: liveness, tx-interval: 100 ms}\nendpoints:\n"
+        "  - {name: far, address: " +
+            path.ipv4("b") + ", port: 8620, vrf: red, liveness: l}\n",
+        path.in("a"));
+    EXPECT_TRUE(within(8, [&] { return near.shows("-c 26", "Session State: Down"); }));  // its interface is not there
+    ASSERT_TRUE(path.run_in("a", "ip link set dev red up"));
+    ASSERT_TRUE(path.run_in("a", "ip link set dev a master red"));
+    EXPECT_TRUE(within(8, [&] { return near.shows("-c 26", "Session State: Up"); })) << near.log();
+    EXPECT_TRUE(near.shows("-c 26", "VRF name                    : red"));
+}
+
 TEST_F(path_test, a_next_hop_that_nobody_answers_for_is_told) {
     const std::string nobody = path.ipv4("b") + "00";
     live_service near(
