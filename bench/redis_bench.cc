@@ -207,7 +207,12 @@ int main(int argc, char **argv) {
     }
     const char *const socket = argv[1];
     const std::string url = "redis+unix://" + std::string(socket) + "?prefix=bench";
-    load(url, argc > 2 ? std::atoi(argv[2]) : 200'000);
+    const int items = argc > 2 ? std::atoi(argv[2]) : 200'000;
+    const double loading = seconds_of([&] {
+        load(url, items);
+        return 1;
+    });
+    std::printf("loaded %.0f items/s of %zu bytes\n", items / loading, ITEM_BYTES);
     const int values = store_values(socket);
 
     const auto payload = each_page(socket, [](const redisReply *) {});

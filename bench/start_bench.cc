@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Start to exit: perf-show -c 9 on the example store beside cat of a file of the same text, both into
-// /dev/null, run in turns. Prints the medians and their ratio.
+// Start to exit: perf-show -c 9 on the example store beside cat of a file of the same text, or beside another program,
+// all into /dev/null, run in turns. Prints the medians and their ratio.
 //
-//   start_bench PERF_SHOW TEXT-FILE      (OPSTORE_URL names the store)
+//   start_bench PERF_SHOW TEXT-FILE [PEER...]     (OPSTORE_URL names the store)
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -40,8 +40,8 @@ double median(std::vector<double> *times) {
 }  // namespace
 
 int main(int argc, char **argv) {
-    if (argc != 3) {
-        std::fputs("usage: start_bench PERF_SHOW TEXT-FILE\n", stderr);
+    if (argc < 3) {
+        std::fputs("usage: start_bench PERF_SHOW TEXT-FILE [PEER...]\n", stderr);
         return 2;
     }
     posix_spawn_file_actions_t actions;
@@ -52,18 +52,20 @@ int main(int argc, char **argv) {
     char cat[] = "cat";
     char *const show_arguments[] = {argv[1], command, summary, nullptr};
     char *const cat_arguments[] = {cat, argv[2], nullptr};
+    char *const *const peer_arguments = argc > 3 ? argv + 3 : cat_arguments;
     std::vector<double> show_times;
-    std::vector<double> cat_times;
+    std::vector<double> peer_times;
     for (int i = 0; i < RUNS; ++i) {
         show_times.push_back(run(actions, show_arguments));
-        cat_times.push_back(run(actions, cat_arguments));
+        peer_times.push_back(run(actions, peer_arguments));
     }
     const double show = median(&show_times);
-    const double reference = median(&cat_times);
-    if (show_times.front() < 0 || cat_times.front() < 0) {
+    const double reference = median(&peer_times);
+    if (show_times.front() < 0 || peer_times.front() < 0) {
         std::fputs("start_bench: a command failed\n", stderr);
         return 1;
     }
-    std::printf("start to exit: perf-show -c 9 %.0f us, cat %.0f us, ratio %.2f\n", show, reference, show / reference);
+    std::printf("start to exit: perf-show -c 9 %.0f us, %s %.0f us, ratio %.2f\n", show, peer_arguments[0], reference,
+                show / reference);
     return 0;
 }

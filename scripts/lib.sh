@@ -72,7 +72,7 @@ step() {
 
 build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libsimdjson-dev libcli11-dev
   libedit-dev libbsd-dev libncurses-dev libhiredis-dev libssl-dev libyaml-cpp-dev libcpp-httplib-dev)
-bench_packages=(libbenchmark-dev protobuf-compiler libprotobuf-dev libnanopb-dev nanopb)
+bench_packages=(libbenchmark-dev protobuf-compiler libprotobuf-dev libnanopb-dev nanopb redis-server)
 
 # build PRESET [CMAKE-OPTION...]: configures and builds a preset.
 build() {

@@ -173,7 +173,7 @@ TEST(MissingStore, AnURLOfAnotherKindIsNoStore) {
     EXPECT_EQ(show.err, MISSING);
     const command_result load = run_command("OPSTORE_URL=file:/tmp perf-store load /dev/null", "/nonexistent");
     EXPECT_EQ(load.status, 1);
-    EXPECT_EQ(load.err, "perf-store: file:/tmp: a store is named lmdb:FOLDER\n");
+    EXPECT_EQ(load.err, "perf-store: file:/tmp: a store is named lmdb:FOLDER, redis://HOST or redis+unix:///SOCKET\n");
 }
 
 }  // namespace

@@ -84,8 +84,10 @@ TEST_F(Commands, HelpSaysWhatEachCommandAndOptionDoes) {
           "Example: perf-store schema pm_summary_parcel"}},
     };
     const std::vector<std::string> summary = help_lines(run({"--help"}).out);
-    for (const char *line : {"Puts data sets into the store of perf-show's local platform and gets them out.",
-                             "The environment variable OPSTORE_URL names the store as lmdb:FOLDER."}) {
+    for (const char *line :
+         {"Puts data sets into the store of perf-show's local platform and gets them out.",
+          "The environment variable OPSTORE_URL names the store: lmdb:FOLDER, or on a server redis://HOST,",
+          "rediss://HOST or redis+unix:///SOCKET."}) {
         EXPECT_EQ(std::count(summary.begin(), summary.end(), line), 1) << line;
     }
     for (const auto &[command, wanted] : helps) {
@@ -259,7 +261,8 @@ TEST_F(Commands, AStoreOfAnotherSchemeIsRefused) {
         use_url(url);
         const outcome loaded = load(EMPTY);
         EXPECT_EQ(loaded.status, 1) << url;
-        EXPECT_EQ(loaded.error, "perf-store: " + std::string(url) + ": a store is named lmdb:FOLDER\n");
+        EXPECT_EQ(loaded.error, "perf-store: " + std::string(url) +
+                                    ": a store is named lmdb:FOLDER, redis://HOST or redis+unix:///SOCKET\n");
         const std::vector<std::vector<std::string>> readers = {
             {"dump"}, {"ls"}, {"stat"}, {"dump", "--root", "main"}, {"get", "--root", "main", "--node", "0", "a"}};
         for (const std::vector<std::string> &reader : readers) {
@@ -270,7 +273,8 @@ TEST_F(Commands, AStoreOfAnotherSchemeIsRefused) {
                 << reader.front();
         }
         const outcome removed = run({"rm", "--root", "main", "--node", "0", "a"});
-        EXPECT_EQ(removed.error, "perf-store: " + std::string(url) + ": a store is named lmdb:FOLDER\n");
+        EXPECT_EQ(removed.error, "perf-store: " + std::string(url) +
+                                     ": a store is named lmdb:FOLDER, redis://HOST or redis+unix:///SOCKET\n");
     }
 }
 

@@ -17,7 +17,8 @@ using namespace perf_store;
 
 constexpr char DESCRIPTION[] =
     "Puts data sets into the store of perf-show's local platform and gets them out.\n"
-    "The environment variable OPSTORE_URL names the store as lmdb:FOLDER.";
+    "The environment variable OPSTORE_URL names the store: lmdb:FOLDER, or on a server redis://HOST,\n"
+    "rediss://HOST or redis+unix:///SOCKET.";
 
 constexpr std::size_t LONGEST_REASON = 300;  // bytes of what the parser says
 

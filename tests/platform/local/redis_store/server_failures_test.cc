@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/local/redis_store/inspect.h"
 #include "platform/local/redis_store/redis_reader.h"
 #include "platform/local/redis_store/redis_writer.h"
 #include "tests/support/redis_server.h"
@@ -44,10 +45,15 @@ TEST(FailingServer, OfSeveralHostsTheNextIsTried) {
               "127.0.0.1:1: Connection refused; 127.0.0.1:2: Connection refused");
 }
 
-TEST(FailingServer, WithoutAStoreIsNoStoreAndNoErrorOfTheServer) {
+// As an embedded store's: shows print the same.
+TEST(FailingServer, WithoutAStoreIsNoErrorOfTheServerAndNamedToWritersOnly) {
     const redis_server server;
     EXPECT_EQ(reading(server.url()).code(), OPSTORE_NO_CLIENT);
     EXPECT_EQ(reading(server.url()).text(), "");
+    std::unique_ptr<store::writer> refused;
+    const pm_error error =
+        redis_store::open_writer(server.url("&prefix=mine&db=2"), store::missing_store::refuse, &refused);
+    EXPECT_EQ(error.text(), server.socket() + ": there is no store of the prefix mine in database 2");
 }
 
 TEST(FailingServer, ThatWantsAPasswordTakesItFromAFileAndNeverShowsIt) {
@@ -260,6 +266,76 @@ TEST(DamagedServer, WithAStoreOfAnotherFormatIsDamaged) {
     ASSERT_FALSE(load_items(server.url(), 3));
     server.run({"HSET", "ps1:{state}:m", "F", "perf-show 2"});
     EXPECT_EQ(reading(server.url()).code(), OPSTORE_DAMAGED);
+}
+
+TEST(DamagedServer, WithAStoreOfAnotherFormatIsReplaced) {
+    const redis_server server;
+    ASSERT_FALSE(load_items(server.url(), 3, "old"));
+    server.run({"HSET", "ps1:{state}:m", "F", "perf-show 2"});
+    server.run({"HSET", "ps1:{state}:b", "of another form", "x"});
+    server.run({"SET", "ps1:{state}:n", "of another type"});
+    std::unique_ptr<store::writer> writer;
+    ASSERT_FALSE(redis_store::open_writer(server.url(), store::missing_store::replace, &writer));
+    ASSERT_FALSE(put_named(writer.get(), "item/000007", "new", {store::root::receive, 2}));
+    ASSERT_FALSE(writer->commit());
+    EXPECT_EQ(server.run({"EXISTS", ITEMS_KEY}), "0");
+    EXPECT_FALSE(reading(server.url()));
+}
+
+// An inspection notes losses and goes on.
+class noting final : public store::inspector {
+public:
+    void record(store::key_space, std::string_view, std::string_view value) override {
+        values += value.empty() ? 0 : 1;
+    }
+    void loss(const std::string &what) override { losses.push_back(what); }
+    int values = 0;
+    std::vector<std::string> losses;
+};
+
+TEST(Inspection, OfASoundStoreFindsEverythingAndNoLoss) {
+    const redis_server server;
+    ASSERT_FALSE(load_items(server.url(), 450));
+    noting notes;
+    ASSERT_FALSE(redis_store::inspect(server.url(), &notes));
+    EXPECT_EQ(notes.values, 450 + 3);  // and the publisher, and the schemas of both
+    EXPECT_TRUE(notes.losses.empty()) << notes.losses.front();
+}
+
+TEST(Inspection, NoticesItemsThatAreGoneTwiceOrForeign) {
+    const redis_server server;
+    ASSERT_FALSE(load_items(server.url(), 450));
+    server.run({"ZREMRANGEBYRANK", ITEMS_KEY, "100", "102"});
+    server.run({"ZADD", ITEMS_KEY, "0", std::string_view("item/000001\0foreign!!", 21)});
+    server.run({"ZADD", ITEMS_KEY, "0", "no item"});
+    server.run({"DEL", "ps1:{m00000001}:u"});
+    noting notes;
+    ASSERT_FALSE(redis_store::inspect(server.url(), &notes));
+    EXPECT_EQ(notes.losses, (std::vector<std::string>{
+                                "branch m00000001: item/000001 is there twice or out of its order",
+                                "branch m00000001: a member is no item", "branch m00000001: there are 449 of 450",
+                                "the publisher of branch m00000001 is missing"}));
+}
+
+TEST(Inspection, GoesOnAfterAKeyOfAnotherType) {
+    const redis_server server;
+    ASSERT_FALSE(load_items(server.url(), 5));
+    const auto writer = write_store(server.url());
+    ASSERT_FALSE(put_named(writer.get(), "item/000001", "other", {store::root::receive, 1}));
+    ASSERT_FALSE(writer->commit());
+    server.run({"SET", ITEMS_KEY, "text"});
+    noting notes;
+    ASSERT_FALSE(redis_store::inspect(server.url(), &notes));
+    EXPECT_EQ(notes.values, 1 + 2 + 2);  // the other branch's item, two publishers, two schemas
+    ASSERT_EQ(notes.losses.size(), 2U);
+    EXPECT_NE(notes.losses[0].find("WRONGTYPE"), std::string::npos) << notes.losses[0];
+    EXPECT_EQ(notes.losses[1], "branch m00000001: there are 0 of 5");
+}
+
+TEST(Inspection, OfNoStoreIsAnError) {
+    const redis_server server;
+    noting notes;
+    EXPECT_EQ(redis_store::inspect(server.url(), &notes).code(), OPSTORE_NO_CLIENT);
 }
 
 TEST(KilledWriter, LeavesAStageAndALockThatExpireAndTheOldState) {

@@ -13,6 +13,7 @@
 #include "platform/local/codec/parcel_codec.h"
 #include "platform/local/lmdb_store/inspect.h"
 #include "platform/local/lmdb_store/lmdb_reader.h"
+#include "platform/local/redis_store/inspect.h"
 #include "platform/local/redis_store/redis_reader.h"
 #include "platform/local/store/store_url.h"
 
@@ -22,17 +23,17 @@ namespace {
 
 struct back_end {
     std::string_view scheme;
-    // Both take the place that follows the scheme, or of a back end that opens to see what it may read (it has no
+    // All take the place that follows the scheme, or of a back end that opens to see what it may read (it has no
     // check_access) the whole URL.
     pm_error (*open)(const std::string &place, std::unique_ptr<reader> *out);
     access_state (*check_access)(const std::string &place);
-    pm_error (*inspect)(const std::string &place, inspector *to);  // null where damage cannot be searched for
+    pm_error (*inspect)(const std::string &place, inspector *to);
 };
 constexpr back_end BACK_ENDS[] = {
     {"lmdb", lmdb_store::open_reader, lmdb_store::check_access, lmdb_store::inspect},
-    {"redis", redis_store::open_reader, nullptr, nullptr},
-    {"rediss", redis_store::open_reader, nullptr, nullptr},
-    {"redis+unix", redis_store::open_reader, nullptr, nullptr},
+    {"redis", redis_store::open_reader, nullptr, redis_store::inspect},
+    {"rediss", redis_store::open_reader, nullptr, redis_store::inspect},
+    {"redis+unix", redis_store::open_reader, nullptr, redis_store::inspect},
 };
 
 // Null for a URL that no back end takes.
@@ -106,7 +107,8 @@ access_state check_access() {
     if (known->check_access == nullptr) {
         reader *ignored = nullptr;
         const pm_error error = shared_reader(&ignored);
-        return {error.code() != OPSTORE_NO_CLIENT, error.code() == OPSTORE_NO_CLIENT ? error : pm_error()};
+        return {error.code() != OPSTORE_NO_CLIENT,
+                error.text().empty() || error.code() != OPSTORE_NO_CLIENT ? pm_error() : error};
     }
     return known->check_access(std::string(place_of(url)));
 }
@@ -117,10 +119,7 @@ pm_error inspect(inspector *to) {
     if (known == nullptr) {
         return pm_error(OPSTORE_NO_CLIENT);
     }
-    if (known->inspect == nullptr) {
-        return pm_error(ERRCODE_INVALID_ARGUMENT, std::string(url) + ": stores of this kind are not inspected");
-    }
-    return known->inspect(std::string(place_of(url)), to);
+    return known->inspect(std::string(known->check_access == nullptr ? url : place_of(url)), to);
 }
 
 }  // namespace store

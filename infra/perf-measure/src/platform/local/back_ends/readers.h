@@ -25,7 +25,7 @@ namespace store {
 [[nodiscard]] access_state check_access();
 
 // Reads the whole store at configured_url(), as far as it can be read. Needs no shared reader: a store that is too
-// damaged to be opened can be inspected. An error when nothing could be read, or the back end cannot do it.
+// damaged to be opened can be inspected. An error when nothing could be read.
 [[nodiscard]] pm_error inspect(inspector *to);
 
 }  // namespace store

@@ -33,7 +33,8 @@ pm_error open_writer(const char *url, missing_store missing, std::unique_ptr<wri
     const auto *known = std::find_if(std::begin(BACK_ENDS), std::end(BACK_ENDS),
                                      [&](const back_end &each) { return each.scheme == scheme_of(url); });
     if (known == std::end(BACK_ENDS)) {
-        return pm_error(OPSTORE_NO_CLIENT, std::string(url) + ": a store is named lmdb:FOLDER");
+        return pm_error(OPSTORE_NO_CLIENT,
+                        std::string(url) + ": a store is named lmdb:FOLDER, redis://HOST or redis+unix:///SOCKET");
     }
     return known->open(std::string(known->whole_url ? url : place_of(url)), missing, out);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Connecting, sending and receiving on a non-blocking socket.
+// Connecting on a socket that does not block; sending and receiving on one that does, or TLS over one that does not.
 #include "platform/local/redis_store/connection.h"
 
 #include <algorithm>
@@ -22,6 +22,7 @@
 namespace redis_store {
 namespace {
 
+constexpr std::string_view LOCALHOST = "localhost";
 constexpr char TIMED_OUT[] = "no answer in time";
 constexpr std::chrono::milliseconds QUEUE_PAUSE(5);
 
@@ -50,13 +51,23 @@ pm_error connection::open(const redis_url &url, const server_address &server) {
     timeout_ = url.timeout;
     const clock::time_point deadline = clock::now() + timeout_;
     pm_error failed = server.is_local() ? open_local(deadline) : open_network(deadline);
-    if (!failed && url.tls) {
-        failed = shake_hands(url, deadline);
+    if (!failed) {
+        failed = url.tls ? shake_hands(url, deadline) : begin_blocking();
     }
     if (failed) {
         close();
     }
     return failed;
+}
+
+// The system does the waiting from now on: one call for each answer, where a socket that never blocks takes three.
+pm_error connection::begin_blocking() {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(timeout_);
+    const timeval limit{.tv_sec = seconds.count(), .tv_usec = std::chrono::microseconds(timeout_ - seconds).count()};
+    const bool done = ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0 &&
+                      ::setsockopt(socket_, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit) == 0 &&
+                      ::fcntl(socket_, F_SETFL, O_RDWR) == 0;
+    return done ? pm_error() : error(text_of(errno));
 }
 
 pm_error connection::open_local(clock::time_point deadline) {
@@ -70,11 +81,22 @@ pm_error connection::open_local(clock::time_point deadline) {
 }
 
 pm_error connection::open_network(clock::time_point deadline) {
+    if (server_.host != LOCALHOST) {
+        return open_host(server_.host.c_str(), deadline);
+    }
+    // By definition (RFC 6761): nothing of the system has to know it.
+    pm_error failed = open_host("::1", deadline);
+    return failed ? open_host("127.0.0.1", deadline) : failed;
+}
+
+// Each address of a host in turn. Numeric ones need nothing of the system; for names a statically linked program uses
+// the system's files and name servers.
+pm_error connection::open_host(const char *host, clock::time_point deadline) {
     addrinfo hints{};
     hints.ai_socktype = SOCK_STREAM;
     hints.ai_flags = AI_NUMERICSERV;
     addrinfo *found = nullptr;
-    if (const int code = ::getaddrinfo(server_.host.c_str(), server_.port.c_str(), &hints, &found); code != 0) {
+    if (const int code = ::getaddrinfo(host, server_.port.c_str(), &hints, &found); code != 0) {
         return error(code == EAI_SYSTEM ? text_of(errno) : ::gai_strerror(code));
     }
     const address_list addresses(found);
@@ -165,6 +187,14 @@ pm_error connection::wait_for_tls(int result, clock::time_point deadline, const 
     }
 }
 
+// Why a call failed that may be repeated: success for that.
+pm_error connection::blocking_failure(int number) const {
+    if (number == EINTR) {
+        return {};
+    }
+    return error(number == EAGAIN ? TIMED_OUT : text_of(number));
+}
+
 pm_error connection::send(std::string_view bytes) {
     while (!bytes.empty()) {
         const clock::time_point deadline = clock::now() + timeout_;
@@ -174,15 +204,8 @@ pm_error connection::send(std::string_view bytes) {
             bytes.remove_prefix(static_cast<std::size_t>(sent));
             continue;
         }
-        pm_error failed;
-        if (tls_ != nullptr) {
-            failed = wait_for_tls(static_cast<int>(sent), deadline, "TLS");
-        } else if (errno == EAGAIN || errno == EINTR) {
-            failed = wait(POLLOUT, deadline);
-        } else {
-            failed = error(text_of(errno));
-        }
-        if (failed) {
+        if (pm_error failed =
+                tls_ != nullptr ? wait_for_tls(static_cast<int>(sent), deadline, "TLS") : blocking_failure(errno)) {
             return failed;
         }
     }
@@ -200,12 +223,8 @@ pm_error connection::receive(char *buffer, std::size_t size, std::size_t *length
         pm_error failed;
         if (tls_ != nullptr) {
             failed = wait_for_tls(static_cast<int>(received), deadline, "TLS");
-        } else if (received == 0) {
-            failed = error("the server closed the connection");
-        } else if (errno == EAGAIN || errno == EINTR) {
-            failed = wait(POLLIN, deadline);
         } else {
-            failed = error(text_of(errno));
+            failed = received == 0 ? error("the server closed the connection") : blocking_failure(errno);
         }
         if (failed) {
             return failed;

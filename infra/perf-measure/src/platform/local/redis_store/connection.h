@@ -11,13 +11,14 @@
 #include <string_view>
 
 #include "base/pm_error.h"
+#include "platform/local/redis_store/byte_source.h"
 #include "platform/local/redis_store/redis_url.h"
 
 namespace redis_store {
 
 class tls_session;
 
-class connection {
+class connection final : public byte_source {
 public:
     connection();
     ~connection();
@@ -33,17 +34,19 @@ public:
     // Sends all bytes. The timeout begins again whenever some went out.
     [[nodiscard]] pm_error send(std::string_view bytes);
 
-    // Waits for bytes, at most the timeout, and reads some: `*length` is at least 1. The end of the stream is an
-    // error.
-    [[nodiscard]] pm_error receive(char *buffer, std::size_t size, std::size_t *length);
+    // Waits at most the timeout.
+    [[nodiscard]] pm_error receive(char *buffer, std::size_t size, std::size_t *length) override;
 
 private:
     using clock = std::chrono::steady_clock;
 
     [[nodiscard]] pm_error open_local(clock::time_point deadline);
     [[nodiscard]] pm_error open_network(clock::time_point deadline);
+    [[nodiscard]] pm_error open_host(const char *host, clock::time_point deadline);
     [[nodiscard]] pm_error connect_to(int family, const void *address, unsigned length, clock::time_point deadline);
     [[nodiscard]] pm_error wait_for_connection(clock::time_point deadline);
+    [[nodiscard]] pm_error begin_blocking();
+    [[nodiscard]] pm_error blocking_failure(int number) const;
     [[nodiscard]] pm_error shake_hands(const redis_url &url, clock::time_point deadline);
     // Waits until the socket can do what `events` (of poll) says.
     [[nodiscard]] pm_error wait(short events, clock::time_point deadline);

@@ -121,6 +121,46 @@ pm_error directory::settle() {
     return {};
 }
 
+std::string directory::missing() const {
+    return client_.describe("there is no store of the prefix " + client_.url().prefix + " in database " +
+                            std::to_string(client_.url().database));
+}
+
+bool directory::is_current() {
+    pipeline question;
+    question.add({"HGET", names_.of(state_part::marks), "V"});
+    plain_answer version(1);
+    answer *const all[] = {&version};
+    return !client_.exchange(question, all, repetition::allowed) && version.number() == version_;
+}
+
+pm_error directory::find_branches() {
+    const std::string begin = client_.url().prefix + ":{";
+    std::string cursor = "0";
+    branches_.clear();
+    do {
+        pipeline question;
+        question.add({"SCAN", cursor, "MATCH", begin + "*", "COUNT", "1000"});
+        plain_answer found;
+        answer *const all[] = {&found};
+        if (pm_error error = client_.exchange(question, all, repetition::allowed)) {
+            return error;
+        }
+        if (found.elements().empty()) {
+            return damaged("an answer that the command cannot have");
+        }
+        cursor = found.elements()[0].text;
+        for (const plain_answer::element &each : found.elements()) {
+            known_branch next;
+            const std::string name = each.text.substr(std::min(begin.size(), each.text.size()));
+            if (parse_branch_name(name.substr(0, name.find('}')), &next.named)) {
+                branches_.push_back(next);
+            }
+        }
+    } while (cursor != "0");
+    return {};
+}
+
 // Until no writer was at work between the reading of the marks and that of the last branch.
 pm_error directory::count(store::census *out) {
     for (int tries = 0; tries < MAX_TRIES; ++tries) {
@@ -130,14 +170,7 @@ pm_error directory::count(store::census *out) {
         if (pm_error error = settle()) {
             return error;
         }
-        pipeline question;
-        question.add({"HGET", names_.of(state_part::marks), "V"});
-        plain_answer version(1);
-        answer *const all[] = {&version};
-        if (pm_error error = client_.exchange(question, all, repetition::allowed)) {
-            return error;
-        }
-        if (version.number() == version_) {
+        if (is_current()) {
             out->state = version_;
             out->records = noted_nodes_ + noted_interfaces_ + branches_.size() + (platform_ ? 1 : 0);
             for (const known_branch &each : branches_) {

@@ -29,10 +29,19 @@ public:
     [[nodiscard]] bool is_store() const { return is_store_; }
     [[nodiscard]] const std::optional<std::string> &platform() const { return platform_; }  // sealed
     [[nodiscard]] const std::vector<std::string> &nodes() const { return nodes_; }          // sealed
-    [[nodiscard]] std::uint64_t version() const { return version_; }  // changes with every change of the store
+    [[nodiscard]] std::uint64_t version() const { return version_; }          // changes with every change of the store
+    [[nodiscard]] std::uint64_t noted_nodes() const { return noted_nodes_; }  // how many there are, by the marks
+    [[nodiscard]] std::uint64_t noted_interfaces() const { return noted_interfaces_; }
     // By root in the order of ROOTS, and node.
     [[nodiscard]] const std::vector<known_branch> &branches() const { return branches_; }
 
+    // That there is no store, for a person.
+    [[nodiscard]] std::string missing() const;
+    // Whether no writer has changed the store since read().
+    [[nodiscard]] bool is_current();
+    // Finds the branches by their keys, for a store whose directory cannot be read. In a cluster only those of the
+    // server that was asked last.
+    [[nodiscard]] pm_error find_branches();
     // Counts the items of branches that are unsettled.
     [[nodiscard]] pm_error settle();
     // The handles of all interfaces, ascending.

@@ -75,17 +75,22 @@ pm_error redis_writer::begin(store::missing_store missing) {
     if (pm_error error = lock_.take()) {
         return error;
     }
-    if (pm_error error = directory_.read()) {
-        return error;
+    const bool replaces = missing == store::missing_store::replace;
+    pm_error unread = directory_.read();
+    if (replaces && unread.code() == OPSTORE_DAMAGED) {  // or of another format: all of it goes
+        unread = directory_.find_branches();
+    }
+    if (unread) {
+        return unread;
     }
     if (!directory_.is_store() && missing == store::missing_store::refuse) {
-        return pm_error(OPSTORE_NO_CLIENT);
+        return {OPSTORE_NO_CLIENT, directory_.missing()};
     }
     for (const known_branch &each : directory_.branches()) {
         served_.insert(each.named);
         items_.add_known(each.named);
     }
-    return missing == store::missing_store::replace ? clear() : router_.read_inventory(directory_, client_);
+    return replaces ? clear() : router_.read_inventory(directory_, client_);
 }
 
 pm_error redis_writer::encode(const std::string &key, const void *record, const parcel_descriptor *descriptor,

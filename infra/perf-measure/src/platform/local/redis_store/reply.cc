@@ -58,7 +58,7 @@ void reply_stream::make_room(reply_sink *sink, std::size_t wanted) {
     received_ = std::move(larger);
 }
 
-pm_error reply_stream::receive_more(connection *from, reply_sink *sink, std::size_t wanted) {
+pm_error reply_stream::receive_more(byte_source *from, reply_sink *sink, std::size_t wanted) {
     make_room(sink, std::max(wanted, LEAST_ROOM));
     std::size_t length = 0;
     pm_error error = from->receive(received_.bytes.get() + end_, received_.capacity - end_, &length);
@@ -67,7 +67,7 @@ pm_error reply_stream::receive_more(connection *from, reply_sink *sink, std::siz
 }
 
 // The next line, without its end.
-pm_error reply_stream::read_line(connection *from, reply_sink *sink, std::string_view *line) {
+pm_error reply_stream::read_line(byte_source *from, reply_sink *sink, std::string_view *line) {
     for (std::size_t searched = 0;;) {
         const std::string_view unread(received_.bytes.get() + next_, end_ - next_);
         const std::size_t end = unread.find('\n', searched);
@@ -86,7 +86,7 @@ pm_error reply_stream::read_line(connection *from, reply_sink *sink, std::string
     }
 }
 
-pm_error reply_stream::read_text(connection *from, reply_sink *sink, std::size_t length) {
+pm_error reply_stream::read_text(byte_source *from, reply_sink *sink, std::size_t length) {
     const std::size_t whole = length + LINE_END.size();
     while (end_ - next_ < whole) {
         if (pm_error error = receive_more(from, sink, whole - (end_ - next_))) {
@@ -103,7 +103,7 @@ pm_error reply_stream::read_text(connection *from, reply_sink *sink, std::size_t
 }
 
 // An element, or the beginning of an array of `*elements`.
-pm_error reply_stream::read_element(connection *from, reply_sink *sink, std::size_t *elements) {
+pm_error reply_stream::read_element(byte_source *from, reply_sink *sink, std::size_t *elements) {
     std::string_view line;
     if (pm_error error = read_line(from, sink, &line)) {
         return error;
@@ -146,7 +146,7 @@ void reply_stream::hand_over(reply_sink *sink) {
     }
 }
 
-pm_error reply_stream::next(connection *from, reply_sink *sink) {
+pm_error reply_stream::next(byte_source *from, reply_sink *sink) {
     std::array<std::size_t, MAX_REPLY_DEPTH> missing{};  // elements of the arrays that are read
     std::size_t depth = 0;
     do {

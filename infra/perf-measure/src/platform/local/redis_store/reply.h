@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "base/pm_error.h"
-#include "platform/local/redis_store/connection.h"
+#include "platform/local/redis_store/byte_source.h"
 #include "platform/local/store/batch.h"
 
 namespace redis_store {
@@ -49,18 +49,18 @@ protected:
 
 class reply_stream {
 public:
-    // Reads one whole reply. Its error is the connection's, or OPSTORE_DAMAGED for bytes that are no reply, exceed a
-    // bound or are refused by the sink; the connection is then useless.
-    [[nodiscard]] pm_error next(connection *from, reply_sink *sink);
+    // Reads one whole reply. Its error is the source's, or OPSTORE_DAMAGED for bytes that are no reply, exceed a
+    // bound or are refused by the sink; the source is then useless.
+    [[nodiscard]] pm_error next(byte_source *from, reply_sink *sink);
 
-    // Forgets what was read ahead; for a new connection.
+    // Forgets what was read ahead; for a new source.
     void reset();
 
 private:
-    [[nodiscard]] pm_error read_element(connection *from, reply_sink *sink, std::size_t *elements);
-    [[nodiscard]] pm_error read_line(connection *from, reply_sink *sink, std::string_view *line);
-    [[nodiscard]] pm_error read_text(connection *from, reply_sink *sink, std::size_t length);
-    [[nodiscard]] pm_error receive_more(connection *from, reply_sink *sink, std::size_t wanted);
+    [[nodiscard]] pm_error read_element(byte_source *from, reply_sink *sink, std::size_t *elements);
+    [[nodiscard]] pm_error read_line(byte_source *from, reply_sink *sink, std::string_view *line);
+    [[nodiscard]] pm_error read_text(byte_source *from, reply_sink *sink, std::size_t length);
+    [[nodiscard]] pm_error receive_more(byte_source *from, reply_sink *sink, std::size_t wanted);
     void make_room(reply_sink *sink, std::size_t wanted);
     void hand_over(reply_sink *sink);
 

@@ -9,6 +9,11 @@ namespace {
 constexpr std::size_t MEMBERS_AT_ONCE = 64;
 constexpr std::size_t PIPELINE_BYTES = 512 * 1024;
 
+constexpr char ADD_WITH_EXPIRY[] =
+    "local added = redis.call('ZADD', KEYS[1], unpack(ARGV, 2)) "
+    "redis.call('PEXPIRE', KEYS[1], ARGV[1]) "
+    "return added";
+
 }  // namespace
 
 pm_error stage_pipeline::add(std::span<const std::string_view> words, int sign) {
@@ -34,6 +39,14 @@ pm_error stage_pipeline::send() {
     return {};
 }
 
-bool member_list::full() const { return words_.size() == 2 + 2 * MEMBERS_AT_ONCE; }
+member_list::member_list(std::string_view key, std::string_view expiry_msec)
+    : key_(key), words_({"EVAL", ADD_WITH_EXPIRY, "1", key, expiry_msec}), head_(words_.size()) {}
+
+bool member_list::full() const { return words_.size() == head_ + 2 * MEMBERS_AT_ONCE; }
+
+void member_list::clear() {
+    words_ = {"ZADD", key_};
+    head_ = words_.size();
+}
 
 }  // namespace redis_store

@@ -32,18 +32,22 @@ private:
     std::uint64_t sum_ = 0;
 };
 
-// Members that become one ZADD.
+// Members that become one ZADD. The first one gives the set its expiry in the same step: a writer that is killed after
+// half of a pipeline leaves no set without.
 class member_list {
 public:
-    explicit member_list(std::string_view key) { words_ = {"ZADD", key}; }
+    member_list(std::string_view key, std::string_view expiry_msec);
     void add(std::string_view member) { words_.insert(words_.end(), {"0", member}); }
-    [[nodiscard]] bool empty() const { return words_.size() == 2; }
+    [[nodiscard]] bool empty() const { return words_.size() == head_; }
     [[nodiscard]] bool full() const;
     [[nodiscard]] const std::vector<std::string_view> &words() const { return words_; }
-    void clear() { words_.resize(2); }
+    // Begins the next one.
+    void clear();
 
 private:
+    std::string_view key_;
     std::vector<std::string_view> words_;
+    std::size_t head_;  // words before the members
 };
 
 }  // namespace redis_store

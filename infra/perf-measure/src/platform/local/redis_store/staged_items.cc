@@ -17,6 +17,10 @@ constexpr std::size_t MAX_PENDING_ITEMS = 2000;  // a MULTI of more makes every 
 constexpr std::size_t MAX_PENDING_BYTES = 8 * 1024 * 1024;
 constexpr char STAGE_EXPIRY_MSEC[] = "60000";  // longer than the lock's
 
+constexpr char COPY_WITH_EXPIRY[] =
+    "redis.call('COPY', KEYS[1], KEYS[2]) "
+    "return redis.call('PEXPIRE', KEYS[2], ARGV[1])";
+
 }  // namespace
 
 staged_items::~staged_items() {
@@ -141,10 +145,8 @@ pm_error staged_items::begin_stage(entry *of) {
     const std::string stage = names_.stage(of->first, lock_.token());
     stage_pipeline commands(&client_);
     if (of->second.is_known) {
-        if (pm_error error = commands.add({"COPY", names_.of(of->first, branch_part::items), stage}, 0)) {
-            return error;
-        }
-        if (pm_error error = commands.add({"PEXPIRE", stage, STAGE_EXPIRY_MSEC}, 0)) {
+        const std::string key = names_.of(of->first, branch_part::items);
+        if (pm_error error = commands.add({"EVAL", COPY_WITH_EXPIRY, "2", key, stage, STAGE_EXPIRY_MSEC}, 0)) {
             return error;
         }
         if (pm_error error = commands.add({"ZCARD", stage}, 1)) {
@@ -168,7 +170,7 @@ pm_error staged_items::stage_changes(entry *of) {
     const std::string stage = names_.stage(of->first, lock_.token());
     state &now = of->second;
     stage_pipeline commands(&client_);
-    member_list members(stage);
+    member_list members(stage, STAGE_EXPIRY_MSEC);
     for (const std::string &prefix : now.changes.removed()) {
         const member_range range = range_of_prefix(prefix, "");
         if (pm_error error = commands.add({"ZREMRANGEBYLEX", stage, range.first, range.last}, -1)) {
