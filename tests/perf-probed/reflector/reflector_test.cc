@@ -3,8 +3,10 @@
 // allocated meanwhile.
 #include "perf-probed/reflector/reflector.h"
 
+#include <chrono>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <thread>
 
 #include "tests/perf-probed/support/allocation_counter.h"
 
@@ -78,9 +80,18 @@ TEST_P(reflector_test, answers_with_ttl_255_and_reports_the_ttl_and_dscp_of_the_
     EXPECT_LT(now - received, 5 * NSEC_PER_SEC);
 }
 
+// It begins to a moment after the first socket of the machine asks for it.
 TEST_P(reflector_test, the_kernel_stamps_what_arrives) {
+    constexpr int MOST_TRIES = 500;
+    const auto unstamped = [&] { return responder.totals().without_kernel_stamp; };
+    for (int tries = 0; tries < MOST_TRIES && unstamped() == responder.totals().received; ++tries) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(tries == 0 ? 0 : 10));
+        ask(request());
+    }
+    const auto before = unstamped();
+    ASSERT_LT(before, responder.totals().received);
     ask(request());
-    EXPECT_EQ(responder.totals().without_kernel_stamp, 0U);
+    EXPECT_EQ(unstamped(), before);
     EXPECT_TRUE(serving_.kernel_stamps());
 }
 
