@@ -11,7 +11,8 @@
 
 // The C library has looked already when the program started. The compiler's own look costs a program that is started
 // for one page of text a tenth of its time on a virtual machine, which leaves the guest for each CPUID instruction.
-#if __has_include(<sys/platform/x86.h>)
+// Clang does not take the library's header as C++.
+#if __has_include(<sys/platform/x86.h>) && !defined(__clang__)
 #include <sys/platform/x86.h>
 
 static bool has_avx2() { return CPU_FEATURE_ACTIVE(AVX2); }
