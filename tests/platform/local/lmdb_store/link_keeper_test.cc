@@ -8,27 +8,19 @@
 
 #include "platform/local/lmdb_store/link_keeper.h"
 #include "platform/local/lmdb_store/table_state.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/platform/local/lmdb_store/own_table.h"
 
 namespace {
 
 using namespace lmdb_store;
 
 // A table within one transaction, and beside it what should be in it.
-class LinkKeeper : public testing::Test {
+class LinkKeeper : public own_table {
 protected:
     void SetUp() override {
-        ASSERT_EQ(mdb_env_create(&env_), 0);
-        ASSERT_EQ(mdb_env_set_mapsize(env_, 64UL << 20), 0);
-        ASSERT_EQ(mdb_env_open(env_, folder_.path().c_str(), MDB_NOLOCK | MDB_NOSYNC, 0600), 0);
-        ASSERT_EQ(mdb_txn_begin(env_, nullptr, 0, &txn_), 0);
-        ASSERT_EQ(mdb_dbi_open(txn_, nullptr, 0, &table_), 0);
+        ASSERT_NO_FATAL_FAILURE(own_table::SetUp());
         links_.attach(txn_, table_, &reserve_);
         ASSERT_EQ(links_.begin_table(FORMAT), 0);
-    }
-    void TearDown() override {
-        mdb_txn_abort(txn_);
-        mdb_env_close(env_);
     }
 
     void put(const std::string &key, const std::string &value) {
@@ -76,10 +68,6 @@ protected:
         ASSERT_EQ(mdb_del(txn_, table_, &lost, nullptr), 0);
     }
 
-    temporary_folder folder_;
-    MDB_env *env_ = nullptr;
-    MDB_txn *txn_ = nullptr;
-    MDB_dbi table_ = 0;
     page_reserve reserve_;
     link_keeper links_;
     std::map<std::string, std::string> wanted_;

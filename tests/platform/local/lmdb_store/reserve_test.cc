@@ -15,6 +15,7 @@
 #include "platform/local/lmdb_store/reserve.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
+#include "tests/platform/local/lmdb_store/own_table.h"
 #include "tests/support/child_process.h"
 #include "tests/support/temporary_folder.h"
 
@@ -148,22 +149,17 @@ TEST_F(Reserve, AFileSystemThatCannotReserveIsWrittenWithout) {
 }
 
 // Asks for blocks of a table of its own.
-class PageReserve : public testing::Test {
+class PageReserve : public own_table {
 protected:
     void SetUp() override {
-        ASSERT_EQ(mdb_env_create(&env_), 0);
-        ASSERT_EQ(mdb_env_set_mapsize(env_, 64UL << 20), 0);
-        ASSERT_EQ(mdb_env_open(env_, folder_.path().c_str(), MDB_NOLOCK | MDB_NOSYNC, 0600), 0);
-        ASSERT_EQ(mdb_txn_begin(env_, nullptr, 0, &txn_), 0);
-        ASSERT_EQ(mdb_dbi_open(txn_, nullptr, 0, &table_), 0);
+        ASSERT_NO_FATAL_FAILURE(own_table::SetUp());
         file_ = ::open((folder_.path() + "/file").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
         ASSERT_GE(file_, 0);
         disk = {};
     }
     void TearDown() override {
         ::close(file_);
-        mdb_txn_abort(txn_);
-        mdb_env_close(env_);
+        own_table::TearDown();
         disk = {};
     }
     // Bytes that have been reserved from the beginning of the file.
@@ -173,10 +169,6 @@ protected:
         return status.st_size;
     }
 
-    const temporary_folder folder_;
-    MDB_env *env_ = nullptr;
-    MDB_txn *txn_ = nullptr;
-    MDB_dbi table_ = 0;
     int file_ = -1;
     page_reserve reserve_;
 };
