@@ -56,8 +56,6 @@ TEST(CountOrAllStr, ZeroIsAll) {
     EXPECT_STREQ(pm_count_or_all_str(4294967295U), "4294967295");
 }
 
-constexpr std::uint32_t SEVENTEEN[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17};
-
 TEST(TruncateName, LongNameEndsWithTwoDots) {
     EXPECT_STREQ(pm_truncate_name("abcdef", 4), "abcd..");
     EXPECT_STREQ(pm_truncate_name("abcde", 4), "abcd..");

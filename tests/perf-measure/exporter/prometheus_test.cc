@@ -59,9 +59,9 @@ public:
     // The value of the one series that an expression has now, as text; "" when there is none or several.
     [[nodiscard]] std::string value_of(const std::string &expression) const {
         std::string encoded;
-        for (const unsigned char letter : expression) {
+        for (const char letter : expression) {
             char code[8];
-            std::snprintf(code, sizeof code, "%%%02X", letter);
+            std::snprintf(code, sizeof code, "%%%02X", static_cast<unsigned char>(letter));
             encoded += code;
         }
         const std::string response = ask(port_, request_text("GET /api/v1/query?query=" + encoded));

@@ -179,8 +179,8 @@ std::vector<candidate> stored_names(const name_source *items, std::string_view b
     }
     // Several branches may have the same names, and a state that a writer overtook is read twice.
     std::ranges::stable_sort(names, {}, &candidate::word);
-    const auto same = std::ranges::unique(names, {}, &candidate::word);
-    names.erase(same.begin(), same.end());
+    const auto same_word = [](const candidate &one, const candidate &next) { return one.word == next.word; };
+    names.erase(std::unique(names.begin(), names.end(), same_word), names.end());
     return names;
 }
 

@@ -134,7 +134,7 @@ void cut(const pm_profile_parcel &profiles, record_cuts *cuts) {
     const bool delay = !o.loss_kind && o.delay_kind;
     const bool liveness = !o.loss_kind && !delay && o.liveness_kind;
     const bool probe = !o.loss_kind && !delay && !liveness && o.probe_kind;
-    const auto is_for = [&o](pm_transport_type_e transport) {
+    const auto is_for = [](pm_transport_type_e transport) {
         return !o.profile_type_set || o.profile_type == static_cast<std::uint32_t>(transport);
     };
     keep_if(any && !o.profile_type_set, profiles.LossProfile, cuts);

@@ -17,7 +17,7 @@ constexpr std::size_t SHORTEST_PART = 3;      // of a word that is taken for a p
 constexpr std::size_t LONGEST_QUOTE = 60;
 
 bool contains(std::string_view word, std::string_view part) {
-    return !std::ranges::search(word, part, pm_same_letter).empty();
+    return std::search(word.begin(), word.end(), part.begin(), part.end(), pm_same_letter) != word.end();
 }
 
 bool is_synonym(std::string_view typed, std::string_view word) {

@@ -170,6 +170,6 @@ static_assert(std::ranges::is_sorted(COMMANDS, {}, &pm_show_command::type));
 std::span<const pm_show_command> pm_show_commands() { return COMMANDS; }
 
 std::span<const pm_show_command> pm_show_commands_of(std::uint32_t type) {
-    const auto rows = std::ranges::equal_range(COMMANDS, type, {}, &pm_show_command::type);
-    return {rows.begin(), rows.end()};
+    return {std::ranges::lower_bound(COMMANDS, type, {}, &pm_show_command::type),
+            std::ranges::upper_bound(COMMANDS, type, {}, &pm_show_command::type)};
 }

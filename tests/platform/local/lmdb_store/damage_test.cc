@@ -98,7 +98,7 @@ protected:
                 return code;
             }
         }
-        return -1;
+        return static_cast<errcode>(-1);
     }
 
     const temporary_folder folder_;

@@ -180,7 +180,7 @@ void note_head(int file) {
 bool has_note(const std::string &folder) {
     const int file = ::open(file_in(folder, DATA_FILE).c_str(), O_RDONLY | O_CLOEXEC);
     bool found = false;
-    for (const std::uint64_t page_at : {0L, ::sysconf(_SC_PAGESIZE)}) {
+    for (const std::uint64_t page_at : {std::uint64_t{0}, static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE))}) {
         head_note note{};
         found = found || (file >= 0 && read_note(file, page_at, &note) && note.magic == NOTE_MAGIC);
     }

@@ -16,8 +16,6 @@ namespace {
 
 using store::key_space;
 
-constexpr std::size_t FIELDS_AT_ONCE = 1000;
-
 class inspection {
 public:
     inspection(redis_url url, store::inspector *to)
