@@ -23,19 +23,25 @@ void fill_checks(const advertisement_settings &from, pm_delay_advertisement_thre
     *to = {from.check_average, from.check_minimum, from.check_maximum};
 }
 
-void fill_advertisement(const delay_profile &from, pm_delay_transport_profile_parcel *to) {
-    const advertisement_settings &settings = from.advertisement;
-    const std::uint32_t effective = from.effective_periodic_interval_sec();
+// When values are advertised, which profiles of delay and of loss have alike.
+template <class Profile>
+void fill_changes(const advertisement_settings &settings, Profile *to) {
     to->PeriodicAdvertisementEnabled = settings.periodic_enabled;
     to->PeriodicAdvertisementInterval = settings.periodic_interval_sec;
-    to->PeriodicAdvertisementIntervalEffective = effective;
-    to->PeriodicAdvertisementIntervalEffectiveEndpoint = effective;
-    to->PeriodicAdvertisementIntervalEffectiveInterface = effective;
     to->PeriodicAdvertisementThreshold = settings.periodic_threshold_percent;
     to->PeriodicAdvertisementMinimumChange = settings.periodic_minimum_change_usec;
     to->AcceleratedAdvertisementEnabled = settings.accelerated_enabled;
     to->AcceleratedAdvertisementThreshold = settings.accelerated_threshold_percent;
     to->AcceleratedAdvertisementMinimumChange = settings.accelerated_minimum_change_usec;
+}
+
+void fill_advertisement(const delay_profile &from, pm_delay_transport_profile_parcel *to) {
+    const advertisement_settings &settings = from.advertisement;
+    const std::uint32_t effective = from.effective_periodic_interval_sec();
+    fill_changes(settings, to);
+    to->PeriodicAdvertisementIntervalEffective = effective;
+    to->PeriodicAdvertisementIntervalEffectiveEndpoint = effective;
+    to->PeriodicAdvertisementIntervalEffectiveInterface = effective;
     to->AcceleratedAdvertisementUpperBound = settings.accelerated_upper_bound_usec;
     to->AdvertisementLoggingDelayExceededEnabled = settings.log_exceeded;
     to->AdvertisementThresholdCheckAverageDelay = settings.check_average;
@@ -80,17 +86,10 @@ void fill(const delay_profile &from, const node_view &of, record_arena *arena, p
 }
 
 void fill(const loss_profile &from, pm_loss_transport_profile_parcel *to) {
-    const advertisement_settings &settings = from.advertisement;
     to->ProbeInterval = from.computation_interval_sec;
     to->EncapMode = PM_ENCAP_UDP;
-    to->PeriodicAdvertisementEnabled = settings.periodic_enabled;
-    to->PeriodicAdvertisementInterval = settings.periodic_interval_sec;
+    fill_changes(from.advertisement, to);
     to->EffectivePeriodicAdvertisementInterval = from.effective_periodic_interval_sec();
-    to->PeriodicAdvertisementThreshold = settings.periodic_threshold_percent;
-    to->PeriodicAdvertisementMinimumChange = settings.periodic_minimum_change_usec;
-    to->AcceleratedAdvertisementEnabled = settings.accelerated_enabled;
-    to->AcceleratedAdvertisementThreshold = settings.accelerated_threshold_percent;
-    to->AcceleratedAdvertisementMinimumChange = settings.accelerated_minimum_change_usec;
 }
 
 void fill(const liveness_profile &from, const node_view &of, record_arena *arena,
