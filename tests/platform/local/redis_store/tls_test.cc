@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/local/redis_store/redis_reader.h"
+#include "tests/support/command.h"
 #include "tests/support/redis_server.h"
 
 namespace {
@@ -36,6 +37,21 @@ TEST(Tls, TakesTheRightCertificateOnly) {
     EXPECT_EQ(
         redis_store::open_reader("rediss://localhost:" + port + "?timeout=2000&ca=" + right + ".pem", &refused).text(),
         "localhost:" + port + ": TLS handshake: hostname mismatch");
+}
+
+TEST(Tls, AShowReadsThroughIt) {
+    const temporary_folder folder;
+    const std::string own = make_certificate(folder, "own", "IP:127.0.0.1");
+    const std::string port = std::to_string(redis_server::free_port());
+    const redis_server server({"bind", "127.0.0.1", "tls-port", port, "tls-cert-file", own + ".pem", "tls-key-file",
+                               own + ".key", "tls-ca-cert-file", own + ".pem", "tls-auth-clients", "no"});
+    const std::string url = "rediss://127.0.0.1:" + port + "?timeout=2000&ca=" + own + ".pem";
+    const command_result shown =
+        run_command("cd '" + folder.path() + "'; export OPSTORE_URL='" + server.url() +
+                        "'; perf-store load \"$EXAMPLE\" && perf-show -c 9 >plain; export OPSTORE_URL='" + url +
+                        "'; perf-show -c 9 >sealed && cmp plain sealed && grep -q 'Total SR Policies.*: 4' sealed",
+                    folder.path());
+    EXPECT_EQ(shown.status, 0) << shown.out << shown.err;
 }
 
 TEST(Tls, ShowsTheClientsCertificateToAServerThatWantsOne) {
