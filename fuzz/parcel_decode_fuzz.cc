@@ -50,7 +50,7 @@ void decode_parcel(const std::uint8_t *data, std::size_t size, const parcel_desc
 
 // A record that decodes encodes again, and what is encoded decodes to the same bytes.
 void decode_fields(const std::uint8_t *data, std::size_t size, const parcel_descriptor *descriptor) {
-    parcel_plan::record_plan plan;
+    parcel_plan::made_plan plan;
     require(parcel_plan::compile(descriptor, descriptor->schema, &plan) == ERRCODE_SUCCESS);
     structure record = make_structure(descriptor, 0);
     auto *bytes = reinterpret_cast<std::uint8_t *>(record.data());
@@ -71,7 +71,7 @@ void decode_fields(const std::uint8_t *data, std::size_t size, const parcel_desc
 // Decodes fields that were written with any schema.
 void decode_with(std::string_view schema, const std::uint8_t *fields, const std::uint8_t *end,
                  const parcel_descriptor *descriptor) {
-    parcel_plan::record_plan plan;
+    parcel_plan::made_plan plan;
     if (parcel_plan::compile(descriptor, schema, &plan) != ERRCODE_SUCCESS) {
         return;
     }

@@ -35,8 +35,12 @@ pm_error write_files(const record_catalogue &catalogue, const compiled_types &al
                                     [&](std::ostream &out) { write_descriptor_header(out, catalogue, prefix); })) {
         return error;
     }
-    return write_file(base + "_descriptors.cc",
-                      [&](std::ostream &out) { write_descriptors(out, catalogue, all, prefix, header); });
+    errcode code = ERRCODE_SUCCESS;
+    pm_error error = write_file(base + "_descriptors.cc", [&](std::ostream &out) {
+        write_descriptors(out, catalogue, all, prefix, header);
+        code = write_plans(out, catalogue, all);
+    });
+    return code != ERRCODE_SUCCESS ? pm_error(code, "a record type is beyond what a plan may be") : error;
 }
 
 }  // namespace

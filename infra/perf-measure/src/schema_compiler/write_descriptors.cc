@@ -134,7 +134,7 @@ void write_descriptor_header(std::ostream &out, const record_catalogue &catalogu
 
 void write_descriptors(std::ostream &out, const record_catalogue &catalogue, const compiled_types &all,
                        const std::string &prefix, const std::string &header) {
-    out << GENERATED_NOTE << "#include \"" << header << "\"\n\n";
+    out << GENERATED_NOTE << "#include \"" << header << "\"\n\n#include \"platform/local/codec/built_plans.h\"\n";
     if (!catalogue.runs.empty()) {
         out << "#include \"schema/registration.h\"\n\n";
     }

@@ -17,4 +17,8 @@ void write_descriptor_header(std::ostream &out, const record_catalogue &catalogu
 void write_descriptors(std::ostream &out, const record_catalogue &catalogue, const compiled_types &all,
                        const std::string &prefix, const std::string &header);
 
+// What the codec needs for decoding and encoding the record types, after the definitions of their descriptors. An error
+// of parcel_plan::compile.
+[[nodiscard]] errcode write_plans(std::ostream &out, const record_catalogue &catalogue, const compiled_types &all);
+
 inline constexpr char GENERATED_NOTE[] = "// Generated from the record catalogue by schema_compiler. Do not edit.\n";

@@ -73,7 +73,7 @@ TEST_P(EveryType, AllocatesInProportionToItsEncoding) {
     // Every element takes so many bytes on the wire at the least that its structure stays within
     // the bound; so no legitimate record is ever refused for it.
     const parcel_descriptor *descriptor = GetParam();
-    parcel_plan::record_plan plan;
+    parcel_plan::made_plan plan;
     ASSERT_EQ(parcel_plan::compile(descriptor, descriptor->schema, &plan), ERRCODE_SUCCESS);
     for (const parcel_plan::plan_program &program : plan.programs) {
         for (const parcel_plan::plan_step &step : plan.steps_of(program)) {

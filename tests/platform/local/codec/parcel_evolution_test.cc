@@ -185,7 +185,7 @@ std::string chain(std::string_view body, int last, const std::string &end) {
 }
 
 errcode compile(const std::string &schema) {
-    parcel_plan::record_plan plan;
+    parcel_plan::made_plan plan;
     return parcel_plan::compile(pm_values_parcel_descriptor(), schema, &plan);
 }
 
@@ -239,7 +239,7 @@ TEST(Evolution, HostileSchemasAreRefused) {
         "$14={A}$15{B}$15;$15={A}$16{B}$16;$16={A}$17{B}$17;$17={A}$18{B}$18;$18={A}$19{B}$19;$19={A}s{B}s;",
     };
     for (const char *schema : hostile) {
-        parcel_plan::record_plan plan;
+        parcel_plan::made_plan plan;
         EXPECT_NE(parcel_plan::compile(pm_values_parcel_descriptor(), schema, &plan), ERRCODE_SUCCESS) << schema;
     }
 }

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 
+#include "platform/local/codec/built_plans.h"
 #include "platform/local/codec/checksum.h"
 #include "platform/local/codec/parcel_decoder.h"
 #include "platform/local/codec/parcel_encoder.h"
@@ -14,6 +15,7 @@
 
 namespace {
 
+using parcel_plan::made_plan;
 using parcel_plan::record_plan;
 using parcel_wire::load;
 using parcel_wire::put;
@@ -24,9 +26,11 @@ constexpr std::size_t CHECKSUM_AT = sizeof MAGIC;
 constexpr std::size_t FINGERPRINT_AT = CHECKSUM_AT + sizeof(std::uint64_t);
 constexpr std::size_t VERSION_AT = FINGERPRINT_AT + sizeof(std::uint64_t);
 
-// The process-wide state of the codec: plans made so far, and where schemas come from.
+// The process-wide state of the codec: plans used so far, those of them that this process made, and where schemas come
+// from.
 struct codec_state {
-    std::vector<std::unique_ptr<record_plan>> plans;
+    std::vector<const record_plan *> plans;
+    std::vector<std::unique_ptr<const made_plan>> made;
     const record_plan *last = nullptr;
     parcel_schema_source source = nullptr;
 };
@@ -36,28 +40,30 @@ codec_state &state() {
     return the_state;
 }
 
+const record_plan *remember(const record_plan *plan) {
+    state().plans.push_back(plan);
+    return state().last = plan;
+}
+
 const record_plan *known_plan(const parcel_descriptor *descriptor, const std::uint64_t *fingerprint) {
-    const auto fits = [&](const record_plan &each) {
-        return each.descriptor == descriptor &&
-               (fingerprint != nullptr ? each.fingerprint == *fingerprint : each.native);
-    };
-    if (state().last != nullptr && fits(*state().last)) {
+    if (state().last != nullptr && parcel_plan::is_plan_for(*state().last, descriptor, fingerprint)) {
         return state().last;
     }
-    for (const auto &each : state().plans) {
-        if (fits(*each)) {
-            return state().last = each.get();
+    for (const record_plan *each : state().plans) {
+        if (parcel_plan::is_plan_for(*each, descriptor, fingerprint)) {
+            return state().last = each;
         }
     }
-    return nullptr;
+    const record_plan *const built = parcel_plan::find_built_plan(descriptor, fingerprint);
+    return built != nullptr ? remember(built) : nullptr;
 }
 
 errcode make_plan(const parcel_descriptor *descriptor, std::string_view schema, const record_plan **out) {
-    auto next = std::make_unique<record_plan>();
+    auto next = std::make_unique<made_plan>();
     const errcode error = parcel_plan::compile(descriptor, schema, next.get());
     if (error == ERRCODE_SUCCESS) {
-        *out = state().last = next.get();
-        state().plans.push_back(std::move(next));
+        *out = remember(next.get());
+        state().made.push_back(std::move(next));
     }
     return error;
 }

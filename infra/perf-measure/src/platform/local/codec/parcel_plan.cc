@@ -34,7 +34,7 @@ struct draft {
 // Works on pairs of types: the writer's, and the reader's or null for what the reader does not know.
 class compiler {
 public:
-    explicit compiler(record_plan *out) : plan_(out) {}
+    explicit compiler(made_plan *out) : plan_(out) {}
 
     errcode run(const data_type &writer, const data_type &reader) {
         if (is_scalar(reader.what) || is_scalar(writer.what)) {
@@ -43,16 +43,20 @@ public:
         if (reader.what != writer.what) {
             return PARCEL_SCHEMA_CHANGED;
         }
-        plan_->programs.emplace_back();
+        plan_->all_programs.emplace_back();
         plan_->size = reader.size;
         draft top;
         add_compound(&top, writer, &reader, 0, 0);
         finish(0, top);
+        plan_->programs = plan_->all_programs;
+        plan_->steps = plan_->all_steps;
+        plan_->arms = plan_->all_arms;
         for (const plan_step &each : top.steps) {
             if (error_ == ERRCODE_SUCCESS && may_own(each)) {
-                plan_->owners.push_back(each);
+                plan_->all_owners.push_back(each);
             }
         }
+        plan_->owners = plan_->all_owners;
         return error_;
     }
 
@@ -94,16 +98,16 @@ private:
             fail(PARCEL_UNKNOWN_SCHEMA);
             return 0;
         }
-        const auto index = static_cast<std::uint32_t>(plan_->programs.size());
+        const auto index = static_cast<std::uint32_t>(plan_->all_programs.size());
         made_.emplace(key, index);  // before its steps: a type may hold itself
-        plan_->programs.emplace_back();
+        plan_->all_programs.emplace_back();
         draft next;
         ++nesting_;
         add_type(&next, writer, reader, 0, 0);
         --nesting_;
         finish(index, next);
         if (is_flat(next, reader)) {
-            plan_->programs[index].flat = next.steps[0].count;
+            plan_->all_programs[index].flat = next.steps[0].count;
         }
         return index;
     }
@@ -141,10 +145,10 @@ private:
     }
 
     void finish(std::uint32_t index, const draft &made) {
-        plan_program &finished = plan_->programs[index];
-        finished.begin = static_cast<std::uint32_t>(plan_->steps.size());
-        plan_->steps.insert(plan_->steps.end(), made.steps.begin(), made.steps.end());
-        finished.end = static_cast<std::uint32_t>(plan_->steps.size());
+        plan_program &finished = plan_->all_programs[index];
+        finished.begin = static_cast<std::uint32_t>(plan_->all_steps.size());
+        plan_->all_steps.insert(plan_->all_steps.end(), made.steps.begin(), made.steps.end());
+        finished.end = static_cast<std::uint32_t>(plan_->all_steps.size());
         finished.least_wire = made.least_wire;
     }
 
@@ -213,7 +217,7 @@ private:
         next.kind = step_kind::fixed_array;
         next.count = writer.count;
         set_element(&next, writer, reader);
-        add(to, next, std::uint64_t{plan_->programs[next.program].least_wire} * writer.count);
+        add(to, next, std::uint64_t{plan_->all_programs[next.program].least_wire} * writer.count);
     }
 
     // An element that takes no bytes could be claimed any number of times.
@@ -293,8 +297,8 @@ private:
         if (!unread->steps.empty()) {
             plan_step next;
             next.kind = step_kind::skip;
-            next.program = static_cast<std::uint32_t>(plan_->programs.size());
-            plan_->programs.emplace_back();
+            next.program = static_cast<std::uint32_t>(plan_->all_programs.size());
+            plan_->all_programs.emplace_back();
             finish(next.program, *unread);
             add(to, next, unread->least_wire);
         }
@@ -318,12 +322,12 @@ private:
         next.kind = step_kind::tagged_union;
         next.offset = offset;
         next.count = static_cast<std::uint32_t>(arms.size());
-        next.first_arm = static_cast<std::uint32_t>(plan_->arms.size());
-        plan_->arms.insert(plan_->arms.end(), arms.begin(), arms.end());
+        next.first_arm = static_cast<std::uint32_t>(plan_->all_arms.size());
+        plan_->all_arms.insert(plan_->all_arms.end(), arms.begin(), arms.end());
         add(to, next, sizeof(std::uint32_t));
     }
 
-    record_plan *plan_;
+    made_plan *plan_;
     std::map<std::pair<const data_type *, const data_type *>, std::uint32_t> made_;
     std::map<const data_type *, bool> empty_;
     std::size_t steps_ = 0;
@@ -347,7 +351,7 @@ bool repeats_a_field(const schema &written) {
 
 std::uint64_t fingerprint(std::string_view schema) { return checksum(schema.data(), schema.size()); }
 
-errcode compile(const parcel_descriptor *descriptor, std::string_view writer_schema, record_plan *out) {
+errcode compile(const parcel_descriptor *descriptor, std::string_view writer_schema, made_plan *out) {
     schema reader;
     if (descriptor->format != 1 || parcel_notation::describe(descriptor, &reader)) {
         return PARCEL_BAD_DESCRIPTOR;
@@ -357,13 +361,17 @@ errcode compile(const parcel_descriptor *descriptor, std::string_view writer_sch
     out->fingerprint = fingerprint(writer_schema);
     out->native = writer_schema == descriptor->schema;
     if (out->native) {
-        return compiler(out).run(record, record);
+        return compile(record, record, out);
     }
     schema writer;
     if (parcel_notation::parse(writer_schema, &writer) || repeats_a_field(writer)) {
         return PARCEL_UNKNOWN_SCHEMA;
     }
-    return compiler(out).run(*writer.definitions.front(), record);
+    return compile(*writer.definitions.front(), record, out);
+}
+
+errcode compile(const data_type &writer, const data_type &reader, made_plan *out) {
+    return compiler(out).run(writer, reader);
 }
 
 }  // namespace parcel_plan

@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 // Decode plans: a descriptor's schema and layout, compiled into a flat list of steps.
 //
-// A plan is made once per record type (and once more for each other schema that a stored record
-// was written with) and then drives decoding, encoding and freeing without looking at the schema
-// text again. Records that are in others by value are flattened into the steps of their
-// owner; only the elements of arrays and optionals and the arms of unions are programs of their own.
+// The plans of the catalogues' own record types are made while the program is built. Any other is made once for each
+// record type and schema that a stored record was written with. A plan drives decoding, encoding and freeing without
+// looking at the schema text again. Records that are in others by value are flattened into the steps of their owner;
+// only the elements of arrays and optionals and the arms of unions are programs of their own.
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
 #include "platform/parcel.h"
+
+namespace parcel_notation {
+struct data_type;
+}
 
 namespace parcel_plan {
 
@@ -54,24 +59,30 @@ struct plan_program {
 
 struct record_plan {
     const parcel_descriptor *descriptor = nullptr;
-    std::uint64_t fingerprint = 0;       // of the schema that the record was written with
-    bool native = true;                  // that schema is the descriptor's own
-    std::uint32_t size = 0;              // bytes of the structure
-    std::vector<plan_program> programs;  // the first is the record's
-    std::vector<plan_step> steps;
-    std::vector<plan_arm> arms;
-    std::vector<plan_step> owners;  // the record's steps that may hold pointers, arms included
+    std::uint64_t fingerprint = 0;             // of the schema that the record was written with
+    bool native = true;                        // that schema is the descriptor's own
+    std::uint32_t size = 0;                    // bytes of the structure
+    std::span<const plan_program> programs{};  // the first is the record's
+    std::span<const plan_step> steps{};
+    std::span<const plan_arm> arms{};
+    std::span<const plan_step> owners{};  // the record's steps that may hold pointers, arms included
 
     // The steps of a program, to iterate over.
-    struct step_range {
-        const plan_step *first;
-        const plan_step *last;
-        [[nodiscard]] const plan_step *begin() const { return first; }
-        [[nodiscard]] const plan_step *end() const { return last; }
-    };
-    [[nodiscard]] step_range steps_of(const plan_program &program) const {
-        return {steps.data() + program.begin, steps.data() + program.end};
+    [[nodiscard]] std::span<const plan_step> steps_of(const plan_program &program) const {
+        return steps.subspan(program.begin, program.end - program.begin);
     }
+};
+
+// A plan made by this process, which owns the parts of it.
+struct made_plan : record_plan {
+    std::vector<plan_program> all_programs;
+    std::vector<plan_step> all_steps;
+    std::vector<plan_arm> all_arms;
+    std::vector<plan_step> all_owners;
+
+    made_plan() = default;
+    made_plan(const made_plan &) = delete;  // the plan has views into the parts
+    made_plan &operator=(const made_plan &) = delete;
 };
 
 // Identifies a schema text.
@@ -82,6 +93,11 @@ struct record_plan {
 // writer lacked stay zero. PARCEL_SCHEMA_CHANGED when a field is of another kind on the two sides,
 // PARCEL_UNKNOWN_SCHEMA when the writer's schema is no schema, PARCEL_BAD_DESCRIPTOR when the
 // descriptor's schema and layout do not fit together.
-[[nodiscard]] errcode compile(const parcel_descriptor *descriptor, std::string_view writer_schema, record_plan *out);
+[[nodiscard]] errcode compile(const parcel_descriptor *descriptor, std::string_view writer_schema, made_plan *out);
+
+// The same for two record types that are described and laid out already. Sets neither the descriptor nor what
+// identifies the schema.
+[[nodiscard]] errcode compile(const parcel_notation::data_type &writer, const parcel_notation::data_type &reader,
+                              made_plan *out);
 
 }  // namespace parcel_plan
