@@ -12,8 +12,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "platform/local/codec/checksum.h"
 #include "platform/local/store/record_key.h"
+#include "platform/local/store/seal.h"
 
 namespace lmdb_store {
 
@@ -24,15 +24,22 @@ inline constexpr std::string_view END_KEY = "Z";                    // after eve
 using link = std::uint64_t;
 
 // The link of a record to the one before it. It tells whether either key has changed.
-[[nodiscard]] inline link link_between(std::string_view key_before, std::string_view key) {
+[[nodiscard]] inline link link_between(const store::summed_key &key_before, const store::summed_key &key) {
     constexpr link ODD = 0x9e3779b97f4a7c15;  // so that two keys in the other order have another link
-    return checksum(key_before.data(), key_before.size()) * ODD + checksum(key.data(), key.size());
+    return key_before.sum * ODD + key.sum;
+}
+[[nodiscard]] inline link link_between(std::string_view key_before, std::string_view key) {
+    return link_between(store::summed_key(key_before), store::summed_key(key));
 }
 
 // Whether a value as it is kept under `key` belongs to a record that comes after `key_before`.
-[[nodiscard]] inline bool is_linked(std::string_view kept, std::string_view key_before, std::string_view key) {
+[[nodiscard]] inline bool is_linked(std::string_view kept, const store::summed_key &key_before,
+                                    const store::summed_key &key) {
     const link wanted = link_between(key_before, key);
     return kept.size() >= sizeof wanted && std::memcmp(kept.data(), &wanted, sizeof wanted) == 0;
+}
+[[nodiscard]] inline bool is_linked(std::string_view kept, std::string_view key_before, std::string_view key) {
+    return is_linked(kept, store::summed_key(key_before), store::summed_key(key));
 }
 
 // A kept value without its link.

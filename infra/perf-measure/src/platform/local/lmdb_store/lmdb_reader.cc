@@ -17,6 +17,7 @@ namespace {
 using store::branch;
 using store::key_space;
 using store::known_state;
+using store::summed_key;
 
 constexpr std::size_t INTERFACES_AT_ONCE = 1000;
 
@@ -137,8 +138,8 @@ pm_error lmdb_reader::list(const branch &from, const store::list_query &asked, k
         if (refused != ERRCODE_SUCCESS || !wanted.wants_items()) {
             return refused;
         }
-        const auto visit = [&](std::string_view key, std::string_view value) {
-            const std::string_view path = key.substr(path_at);
+        const auto visit = [&](const summed_key &key, std::string_view value) {
+            const std::string_view path = key.text.substr(path_at);
             const std::string_view parcel = store::unseal(key, value);
             bool matches = false;
             refused = wanted.match(table, path, parcel, &matches);
@@ -190,7 +191,7 @@ pm_error lmdb_reader::nodes(std::vector<std::string> *parcels) {
     const std::string prefix = store::key(key_space::node);
     return environment_.read([&](const table_state &table) {
         parcels->clear();
-        return table.scan(prefix, [&](std::string_view key, std::string_view value) {
+        return table.scan(prefix, [&](const summed_key &key, std::string_view value) {
             copy(store::unseal(key, value), &parcels->emplace_back());
             return true;
         });
@@ -253,7 +254,7 @@ pm_error lmdb_reader::publishers(std::vector<store::publisher_entry> *out) {
                 break;
             }
             code =
-                table.scan(root_key(key_space::publisher, root.id), [&](std::string_view key, std::string_view value) {
+                table.scan(root_key(key_space::publisher, root.id), [&](const summed_key &key, std::string_view value) {
                     std::string_view path;
                     store::publisher_entry &entry = out->emplace_back();
                     sound = parse_branch_key(key, &entry.served, &path) && path.empty();
@@ -275,7 +276,7 @@ pm_error lmdb_reader::interfaces(std::uint64_t from, std::vector<store::interfac
     return environment_.read([&](const table_state &table) {
         out->clear();
         bool sound = true;
-        const errcode code = table.scan(prefix, first, [&](std::string_view key, std::string_view value) {
+        const errcode code = table.scan(prefix, first, [&](const summed_key &key, std::string_view value) {
             store::interface_entry &entry = out->emplace_back();
             sound = store::parse_number_key(key, &entry.handle);
             copy(store::unseal(key, value), &entry.parcel);

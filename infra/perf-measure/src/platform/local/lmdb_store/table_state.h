@@ -58,9 +58,9 @@ public:
     [[nodiscard]] std::size_t transaction() const { return mdb_txn_id(txn_); }
 
     // Calls visit(key, value) for the keys that begin with `prefix`, in order, from the first one that is not before
-    // `from`, until visit returns false. OPSTORE_DAMAGED when a record is missing there, or when the keys do not
-    // ascend: a damaged tree could go round in circles. Neither text may be empty. Calls meanwhile() after each step to
-    // another record, whose bytes are on their way from memory then.
+    // `from`, until visit returns false; the key is a store::summed_key. OPSTORE_DAMAGED when a record is missing
+    // there, or when the keys do not ascend: a damaged tree could go round in circles. Neither text may be empty. Calls
+    // meanwhile() after each step to another record, whose bytes are on their way from memory then.
     template <class Visit, class Meanwhile>
     [[nodiscard]] errcode scan(std::string_view prefix, std::string_view from, Visit visit, Meanwhile meanwhile) const;
     template <class Visit>
@@ -108,10 +108,9 @@ template <class Visit, class Meanwhile>
 errcode table_state::scan(std::string_view prefix, std::string_view from, Visit visit, Meanwhile meanwhile) const {
     gap at;
     errcode code = open_gap(from, &at);
-    while (code == ERRCODE_SUCCESS && to_view(at.key).starts_with(prefix)) {
-        const std::string_view kept = to_view(at.kept);
-        at.before = to_view(at.key);
-        if (!visit(at.before, without_link(kept)) || at.before == END_KEY) {
+    store::summed_key key(code == ERRCODE_SUCCESS ? to_view(at.key) : std::string_view());
+    while (code == ERRCODE_SUCCESS && key.text.starts_with(prefix)) {
+        if (!visit(key, without_link(to_view(at.kept))) || key.text == END_KEY) {
             break;
         }
         const int result = mdb_cursor_get(at.cursor, &at.key, &at.kept, MDB_NEXT);
@@ -121,10 +120,15 @@ errcode table_state::scan(std::string_view prefix, std::string_view from, Visit 
         }
         prefetch(at.kept);
         meanwhile();
-        if (!is_sound(at.key, at.kept) || at.before >= to_view(at.key) ||
-            !is_linked(to_view(at.kept), at.before, to_view(at.key))) {
+        if (!is_sound(at.key, at.kept)) {
+            code = OPSTORE_DAMAGED;
+            break;
+        }
+        const store::summed_key next(to_view(at.key));
+        if (key.text >= next.text || !is_linked(to_view(at.kept), key, next)) {
             code = OPSTORE_DAMAGED;
         }
+        key = next;
     }
     mdb_cursor_close(at.cursor);
     return code;

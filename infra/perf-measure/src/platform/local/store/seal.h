@@ -9,10 +9,21 @@
 
 namespace store {
 
+// A key with its checksum, for whoever needs that more than once.
+struct summed_key {
+    summed_key() = default;
+    explicit summed_key(std::string_view key);
+    operator std::string_view() const { return text; }
+
+    std::string_view text;
+    std::uint64_t sum = 0;
+};
+
 // Makes the value of a parcel under a key.
 void seal(std::string_view key, std::string_view parcel, std::vector<std::uint8_t> *value);
 
 // The parcel of a value, which is a part of it; empty when the value is not that key's.
 [[nodiscard]] std::string_view unseal(std::string_view key, std::string_view value);
+[[nodiscard]] std::string_view unseal(const summed_key &key, std::string_view value);
 
 }  // namespace store
