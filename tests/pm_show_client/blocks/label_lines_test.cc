@@ -25,7 +25,7 @@ TEST(LabelLines, PadByTheDifferenceWhenTheIndentIsBeyondTheColon) {
 }
 
 TEST(LabelLines, PrintAWordForAnAbsentText) {
-    EXPECT_EQ(captured([] { pm_lines{0, 8}.text("Name", nullptr); }), "Name    : (null)\n");
+    EXPECT_EQ(captured([] { pm_lines{0, 8}.text("Name", static_cast<const char *>(nullptr)); }), "Name    : (null)\n");
 }
 
 TEST(LabelLines, AreCutLikeEveryLine) {

@@ -5,7 +5,8 @@
 // conversions are those the displays need, with printf's meaning: %s %c %d %u %x (32 bits of the
 // argument), %ld %lu %lx %llu (64 bits), %%; flags '-' and '0'; width and precision as a number or
 // '*'. Anything else, or arguments of the wrong number or kind, does not compile, and the compiler
-// says why. A null text prints "(null)". Nothing is allocated.
+// says why. A text is a const char * or, where its length is known, a pm_text. A null text prints "(null)". Nothing is
+// allocated.
 #pragma once
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include <type_traits>
 
 #include "base/pm_format_parser.h"
+#include "base/pm_text.h"
 
 namespace pm_format_detail {
 
@@ -71,7 +73,11 @@ struct field {
 template <segment Segment, class Argument>
 inline void convert(field &out, Argument argument, int precision) {
     out.negative = false;
-    if constexpr (Segment.conversion == 's') {
+    if constexpr (std::is_same_v<Argument, pm_text>) {
+        static_assert(Segment.conversion == 's' && Segment.precision == NONE, "a text is printed by a plain %s");
+        out.bytes = argument.bytes;
+        out.length = argument.length;
+    } else if constexpr (Segment.conversion == 's') {
         static_assert(std::is_convertible_v<Argument, const char *>, "%s takes a text");
         const char *text = argument;
         if (text == nullptr) {  // as the C library: a precision too small for the word prints nothing

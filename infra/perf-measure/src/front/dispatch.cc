@@ -63,7 +63,7 @@ void choose_nodes(pm_show_nodes nodes) {
 // decides that. Fails, reported, when a name cannot be encoded.
 errcode compose(const pm_show_path_rule &rule, pm_show_path &path, bool *single_path) {
     switch (rule.form) {
-    case pm_show_path_form::FIXED: pm_snprintf(path, sizeof path, "%s", path_of(rule.where).data()); break;
+    case pm_show_path_form::FIXED: pm_format_text<"%s">(path, sizeof path, path_of(rule.where).data()); break;
     case pm_show_path_form::NAME: pm_show_compose_plain(path, rule.where); break;
     case pm_show_path_form::NAME_BY_KIND:
         pm_show_compose_plain(path, pm_show_options.loss_kind ? rule.where_for_loss : rule.where);

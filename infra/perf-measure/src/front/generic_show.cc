@@ -240,7 +240,7 @@ bool is_complete(const pm_show_request *request) {
 
 errcode bind_node(const char *base_path, std::uint32_t node_id) {
     pm_show_path bind_path;
-    pm_snprintf(bind_path, sizeof bind_path, "%snode/%x/", base_path, node_id);
+    pm_format_text<"%snode/%x/">(bind_path, sizeof bind_path, base_path, node_id);
     const errcode code = store_client_present() ? _opstore_bind(&pm_show_opstore_handle, bind_path, OPSTORE_BIND_READ)
                                                 : OPSTORE_NO_CLIENT;
     if (code != ERRCODE_SUCCESS) {

@@ -69,7 +69,7 @@ void print_prefix(const pm_prefix_entry_parcel &entry, int indent) {
 
 // Ports -------------------------------------------------------------------------------------------
 
-void print_port(const pm_lines &lines, const char *label, std::uint16_t port) {
+void print_port(const pm_lines &lines, pm_text label, std::uint16_t port) {
     if (port == 0) {
         lines.text(label, "N/A");
     } else {
@@ -93,7 +93,7 @@ void print_prefix_counter_generic(const pm_prefix_reference_counters *parcel, in
     lines.number("Endpoint reference counter", parcel->EndpointCount);
 }
 
-void pm_print_allowed_prefixes(const char *label, const pm_prefixes_info &prefixes) {
+void pm_print_allowed_prefixes(pm_text label, const pm_prefixes_info &prefixes) {
     const bool internal = pm_show_options.internal;
     lines_at(0).number(label, prefixes.PrefixList.count);
     if (internal) {
@@ -115,12 +115,12 @@ void pm_print_allowed_prefixes(const char *label, const pm_prefixes_info &prefix
     }
 }
 
-void pm_print_ports_heading(const char *heading) {
+void pm_print_ports_heading(pm_text heading) {
     pm_print_empty_line();
     pm_print_heading(0, heading);
 }
 
-void pm_print_port_status(const char *label, const pm_udp_port_rxpol_prefix_status *status) {
+void pm_print_port_status(pm_text label, const pm_udp_port_rxpol_prefix_status *status) {
     if (status == nullptr) {
         return;
     }

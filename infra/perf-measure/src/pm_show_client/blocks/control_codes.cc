@@ -8,7 +8,7 @@
 
 namespace {
 
-void print_control_code(const pm_scb_control_code &code, int indent, const char *heading, const char *label) {
+void print_control_code(const pm_scb_control_code &code, int indent, pm_text heading, pm_text label) {
     pm_print_heading(indent, heading);
     pm_print_indented<"%s: %s (0x%x)\n">(indent + 2, label, pm_control_code_str(code.ControlCode), code.ControlCode);
     pm_plain_lines(indent + 2).text("Timestamp", pm_time_str(code.Timestamp));

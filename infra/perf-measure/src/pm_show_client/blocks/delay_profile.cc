@@ -20,7 +20,7 @@ constexpr std::uint32_t LOWER_BOUND_NOT_SET = 0;
 // What a value of a generic profile comes to for three of its transports; RSVP-TE is not shown. The
 // groups of lines differ in "SR policy" and "SR Policy", "interface" and "Interface", on purpose.
 void print_effective(int indent, std::uint32_t srpolicy, std::uint32_t endpoint, std::uint32_t interface,
-                     const char *unit) {
+                     pm_text unit) {
     pm_lines_at(indent).unit("Effective for SR policy", srpolicy, unit);
     pm_lines_at(indent).unit("Effective for Endpoint", endpoint, unit);
     pm_lines_at(indent).unit("Effective for interface", interface, unit);
@@ -133,7 +133,7 @@ void print_anomaly(const pm_delay_transport_profile_parcel &profile) {
 // The names of the checks that are on, without anything between them. `Checks` is any record that
 // holds the three flags.
 template <class Checks>
-void print_checks(int indent, const char *label, const Checks &checks) {
+void print_checks(int indent, pm_text label, const Checks &checks) {
     const auto name = [](bool on, std::int32_t check) { return on ? pm_threshold_check_type_str(check) : ""; };
     pm_print_indented<"%-*s: %s%s%s\n">(indent, PM_COLON - indent, label,
                                         name(checks.AdvertisementThresholdCheckAverageDelay, CHECK_AVERAGE),

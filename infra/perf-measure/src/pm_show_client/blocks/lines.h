@@ -19,6 +19,6 @@ inline void pm_print_indented(int indent, Arguments... arguments) {
 }
 
 // A heading: `indent` blanks, the text and a colon. It is not cut.
-void pm_print_heading(int indent, const char *heading);
+void pm_print_heading(int indent, pm_text heading);
 
 inline void pm_print_empty_line() { pm_print<"\n">(); }

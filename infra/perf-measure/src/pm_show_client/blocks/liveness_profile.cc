@@ -13,7 +13,7 @@ namespace {
 std::uint32_t value_or_zero(const std::uint32_t *value) { return value != nullptr ? *value : 0; }
 
 // What an interval comes to on each NPU.
-void print_npu_effective(const parcel_array<std::uint32_t> &effective, const char *unit) {
+void print_npu_effective(const parcel_array<std::uint32_t> &effective, pm_text unit) {
     for (std::uint32_t npu = 0; npu < effective.count; ++npu) {
         pm_print<"%*sEffective for NPU%u:\n">(6, "", npu);
         pm_lines_at(8).unit("SR Policy", effective[npu], unit);

@@ -13,8 +13,7 @@ constexpr std::uint32_t VALUES_PER_LINE = 15;
 
 void pm_profile_heading() { pm_print_heading(2, "Profile configuration"); }
 
-void pm_profile_interval(int indent, const char *label, std::uint32_t value, std::uint32_t effective,
-                         const char *unit) {
+void pm_profile_interval(int indent, pm_text label, std::uint32_t value, std::uint32_t effective, pm_text unit) {
     pm_print_indented<"%-*s: %u (effective: %u) %s\n">(indent, PM_COLON - indent, label, value, effective, unit);
 }
 
@@ -22,18 +21,19 @@ void pm_profile_default_title(pm_transport_type_e transport, const char *kind) {
     pm_print_indented<"%s %s (default)\n">(0, pm_transport_type_str(transport), kind);
 }
 
-void pm_profile_enabled_default(int indent, const char *label, bool enabled) {
-    pm_lines_at(indent).text(label, enabled ? "Enabled" : "Disabled (default)");
+void pm_profile_enabled_default(int indent, pm_text label, bool enabled) {
+    pm_lines_at(indent).text(label, enabled ? pm_text("Enabled") : pm_text("Disabled (default)"));
 }
 
-void pm_profile_optional(int indent, const char *label, const std::uint32_t *value) {
+void pm_profile_optional(int indent, pm_text label, const std::uint32_t *value) {
     if (value != nullptr) {
         pm_lines_at(indent).number(label, *value);
     }
 }
 
 void pm_profile_accelerated(bool enabled) {
-    pm_lines_at(4).enabled(enabled ? "Accelerated advertisement" : "Advertisement accelerated", enabled);
+    pm_lines_at(4).enabled(enabled ? pm_text("Accelerated advertisement") : pm_text("Advertisement accelerated"),
+                           enabled);
 }
 
 void pm_profile_sweeping(bool enabled, const pm_record_address &start, std::uint32_t range) {

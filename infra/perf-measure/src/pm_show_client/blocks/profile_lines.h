@@ -3,6 +3,7 @@
 // the indent; a profile's own lines are at indent 4, what belongs to one of them is further in.
 #pragma once
 
+#include "base/pm_text.h"
 #include "pm_show_client/blocks/lines.h"
 #include "schema/pm_records.h"
 
@@ -10,16 +11,16 @@
 void pm_profile_heading();
 
 // "10 (effective: 12) uSec".
-void pm_profile_interval(int indent, const char *label, std::uint32_t value, std::uint32_t effective, const char *unit);
+void pm_profile_interval(int indent, pm_text label, std::uint32_t value, std::uint32_t effective, pm_text unit);
 
 // "SR Policy Delay Measurement (default)", the title of a profile without a name.
 void pm_profile_default_title(pm_transport_type_e transport, const char *kind);
 
 // "Enabled" or "Disabled (default)".
-void pm_profile_enabled_default(int indent, const char *label, bool enabled);
+void pm_profile_enabled_default(int indent, pm_text label, bool enabled);
 
 // A number that may be absent, which prints nothing.
-void pm_profile_optional(int indent, const char *label, const std::uint32_t *value);
+void pm_profile_optional(int indent, pm_text label, const std::uint32_t *value);
 
 // Whether accelerated advertisement is on; the two states have labels of different word order.
 void pm_profile_accelerated(bool enabled);

@@ -6,7 +6,7 @@
 namespace {
 
 struct counter_line {
-    const char *label;
+    pm_text label;
     std::uint64_t pm_counter_resp_parcel::*counter;
 };
 

@@ -41,7 +41,7 @@ std::uint32_t first_four_bytes(const pm_record_address &address) {
 // Prints values a few to a line; only the first line carries the label. `write` writes one value to a
 // pm_text_writer.
 template <class Value, class Write>
-void print_packed(const parcel_array<Value> &values, std::uint32_t per_line, const char *label, const pm_lines &lines,
+void print_packed(const parcel_array<Value> &values, std::uint32_t per_line, pm_text label, const pm_lines &lines,
                   Write write) {
     char line[PM_LINE_SIZE];
     for (std::uint32_t begin = 0; begin < values.count; begin += per_line) {

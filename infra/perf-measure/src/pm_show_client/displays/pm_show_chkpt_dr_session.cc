@@ -35,7 +35,7 @@ void print_session(std::uint32_t checkpoint_id, const ChkptDrSession &session) {
     if (on_npu) {
         print_npu(session.npu_id);
     }
-    LINES.text("session type", on_npu ? "NPU" : "CPU");
+    LINES.text("session type", on_npu ? pm_text("NPU") : pm_text("CPU"));
 }
 
 void print_session_ids(const chkpt_array<ChkptSessionIdPair> &pairs) {

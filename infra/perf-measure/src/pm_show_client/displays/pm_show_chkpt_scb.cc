@@ -52,7 +52,7 @@ void print_advertisement(const ChkptAdvertisement &advertisement, std::uint32_t 
     ADVERTISEMENT_LINES.flag("In flight", advertisement.in_flight);
 }
 
-void print_control_code(int indent, const char *heading, bool is_present, const ChkptControlCode &received) {
+void print_control_code(int indent, pm_text heading, bool is_present, const ChkptControlCode &received) {
     pm_print_heading(indent - 2, heading);
     if (!is_present) {
         pm_print<"%*sNone received\n">(indent, "");

@@ -18,24 +18,22 @@ constexpr std::uint32_t NO_NODE = 0xFFFFFFFF;
 constexpr std::uint16_t NO_NPU = 0xFFFF;
 constexpr std::size_t NODE_NAME_SIZE = 32;
 
-void print_text(int indent, const char *label, const char *text) {
+void print_text(int indent, pm_text label, pm_text text) {
     pm_print_indented<"%-*s:%s\n">(indent, COLON - indent, label, text);
 }
 
-void print_number(int indent, const char *label, std::uint32_t number) {
+void print_number(int indent, pm_text label, std::uint32_t number) {
     pm_print_indented<"%-*s:%u\n">(indent, COLON - indent, label, number);
 }
 
-void print_flag(int indent, const char *label, std::uint32_t flag) {
-    print_text(indent, label, pm_true_or_false(flag));
-}
+void print_flag(int indent, pm_text label, std::uint32_t flag) { print_text(indent, label, pm_true_or_false(flag)); }
 
-void print_liveness(int indent, const char *label, std::uint32_t is_up) {
-    print_text(indent, label, is_up ? "UP" : "DOWN");
+void print_liveness(int indent, pm_text label, std::uint32_t is_up) {
+    print_text(indent, label, is_up ? pm_text("UP") : pm_text("DOWN"));
 }
 
 void print_host(const pm_dr_session_info &session) {
-    print_text(6, "Session host type", session.SessionHostType == PM_DR_SESSION_CPU ? "CPU" : "NPU");
+    print_text(6, "Session host type", session.SessionHostType == PM_DR_SESSION_CPU ? pm_text("CPU") : pm_text("NPU"));
     char node[NODE_NAME_SIZE] = "N/A";
     if (session.NodeID != NO_NODE) {
         static_cast<void>(nodeid_to_str_external(session.NodeID, node, sizeof node));

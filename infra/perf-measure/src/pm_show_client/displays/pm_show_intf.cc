@@ -24,7 +24,7 @@ constexpr int MAC_LENGTH = 6;
 constexpr pm_lines LINES{2, 36};
 constexpr pm_lines TRACING_LINES{4, 38};
 
-void print_vlan_tag(const char *label, std::uint16_t tag) {
+void print_vlan_tag(pm_text label, std::uint16_t tag) {
     if (tag == 0) {
         LINES.text(label, "None");
     } else {

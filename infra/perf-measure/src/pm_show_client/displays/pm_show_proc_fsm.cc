@@ -32,7 +32,7 @@ void print_end_of_line() { pm_print<"\n">(); }
 void print_title(const char *title) { pm_print<"  %s:\n">(title); }
 
 // Label and colon of a line whose value follows.
-void print_label(const char *label) { pm_print<"    %-24s: ">(label); }
+void print_label(pm_text label) { pm_print<"    %-24s: ">(label); }
 
 void print_rule(int width) {
     static constexpr auto signs = [] {
@@ -83,7 +83,7 @@ void print_role_and_state(const pm_mgmt_proc_fsm &fsm) {
     print_end_of_line();
 }
 
-void print_role_change(const char *label, std::uint32_t age, const char *zero) {
+void print_role_change(pm_text label, std::uint32_t age, const char *zero) {
     print_label(label);
     print_time_or(age, zero, "Never");
     print_end_of_line();

@@ -13,7 +13,7 @@ namespace {
 
 constexpr pm_lines LINES{2, 28};
 
-void print_rate(const char *label, std::uint32_t rate_pps) { LINES.unit(label, rate_pps, "pkts/sec"); }
+void print_rate(pm_text label, std::uint32_t rate_pps) { LINES.unit(label, rate_pps, "pkts/sec"); }
 
 void print_attributes(const pm_resp_intf_parcel &interface) {
     LINES.hex("Interface Handle", interface.InterfaceHandle);

@@ -9,7 +9,7 @@
 
 namespace {
 
-void print_rate(const char *label, std::uint32_t rate_pps) { pm_lines_at(2).unit(label, rate_pps, "pkts/sec"); }
+void print_rate(pm_text label, std::uint32_t rate_pps) { pm_lines_at(2).unit(label, rate_pps, "pkts/sec"); }
 
 }  // namespace
 

@@ -32,7 +32,7 @@ void print_packets(const pm_counter_rx_type_parcel &counters) {
     pm_lines_at(0).number("Total PD packet errors received", counters.PacketPD_RxErrorCounter);
 }
 
-void print_punt_rate(const char *label, std::uint64_t rate_pps, std::uint64_t percent_of_max) {
+void print_punt_rate(pm_text label, std::uint64_t rate_pps, std::uint64_t percent_of_max) {
     pm_print_indented<"%-46s: %lu pkts/sec (%lu%% of max allowed)\n">(2, label, rate_pps, percent_of_max);
 }
 
@@ -49,7 +49,7 @@ void print_rates(const pm_counter_rx_type_parcel &counters) {
 
 // Ports -------------------------------------------------------------------------------------------
 
-void print_port(const char *label, std::uint32_t port) {
+void print_port(pm_text label, std::uint32_t port) {
     if (port == 0) {
         pm_lines_at(2).text(label, "N/A");
     } else {
@@ -67,7 +67,7 @@ void print_ports(const pm_rx_udp_port_parcel &ports) {
     print_opened_ports(ports);
 }
 
-void print_ports(const char *heading, const pm_rx_udp_port_parcel &ports) {
+void print_ports(pm_text heading, const pm_rx_udp_port_parcel &ports) {
     pm_print_heading(0, heading);
     print_ports(ports);
 }

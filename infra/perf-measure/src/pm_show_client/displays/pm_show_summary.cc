@@ -19,7 +19,7 @@ void print_heading(int indent, const char *first, const char *second) {
 }
 
 // A 64-bit count that the report shows with its low 32 bits.
-void print_low_u32(int indent, const char *label, std::uint64_t value) {
+void print_low_u32(int indent, pm_text label, std::uint64_t value) {
     pm_lines_at(indent).number(label, static_cast<std::uint32_t>(value));
 }
 

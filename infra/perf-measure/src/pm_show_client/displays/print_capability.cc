@@ -13,17 +13,15 @@ namespace {
 
 constexpr std::uint32_t UNLIMITED = std::numeric_limits<std::uint32_t>::max();
 
-void print_support(const char *label, bool supported) {
+void print_support(pm_text label, bool supported) {
     pm_lines_at(2).text(label, supported ? "Supported" : "Not Supported");
 }
 
-void print_detail(const char *label, std::uint32_t value) { pm_lines_at(4).number(label, value); }
+void print_detail(pm_text label, std::uint32_t value) { pm_lines_at(4).number(label, value); }
 
-void print_interval(const char *label, std::uint32_t interval, const char *unit) {
-    pm_lines_at(4).unit(label, interval, unit);
-}
+void print_interval(pm_text label, std::uint32_t interval, pm_text unit) { pm_lines_at(4).unit(label, interval, unit); }
 
-void print_inject(std::uint32_t max_rate_pps, std::uint32_t min_interval, const char *unit) {
+void print_inject(std::uint32_t max_rate_pps, std::uint32_t min_interval, pm_text unit) {
     print_detail("Max inject PPS", max_rate_pps);
     print_interval("Min inject interval", min_interval, unit);
 }
@@ -61,7 +59,7 @@ void print_npu_offload(const pm_cap_hw_offload_info &offload) {
 }
 
 void print_timestamps(const pm_capability_info &info) {
-    constexpr char OFFSET[] = "Max Timestamp Offset";
+    static constexpr char OFFSET[] = "Max Timestamp Offset";
     if (info.MaxTimestampOffset == UNLIMITED) {
         pm_lines_at(2).text(OFFSET, "Unlimited");
     } else {

@@ -23,7 +23,7 @@ void print_sessions(const pm_pps_transport_info &sessions) {
     pm_lines_at(6).percent("In-use TX Interval Stretched Factor", sessions.InuseMultiHopTXIntervalStretchFactor);
 }
 
-void print_sessions(const char *heading, const pm_pps_transport_info &sessions) {
+void print_sessions(pm_text heading, const pm_pps_transport_info &sessions) {
     pm_print_empty_line();
     pm_print_heading(4, heading);
     print_sessions(sessions);
