@@ -194,11 +194,13 @@ TEST(DirectReader, ArraysOfFixedLengthMayBeShorter) {
 }
 
 std::string nested(std::size_t depth) {
-    std::string json = "{}";
+    std::string begin;
+    std::string end;
     for (std::size_t i = 1; i < depth; ++i) {
-        json = R"({"BundleMembers":[)" + json + "]}";
+        begin += R"({"BundleMembers":[)";
+        end += "]}";
     }
-    return json;
+    return begin + "{}" + end;
 }
 
 TEST(DirectReader, LeavesRecordsThatNestDeeply) {
