@@ -14,6 +14,8 @@
 
 namespace perf_store {
 
+class json_cursor;
+
 struct direct_item {
     store::branch into;
     std::string_view path;  // of the text
@@ -42,7 +44,7 @@ public:
     [[nodiscard]] bool was_cut() const { return was_cut_; }
 
 private:
-    [[nodiscard]] bool read_item(class json_cursor *from, direct_item *item);
+    [[nodiscard]] bool read_item(json_cursor *from, direct_item *item);
     [[nodiscard]] bool read_type(json_cursor *from, const parcel_descriptor **type);
     [[nodiscard]] bool read_interface(json_cursor *from, direct_interface *interface);
 

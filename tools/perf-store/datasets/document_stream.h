@@ -26,10 +26,10 @@ public:
     // again by further calls.
     [[nodiscard]] pm_error next(json_document *document, bool *found);
 
-    // What is buffered after the document read last: terminated text, for who reads some documents without this.
-    // Nothing after an error, which next() then gives. `take` is told how long the document was that is at its
-    // beginning, white space before it included; it is the document read last then. `extend` buffers more of the file,
-    // and is false at its end.
+    // For documents that are read without nodes. rest() is what is buffered after the document read last, terminated;
+    // nothing after an error, which next() then gives. take() is told the length of the document at its beginning,
+    // white space before it included, which is the document read last from then on. extend() buffers more of the file;
+    // false at its end.
     [[nodiscard]] std::string_view rest();
     void take(std::size_t length) { length_ = length; }
     [[nodiscard]] bool extend();

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// A place in a JSON text, for who knows what comes next.
+// A place in a JSON text, for readers that know what may come next.
 //
-// A data set's values are read where they are, without nodes in between. That goes for JSON as programs write it:
-// strings without escapes, and integers. What the routines take, the parser of json_document.h reads alike; they do not
-// take anything that is not JSON, and leave some that is to the parser, which also knows what is wrong and where.
+// Takes JSON as programs write it: strings without escapes, and integers. What the routines take, the parser of
+// json_document.h reads alike. They take nothing that is not JSON, and leave some that is to the parser, which also
+// knows what is wrong and where.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,8 @@
 
 namespace perf_store {
 
-// Each routine passes what it takes, and white space before it. After one that gave false the place is any: whoever
-// reads on begins again.
+// Each routine passes what it takes, and white space before it. A token that is not the one asked for stays; after any
+// other failure the place is undefined.
 class json_cursor {
 public:
     // The text is terminated: a zero byte is at its end, after it.
