@@ -70,7 +70,7 @@ step() {
   fi
 }
 
-build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libsimdjson-dev libcli11-dev
+build_packages=(g++ cmake ninja-build liblmdb-dev libxxhash-dev rapidjson-dev libcli11-dev
   libedit-dev libbsd-dev libncurses-dev libhiredis-dev libssl-dev libyaml-cpp-dev libcpp-httplib-dev)
 bench_packages=(libbenchmark-dev protobuf-compiler libprotobuf-dev libnanopb-dev nanopb redis-server)
 

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # A table of targets: what was measured, what it was to be, and a verdict for each line.
-# Sourced; `target` and `bounds` add a line, `print_targets` prints the table and tells whether every target was met.
+# Sourced; `target` and `measure` add lines, `print_targets` prints the table and tells whether every target was met.
 
 verdicts=()
 missed=0
@@ -22,13 +22,22 @@ target() {
   verdicts+=("$(printf '%-46s at %-5s %9s %11s  %s' "$1" "$2" "$3" "${4:-nothing}" "$result")")
 }
 
-# bounds WHAT COMMAND...: a line for a program that measures and judges by itself.
-bounds() {
-  local what=$1 result=met
+# measure WHAT COMMAND...: lines for a program that measures by itself. It prints lines "target", what, most or least, the
+# target and what was measured, with tabs between them, which are added to the table; its others are shown. A program
+# that fails, or prints no such line, is a target that is missed.
+measure() {
+  local what=$1 output line name bound wanted measured failed="" before=${#verdicts[@]}
   shift
-  "$@" || result=MISSED
-  [ $result != MISSED ] || missed=1
-  verdicts+=("$(printf '%-46s %-8s %9s %11s  %s' "$what" "" "" "" $result)")
+  output=$("$@") || failed=yes
+  while IFS= read -r line; do
+    if [[ $line == target$'\t'* ]]; then
+      IFS=$'\t' read -r _ name bound wanted measured <<<"$line"
+      target "$name" "$bound" "$wanted" "$measured"
+    else
+      echo "$line"
+    fi
+  done <<<"$output"
+  [ -z "$failed" ] && [ ${#verdicts[@]} -gt "$before" ] || target "$what" least 1 ""
 }
 
 # The table. False when a target was missed, or when there was none.

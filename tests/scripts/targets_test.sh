@@ -54,13 +54,28 @@ if out=$(printf 'silent most 2\n' | table); then
 fi
 grep -q 'nothing  MISSED$' <<<"$out" || fail "the line does not say so: $out"
 
+# Programs that measure by themselves.
+good() { printf 'what it does\ntarget\tgood one\tmost\t2\t1\ntarget\tbetter one\tleast\t0.5\t0.9\n'; }
+bad() { printf 'target\tbad one\tmost\t2\t3\n'; }
+silent() { printf 'targets are not measured\n'; }
+broken() { good && false; }
 judged() (
-    bounds "good one" true
-    bounds "bad one" "$1"
+    measure "first program" good
+    measure "second program" "$1"
     print_targets
 )
-judged true >/dev/null || fail "a table of kept bounds fails"
-if out=$(judged false); then
-    fail "a bound that is not kept does not fail the table"
-fi
-grep -Eq '^good one +met$' <<<"$out" && grep -Eq '^bad one +MISSED$' <<<"$out" || fail "other verdicts on bounds: $out"
+out=$(judged good) || fail "a table of targets that are met fails"
+grep -q '^what it does$' <<<"$out" || fail "what a program says is not shown: $out"
+grep -Eq '^good one +at most +2 +1  met$' <<<"$out" || fail "a program's line is another: $out"
+grep -Eq '^better one +at least +0.5 +0.9  met$' <<<"$out" || fail "a program's second line is another: $out"
+! grep -q ' program ' <<<"$out" || fail "a program that measures has a line of its own: $out"
+for program in bad silent broken; do
+    if out=$(judged $program); then
+        fail "the $program program does not fail the table"
+    fi
+    grep -Eq '^good one .*met$' <<<"$out" || fail "the line before is not met: $out"
+done
+for program in silent broken; do
+    out=$(judged $program) || true
+    grep -Eq '^second program .*nothing  MISSED$' <<<"$out" || fail "nothing is said of the $program program: $out"
+done

@@ -168,6 +168,35 @@ TEST_F(Load, MembersMayComeInAnyOrder) {
     EXPECT_EQ(dump(), EMPTY + publisher("main", "0", "running") + item("main", "0", "a", 5));
 }
 
+// Objects of several megabytes, in the usual form and in others, some of which lie across the parts in which the file
+// is read; an error after them names its line.
+TEST_F(Load, ObjectsAreTheSameWhereverTheyLie) {
+    constexpr int COUNT = 30000;
+    std::string set;
+    std::string wanted = EMPTY + publisher("main", "0", "running");
+    std::size_t lines = 0;
+    for (int i = 0; i < COUNT; ++i) {
+        const std::string path = "p" + std::to_string(100000 + i) + std::string(static_cast<std::size_t>(i % 97), '_');
+        const std::string usual = item("main", "0", path, i + 1);
+        wanted += usual;
+        if (i % 3 == 1) {  // in another order
+            set += R"({"item":{"node":0,"root":"main","type":"pm_values_parcel","record":{"Average":)" +
+                   std::to_string(i + 1) + R"(},"path":")" + path + "\"}}\n";
+        } else if (i % 7 == 2) {  // on several lines
+            set += "{\"item\":\n" + usual.substr(8);
+            ++lines;
+        } else {
+            set += usual;
+        }
+        ++lines;
+    }
+    ASSERT_GT(set.size(), 3U << 20);
+    load_good(set);
+    EXPECT_TRUE(dump() == wanted);
+    const outcome refused = load(set + item("mian", "0", "a", 1));
+    EXPECT_EQ(refused.error, "set.ndjson:" + std::to_string(lines + 1) + ": item.root: unknown root mian\n");
+}
+
 TEST_F(Load, APathMayHaveFourHundredBytesOfAnySign) {
     const std::string longest(400, 'x');
     load_good(item("main", "0", longest, 1) + item("main", "0", "a%2fb \xC3\xB6_________,:", 2));

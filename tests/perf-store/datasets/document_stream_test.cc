@@ -258,6 +258,57 @@ TEST_F(DocumentStream, SaysHowFarItIs) {
     EXPECT_EQ(in.bytes_read(), content.size());
 }
 
+// What is read without the stream's parser.
+TEST_F(DocumentStream, GivesWhatIsNextToWhoReadsItHimself) {
+    document_stream in(write("[1]\n[2]\n[3]\n"));
+    json_document document;
+    EXPECT_EQ(in.rest(), "");
+    ASSERT_TRUE(in.extend());
+    EXPECT_EQ(in.rest(), "[1]\n[2]\n[3]\n");
+    in.take(3);
+    EXPECT_EQ(in.rest(), "\n[2]\n[3]\n");
+    EXPECT_EQ(in.rest().data()[in.rest().size()], '\0');
+    EXPECT_EQ(in.line_of(1), 2U);
+    ASSERT_EQ(result_of(&in, &document), "document");
+    EXPECT_EQ(document.inside(document.root())->text, "2");
+    EXPECT_EQ(in.rest(), "\n[3]\n");
+    in.take(4);
+    EXPECT_EQ(in.place(1), name() + ":3: ");
+    EXPECT_EQ(in.rest(), "\n");
+    EXPECT_FALSE(in.extend());
+    EXPECT_EQ(result_of(&in, &document), "end");
+}
+
+TEST_F(DocumentStream, WhatIsTakenIsFollowedByWhiteSpaceToo) {
+    document_stream in(write("[1][2]\n"));
+    json_document document;
+    ASSERT_TRUE(in.extend());
+    in.take(3);
+    EXPECT_EQ(in.rest(), "");
+    EXPECT_FALSE(in.extend());
+    EXPECT_EQ(result_of(&in, &document), name() + ":1: no white space behind an object");
+}
+
+TEST_F(DocumentStream, TheRestOfAFileThatCannotBeReadIsNothing) {
+    document_stream in(name());
+    json_document document;
+    EXPECT_EQ(in.rest(), "");
+    EXPECT_FALSE(in.extend());
+    EXPECT_EQ(result_of(&in, &document), "perf-store: " + name() + ": No such file or directory");
+}
+
+TEST_F(DocumentStream, BuffersAsMuchAsIsNeeded) {
+    const std::string content = "[1]\n[\"" + std::string(5 * PIECE, 'x') + "\"]\n";
+    document_stream in(write(content));
+    ASSERT_TRUE(in.extend());
+    in.take(3);
+    while (in.rest().size() < content.size() - 3) {
+        ASSERT_TRUE(in.extend());
+    }
+    EXPECT_EQ(in.rest(), content.substr(3));
+    EXPECT_EQ(in.line_of(1), 2U);
+}
+
 // Gives the program another standard input while it lives.
 class input_from {
 public:

@@ -27,17 +27,51 @@ pm_error dataset_loader::load(const std::string &file) {
     progress_line progress("loading", in.bytes_in_all());
     for (;;) {
         bool found = false;
+        if (const pm_error failed = load_directly(&in, &found)) {
+            return pm_error("perf-store: " + failed.text());
+        }
+        if (found) {
+            progress.advance(items_, in.bytes_read());
+            continue;
+        }
         pm_error unreadable = in.next(&document_, &found);
         if (unreadable || !found) {
             return unreadable;
         }
         path_.clear();
-        memory_.reset();
         if (const pm_error error = load_object()) {
             return pm_error((store_failed_ ? "perf-store: " : in.place(path_.error_offset())) + error.text());
         }
         progress.advance(items_, in.bytes_read());
     }
+}
+
+// Loads what comes next, if that can be done without a look at its JSON as a whole. The error is the store's.
+pm_error dataset_loader::load_directly(document_stream *in, bool *loaded) {
+    direct_objects::object object;
+    do {
+        memory_.reset();
+        object = direct_.read(in->rest());
+    } while (object.index() == 0 && direct_.was_cut() && in->extend());
+    if (object.index() == 0) {
+        return {};
+    }
+    const pm_error failed = put_directly(object);
+    *loaded = failed.code() != ERRCODE_RANGE;  // a record that is nested too deeply is refused with its place
+    if (*loaded) {
+        in->take(direct_.length());
+    }
+    return *loaded ? failed : pm_error();
+}
+
+pm_error dataset_loader::put_directly(const direct_objects::object &object) {
+    if (const auto *const interface = std::get_if<direct_interface>(&object)) {
+        return into_.put_interface(interface->handle, &interface->record);
+    }
+    const auto &item = std::get<direct_item>(object);
+    pm_error failed = into_.put_item(item.into, item.path, item.record, item.type);
+    items_ += failed ? 0 : 1;
+    return failed;
 }
 
 pm_error dataset_loader::stored(const pm_error &error) {

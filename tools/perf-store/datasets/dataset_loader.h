@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "base/pm_error.h"
+#include "perf-store/datasets/direct_objects.h"
 #include "perf-store/datasets/document_stream.h"
 #include "perf-store/datasets/json_document.h"
 #include "perf-store/datasets/member_path.h"
@@ -35,6 +36,8 @@ public:
     [[nodiscard]] std::uint64_t nodes() const { return nodes_; }
 
 private:
+    [[nodiscard]] pm_error load_directly(document_stream *in, bool *loaded);
+    [[nodiscard]] pm_error put_directly(const direct_objects::object &object);
     [[nodiscard]] pm_error load_object();
     [[nodiscard]] pm_error load_dataset(const json_node &node);
     [[nodiscard]] pm_error load_platform(const json_node &node);
@@ -62,6 +65,7 @@ private:
     member_path path_;
     record_memory memory_;
     record_reader reader_;
+    direct_objects direct_{&memory_};
     const document_stream *stream_ = nullptr;                 // the file that is read
     std::unordered_map<std::uint32_t, std::uint64_t> given_;  // lines of its nodes, by their ids
     bool store_failed_ = false;                               // the error is the store's, not the input's

@@ -21,7 +21,7 @@ constexpr std::size_t TOKEN_LENGTH = 16;  // an error this close to the end may 
 
 }  // namespace
 
-document_stream::document_stream(std::string path) : name_(std::move(path)), buffer_(PART + json_document::PADDING) {
+document_stream::document_stream(std::string path) : name_(std::move(path)), buffer_(PART + 1) {
     if (name_ == "-") {
         name_ = "<stdin>";
         file_descriptor_ = STDIN_FILENO;
@@ -55,10 +55,10 @@ pm_error document_stream::read_more() {
     std::memmove(buffer_.data(), buffer_.data() + at_, filled_ - at_);
     filled_ -= at_;
     at_ = 0;
-    if (buffer_.size() - json_document::PADDING - filled_ < PART / 2) {
+    if (buffer_.size() - 1 - filled_ < PART / 2) {
         buffer_.resize(buffer_.size() * 2);
     }
-    const std::size_t room = buffer_.size() - json_document::PADDING;
+    const std::size_t room = buffer_.size() - 1;
     // A pipe gives little at a time; a long document would be parsed again for each part of it.
     while (!at_end_ && filled_ < room) {
         const ssize_t got = ::read(file_descriptor_, buffer_.data() + filled_, room - filled_);
@@ -73,11 +73,15 @@ pm_error document_stream::read_more() {
     return {};
 }
 
-void document_stream::pass_document() {
+pm_error document_stream::pass_document() {
+    if (length_ == 0) {
+        return {};
+    }
     line_ = line_of(length_);
     column_ = column_of(length_);
     at_ += length_;
     length_ = 0;
+    return pass_separator();
 }
 
 // Only white space may follow a document.
@@ -102,31 +106,22 @@ pm_error document_stream::next(json_document *document, bool *found) {
     return error_;
 }
 
-// Reads the line that comes next, if it is in the buffer and a document by itself.
-bool document_stream::read_line(json_document *document) {
-    const std::string_view left(buffer_.data() + at_, filled_ - at_);
-    const std::size_t begin = left.find_first_not_of(WHITE_SPACE);
-    const std::size_t end = begin < left.size() ? left.find('\n', begin) : std::string_view::npos;
-    if (end == std::string_view::npos || !document->read_line(left.substr(0, end))) {
-        return false;
-    }
-    length_ = end;
-    return true;
+std::string_view document_stream::rest() {
+    error_ = error_ ? error_ : pass_document();
+    return error_ ? std::string_view("", 0) : std::string_view(buffer_.data() + at_, filled_ - at_);
+}
+
+bool document_stream::extend() {
+    const std::uint64_t before = bytes_read_;
+    error_ = error_ || at_end_ ? error_ : read_more();
+    return !error_ && bytes_read_ != before;
 }
 
 pm_error document_stream::read_document(json_document *document, bool *found) {
-    const bool is_first = length_ == 0;
-    pass_document();
-    if (!is_first) {
-        if (pm_error error = pass_separator()) {
-            return error;
-        }
+    if (pm_error error = pass_document()) {
+        return error;
     }
     for (;;) {
-        if (read_line(document)) {
-            *found = true;
-            return {};
-        }
         const std::size_t left = filled_ - at_;
         const pm_error wrong = left > 0 ? document->read(buffer_.data() + at_, &length_) : pm_error();
         if (left > 0 && !wrong && length_ > 0) {

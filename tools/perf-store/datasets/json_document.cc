@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The careful parser: RapidJSON parses; its events build the nodes.
+// RapidJSON parses; its events build the nodes.
 #include "perf-store/datasets/json_document.h"
 
 #include <cstring>

@@ -2,16 +2,10 @@
 // A JSON text read into a flat list of nodes, numbers kept as they are written.
 //
 // Each node knows its place in the input, so that an error can name the line.
-//
-// Two parsers read it. Nearly every document of a data set is a line with an object, which simdjson reads several
-// times as fast as any other parser. It tells neither where a text is wrong nor where a document ends in what follows,
-// and it resolves halves of surrogate pairs: what it does not take as it is written is read again, or refused with the
-// place and the reason, by the careful parser.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,8 +18,6 @@ enum class json_kind : std::uint8_t { null, boolean, number, text, object, array
 
 // Name of a kind for messages: "a number", "text".
 [[nodiscard]] const char *json_kind_name(json_kind kind);
-
-class line_reader;
 
 struct json_node {
     json_kind kind{};
@@ -40,17 +32,9 @@ struct json_node {
 // value's nodes; an array by its elements. Memory is kept from document to document.
 class json_document {
 public:
-    json_document();
-    ~json_document();
+    json_document() = default;
     json_document(const json_document &) = delete;
     json_document &operator=(const json_document &) = delete;
-
-    // Bytes after a line that read_line() may read, whatever they are.
-    static constexpr std::size_t PADDING = 64;
-
-    // Reads a text that is one whole object. False for anything but JSON, and for what only read() takes: a backslash,
-    // a number that is no integer, or values that nest deeply. The nodes' texts are views of `line`.
-    [[nodiscard]] bool read_line(std::string_view line);
 
     // Reads one document from the terminated text at `begin` and stops after it. `*length` is the number of
     // bytes read; 0 when there was nothing but white space. The error says what is wrong at byte `*length`.
@@ -63,11 +47,9 @@ public:
 
 private:
     friend class json_builder;
-    friend class line_reader;
 
     std::vector<json_node> nodes_;
-    std::vector<char> texts_;  // of the nodes, when read() has read them
-    std::unique_ptr<line_reader> line_reader_;
+    std::vector<char> texts_;  // of the nodes
 };
 
 }  // namespace perf_store

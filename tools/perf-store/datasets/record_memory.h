@@ -4,7 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace perf_store {
@@ -14,6 +16,12 @@ class record_memory {
 public:
     // Zeroed and aligned for any field. Valid until the next reset.
     [[nodiscard]] std::uint8_t *allocate(std::size_t size);
+    // A terminated copy of a text.
+    [[nodiscard]] const char *keep_text(std::string_view text) {
+        std::uint8_t *copy = allocate(text.size() + 1);
+        std::memcpy(copy, text.data(), text.size());
+        return reinterpret_cast<const char *>(copy);
+    }
     // Takes everything back.
     void reset();
 

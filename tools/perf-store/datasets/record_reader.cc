@@ -4,10 +4,10 @@
 
 #include <bitset>
 #include <cstring>
-#include <limits>
 
 #include "perf-store/datasets/message_text.h"
 #include "perf-store/datasets/nearest_word.h"
+#include "perf-store/datasets/value_bytes.h"
 #include "perf-store/datasets/value_text.h"
 
 namespace perf_store {
@@ -18,27 +18,6 @@ namespace {
 
 constexpr std::size_t MAX_FIELDS = 256;   // of one record
 constexpr std::uint32_t MAX_DEPTH = 256;  // of records within one another; the codec's own limit is lower
-constexpr std::uint32_t IPV4_VALUE = 0;   // discriminators of an address
-constexpr std::uint32_t IPV6_VALUE = 1;
-constexpr std::uint32_t NONE_VALUE = 2;
-constexpr std::uint64_t MAX_U32 = std::numeric_limits<std::uint32_t>::max();
-
-template <class T>
-void put(std::uint8_t *to, T value) {
-    std::memcpy(to, &value, sizeof value);
-}
-
-// A number of 1, 2, 4 or 8 bytes.
-void put_unsigned(std::uint8_t *to, std::uint64_t value, std::uint32_t size) { std::memcpy(to, &value, size); }
-
-std::uint64_t largest_of(std::uint32_t size) {
-    return size == sizeof(std::uint64_t) ? ~0ULL : (1ULL << (8 * size)) - 1;
-}
-
-// Whether a value of 64 bits is within an int32 or, without a minus, within `largest`.
-bool fits_32_bits(std::uint64_t value, bool negative, std::uint64_t largest) {
-    return negative ? static_cast<std::int64_t>(value) >= std::numeric_limits<std::int32_t>::min() : value <= largest;
-}
 
 }  // namespace
 
@@ -90,7 +69,7 @@ pm_error record_reader::read_enumeration(const json_node &node, const value_shap
     if (pm_error error = read_integer(node, shape.notation, &value, &negative)) {
         return error;
     }
-    if (!fits_32_bits(value, negative, std::numeric_limits<std::int32_t>::max())) {
+    if (!fits_32_bits(value, negative, MAX_ENUMERATOR)) {
         return out_of_range(node, shape.notation);
     }
     put(to, static_cast<std::int32_t>(value));
@@ -115,9 +94,7 @@ pm_error record_reader::keep_text(const json_node &node, const char **text) {
     if (pm_error error = read_text(node, &view)) {
         return error;
     }
-    std::uint8_t *copy = memory_->allocate(view.size() + 1);
-    std::memcpy(copy, view.data(), view.size());
-    *text = reinterpret_cast<const char *>(copy);
+    *text = memory_->keep_text(view);
     return {};
 }
 
@@ -236,14 +213,7 @@ pm_error record_reader::read_address(const json_node &node, const record_shape &
     if (pm_error error = read_text(node, &text)) {
         return error;
     }
-    if (parse_ipv4(text, to + shape.arm_of(IPV4_VALUE)->offset)) {
-        put(to, IPV4_VALUE);
-    } else if (parse_ipv6(text, to + shape.arm_of(IPV6_VALUE)->offset)) {
-        put(to, IPV6_VALUE);
-    } else {
-        return refuse(node, excerpt(text) + " is not an address");
-    }
-    return {};
+    return put_address(text, shape, to) ? pm_error() : refuse(node, excerpt(text) + " is not an address");
 }
 
 pm_error record_reader::read_value(const json_node &node, const value_shape &shape, std::uint8_t *to) {
@@ -287,19 +257,13 @@ pm_error record_reader::read_octets(const json_node &node, const value_shape &sh
     if (pm_error error = read_text(node, &text)) {
         return error;
     }
-    bool good = false;
-    const char *what = nullptr;
-    if (shape.what == kind::ipv4) {
-        good = parse_ipv4(text, to);
-        what = "an IPv4 address";
-    } else if (shape.format == 's') {
-        good = parse_ipv6(text, to);
-        what = "an IPv6 address";
-    } else {
-        good = parse_mac(text, to);
-        what = "a MAC address";
+    if (put_octets(text, shape, to)) {
+        return {};
     }
-    return good ? pm_error() : refuse(node, excerpt(text) + " is not " + what);
+    const char *const what = shape.what == kind::ipv4 ? "an IPv4 address"
+                             : shape.format == 's'    ? "an IPv6 address"
+                                                      : "a MAC address";
+    return refuse(node, excerpt(text) + " is not " + what);
 }
 
 pm_error record_reader::read_optional(const json_node &node, const value_shape &shape, std::uint8_t *to) {
