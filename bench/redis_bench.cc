@@ -3,6 +3,7 @@
 // library's ordinary replies, in turns.
 //
 //   redis_bench SOCKET [ITEMS]      (a server that may be filled)
+//   redis_bench SOCKET ITEMS load   only fills it, and prints at which rate
 //
 // Prints medians, and lines "target", what, most or least, the target and what was measured, with tabs between them.
 #include <algorithm>
@@ -222,7 +223,7 @@ void print_target(const char *what, const char *bound, double limit, double meas
 
 int main(int argc, char **argv) {
     if (argc < 2) {
-        std::fputs("usage: redis_bench SOCKET [ITEMS]\n", stderr);
+        std::fputs("usage: redis_bench SOCKET [ITEMS [load]]\n", stderr);
         return 2;
     }
     const char *const socket = argv[1];
@@ -233,6 +234,9 @@ int main(int argc, char **argv) {
         return 1;
     });
     std::printf("loaded %.0f items/s of %zu bytes\n", items / loading, ITEM_BYTES);
+    if (argc > 3) {
+        return 0;
+    }
     const int values = store_values(socket);
 
     const auto payload = each_page(socket, [](const redisReply *) {});
