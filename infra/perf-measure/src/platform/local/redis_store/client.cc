@@ -133,6 +133,7 @@ pm_error client::judge_lost(const waiting &each, const std::string &tag, repetit
     owners_.erase(tag);
     next->left.push_back({each.command, &home()});
     next->reason = each.lost;
+    next->lost = true;
     next->pause = true;
     return {};
 }
@@ -194,6 +195,7 @@ void client::begin(const pipeline &commands) {
 pm_error client::finish(const pipeline &commands, std::span<answer *const> answers, repetition allowed) {
     const clock::time_point deadline = clock::now() + url_.timeout;
     std::vector<waiting> round = std::move(begun_);
+    pm_error unreachable;  // why a server cannot be asked that another one names again and again
     for (int redirections = 0; !round.empty();) {
         receive_round(answers, &round);
         next_round next;
@@ -201,8 +203,13 @@ pm_error client::finish(const pipeline &commands, std::span<answer *const> answe
             return error;
         }
         redirections += next.redirected ? 1 : 0;
+        if (next.lost) {
+            unreachable = next.reason;
+        } else if (!next.redirected) {
+            unreachable = {};
+        }
         if (!next.left.empty() && (clock::now() >= deadline || redirections > MAX_REDIRECTIONS)) {
-            return next.reason;
+            return unreachable ? unreachable : next.reason;
         }
         if (next.pause) {
             std::this_thread::sleep_for(PAUSE);

@@ -81,6 +81,7 @@ private:
         pm_error reason;  // the first one why something is left
         bool pause = false;
         bool redirected = false;
+        bool lost = false;  // which the reason is then
     };
 
     [[nodiscard]] server_link &home() { return links_.front(); }
