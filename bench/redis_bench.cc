@@ -3,6 +3,7 @@
 // library's ordinary replies, in turns.
 //
 //   redis_bench SOCKET [ITEMS]      (a server that may be filled)
+//   redis_bench SOCKET ITEMS load   only fills it, and prints at which rate
 //
 // Prints medians, and lines "target", what, most or least, the target and what was measured, with tabs between them.
 #include <algorithm>
@@ -15,6 +16,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <vector>
 
@@ -186,12 +188,31 @@ double seconds_of(const std::function<std::size_t()> &run) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-std::uint64_t bytes_sent(const char *socket) {
+// A number of what the server says of itself.
+double server_number(const char *socket, const char *section, const std::string &name) {
     const server asked = connect_to(socket);
-    redisAppendCommand(asked.get(), "INFO stats");
+    redisAppendCommand(asked.get(), "INFO %s", section);
     const reply info = next_reply(asked.get());
-    const char *found = std::strstr(info->str, "total_net_output_bytes:");
-    return found != nullptr ? std::strtoull(std::strchr(found, ':') + 1, nullptr, 10) : 0;
+    const char *found = std::strstr(info->str, (name + ":").c_str());
+    return found != nullptr ? std::strtod(found + name.size() + 1, nullptr) : 0;
+}
+
+double bytes_sent(const char *socket) { return server_number(socket, "stats", "total_net_output_bytes"); }
+
+// The processor's time of the server and of this program until now.
+struct processor_time {
+    double server;
+    double client;
+};
+
+processor_time time_used(const char *socket) {
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    const auto seconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return {server_number(socket, "cpu", "used_cpu_sys") + server_number(socket, "cpu", "used_cpu_user"),
+            seconds(used.ru_utime) + seconds(used.ru_stime)};
 }
 
 void print_target(const char *what, const char *bound, double limit, double measured) {
@@ -202,7 +223,7 @@ void print_target(const char *what, const char *bound, double limit, double meas
 
 int main(int argc, char **argv) {
     if (argc < 2) {
-        std::fputs("usage: redis_bench SOCKET [ITEMS]\n", stderr);
+        std::fputs("usage: redis_bench SOCKET [ITEMS [load]]\n", stderr);
         return 2;
     }
     const char *const socket = argv[1];
@@ -213,32 +234,41 @@ int main(int argc, char **argv) {
         return 1;
     });
     std::printf("loaded %.0f items/s of %zu bytes\n", items / loading, ITEM_BYTES);
+    if (argc > 3) {
+        return 0;
+    }
     const int values = store_values(socket);
 
     const auto payload = each_page(socket, [](const redisReply *) {});
-    const std::uint64_t before = bytes_sent(socket);
+    const double sent_before = bytes_sent(socket);
     static_cast<void>(list(url));
-    const double wire = static_cast<double>(bytes_sent(socket) - before) / static_cast<double>(payload);
+    const double wire = (bytes_sent(socket) - sent_before) / static_cast<double>(payload);
 
     struct contestant {
         const char *name;
         std::function<std::size_t()> run;
         std::vector<double> seconds;
+        processor_time used{};
     };
-    contestant all[] = {{"raw transfer", [&] { return transfer(socket, values); }, {}},
-                        {"listing", [&] { return list(url); }, {}},
-                        {"ordinary replies", [&] { return each_page(socket, [](const redisReply *) {}); }, {}}};
+    contestant all[] = {{"raw transfer", [&] { return transfer(socket, values); }, {}, {}},
+                        {"listing", [&] { return list(url); }, {}, {}},
+                        {"ordinary replies", [&] { return each_page(socket, [](const redisReply *) {}); }, {}, {}}};
     for (int round = 0; round < ROUNDS; ++round) {
         for (contestant &each : all) {
+            const processor_time before = time_used(socket);
             each.seconds.push_back(seconds_of(each.run));
+            const processor_time after = time_used(socket);
+            each.used.server += after.server - before.server;
+            each.used.client += after.client - before.client;
         }
     }
     double medians[3];
     for (int i = 0; i < 3; ++i) {
         std::sort(all[i].seconds.begin(), all[i].seconds.end());
         medians[i] = all[i].seconds[ROUNDS / 2];
-        std::printf("%-18s %8.1f ms %8.0f MB/s\n", all[i].name, medians[i] * 1e3,
-                    static_cast<double>(payload) / medians[i] / 1e6);
+        std::printf("%-18s %8.1f ms %8.0f MB/s, processor: server %6.1f ms, client %6.1f ms\n", all[i].name,
+                    medians[i] * 1e3, static_cast<double>(payload) / medians[i] / 1e6,
+                    all[i].used.server / ROUNDS * 1e3, all[i].used.client / ROUNDS * 1e3);
     }
     print_target("redis: listing, beside a raw transfer", "most", 1.7, medians[1] / medians[0]);
     print_target("redis: listing, beside ordinary replies", "most", 0.75, medians[1] / medians[2]);

@@ -20,8 +20,10 @@ void wait_for(const redis_server &server, std::initializer_list<std::string_view
 
 }  // namespace
 
-redis_cluster::redis_cluster() {
-    std::string command = std::string(REDIS_CLI) + " --cluster create --cluster-yes";
+redis_cluster::redis_cluster(std::string certificate) : certificate_(std::move(certificate)) {
+    std::string command = REDIS_CLI;
+    command += certificate_.empty() ? "" : " --tls --cacert " + certificate_ + ".pem";
+    command += " --cluster create --cluster-yes";
     for (int i = 0; i < MASTERS; ++i) {
         add_server();
         command += " " + address(i);
@@ -34,14 +36,25 @@ redis_cluster::redis_cluster() {
 
 void redis_cluster::add_server() {
     ports_.push_back(std::to_string(redis_server::free_port()));
-    servers_.push_back(std::make_unique<redis_server>(
-        std::vector<std::string>{"port", ports_.back(), "bind", "127.0.0.1", "cluster-enabled", "yes",
-                                 "cluster-node-timeout", "60000", "repl-diskless-sync-delay", "0"}));
+    std::vector<std::string> options = {
+        "bind", "127.0.0.1", "cluster-enabled", "yes", "cluster-node-timeout", "60000", "repl-diskless-sync-delay",
+        "0"};
+    if (certificate_.empty()) {
+        options.insert(options.end(), {"port", ports_.back()});
+    } else {
+        options.insert(options.end(), {"tls-port", ports_.back(), "tls-cluster", "yes", "tls-replication", "yes",
+                                       "tls-cert-file", certificate_ + ".pem", "tls-key-file", certificate_ + ".key",
+                                       "tls-ca-cert-file", certificate_ + ".pem", "tls-auth-clients", "no"});
+    }
+    servers_.push_back(std::make_unique<redis_server>(std::move(options)));
 }
 
 std::string redis_cluster::address(int server) const { return "127.0.0.1:" + ports_[static_cast<std::size_t>(server)]; }
 
-std::string redis_cluster::url(int server) const { return "redis://" + address(server) + "?timeout=2000"; }
+std::string redis_cluster::url(int server) const {
+    return certificate_.empty() ? "redis://" + address(server) + "?timeout=2000"
+                                : "rediss://" + address(server) + "?timeout=2000&ca=" + certificate_ + ".pem";
+}
 
 std::string redis_cluster::id_of(int server) const { return this->server(server).run({"CLUSTER", "MYID"}); }
 

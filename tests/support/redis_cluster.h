@@ -10,7 +10,8 @@
 
 class redis_cluster {
 public:
-    redis_cluster();
+    // With a certificate, the servers talk TLS only, each with FOLDER/NAME.pem and FOLDER/NAME.key.
+    explicit redis_cluster(std::string certificate = "");
 
     // A URL that names one server: a master's, or the replica's.
     [[nodiscard]] std::string url(int server = 0) const;
@@ -39,6 +40,7 @@ private:
     void add_server();
     [[nodiscard]] std::string id_of(int server) const;
 
+    std::string certificate_;
     std::vector<std::string> ports_;
     std::vector<std::unique_ptr<redis_server>> servers_;
 };

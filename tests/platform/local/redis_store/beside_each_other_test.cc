@@ -254,6 +254,35 @@ TEST(BesideEachOther, ACarelessPublisherWouldBeSeen) {
     EXPECT_EQ(doubled.missed, 0);
 }
 
+// Its set is gone while it has none, and the directory is asked whether that is right.
+TEST(BesideEachOther, ABranchThatLosesItsItemsAndGetsOthersIsNotDamaged) {
+    const redis_server server;
+    const std::string url = server.url("&timeout=20000");
+    tally begun;
+    load_all(url, "first", &begun);
+    const auto empty_and_fill = [&](int call, tally *into) {
+        commit(url, store::missing_store::make, into, [&](store::writer *writer) {
+            std::uint64_t removed = 0;
+            return call % 2 == 0 ? writer->remove_below(PUBLISHED[0], "item", &removed)
+                                 : put_all(writer, PUBLISHED[0], 0, PUBLISHED_ITEMS, "again");
+        });
+    };
+    const auto read = [reader = std::shared_ptr<store::reader>(read_store(url))](int, tally *into) {
+        store::batch batch;
+        const pm_error error = reader->list(PUBLISHED[0], {"item/", "", 200, {}}, nullptr, &batch);
+        into->failed += error ? 1 : 0;
+        into->torn += batch.items().empty() || batch.items().size() == PUBLISHED_ITEMS ? 0 : 1;
+        into->missed += batch.items().empty() ? 1 : 0;
+        ++into->readings;
+    };
+    const tally sum = run_together(2, {empty_and_fill, read});
+    EXPECT_GT(sum.commits, 10);
+    EXPECT_GT(sum.missed, 10);  // so it was seen empty
+    EXPECT_GT(sum.readings, sum.missed);
+    EXPECT_EQ(sum.torn, 0);
+    EXPECT_EQ(sum.failed, 0);
+}
+
 std::vector<std::string> keys_of(const redis_server &server) {
     std::vector<std::string> keys;
     const std::string together = server.run({"EVAL", "return table.concat(redis.call('KEYS', '*'), '\\n')", "0"});

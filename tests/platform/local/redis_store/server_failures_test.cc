@@ -150,9 +150,14 @@ TEST(FailingServer, ThatIsAReplicaCountsLeasesItself) {
     ASSERT_FALSE(writer->commit());
     const redis_server replica;
     replica.run({"REPLICAOF", "127.0.0.1", port});
-    for (int tries = 0; tries < 500 && replica.run({"EXISTS", "ps1:{m00000001}:l"}) != "1"; ++tries) {
-        ::usleep(20'000);
-    }
+    const auto wait_for = [](const auto &is_so) {
+        for (int tries = 0; tries < 5000 && !is_so(); ++tries) {
+            ::usleep(2000);
+        }
+    };
+    wait_for([&] { return replica.run({"EXISTS", "ps1:{m00000001}:l"}) == "1"; });
+    ASSERT_EQ(master.run({"SET", "later", "1"}), "OK");
+    wait_for([&] { return replica.run({"EXISTS", "later"}) == "1"; });  // it hears of changes now
     const auto state_there = [&] {
         store::known_state state;
         store::batch batch;
@@ -160,9 +165,10 @@ TEST(FailingServer, ThatIsAReplicaCountsLeasesItself) {
         return state;
     };
     EXPECT_EQ(state_there(), store::publisher_state::running);
-    master.run({"PEXPIRE", "ps1:{m00000001}:l", "300"});
+    master.run({"PEXPIRE", "ps1:{m00000001}:l", "500"});
+    wait_for([&] { return std::stol(replica.run({"PTTL", "ps1:{m00000001}:l"})) <= 500; });
     master.send_signal(SIGSTOP);
-    ::usleep(400'000);
+    ::usleep(600'000);
     EXPECT_EQ(state_there(), store::publisher_state::stopped);
 }
 

@@ -77,6 +77,39 @@ TEST(RedisStore, TakesTheLastOfItemsThatArePutTwice) {
     EXPECT_EQ(server.run({"ZCARD", "ps1:{m00000001}:i"}), "3000");
 }
 
+// Two branches are staged in turns, a few hundred items at a time; items are put again and removed long after they were
+// sent.
+TEST(RedisStore, KeepsCountWhileTheServerIsAtWorkOnWhatWasSentBefore) {
+    constexpr store::branch branches[] = {MAIN_1, {store::root::receive, 2}};
+    const std::string long_name(1300, 'n');
+    const redis_server server;
+    ASSERT_FALSE(load_items(server.url(), 500, "old"));
+    const auto writer = write_store(server.url());
+    for (int i = 0; i < 3000; ++i) {
+        for (const store::branch &each : branches) {
+            const std::string path = "item/" + std::to_string(100'000 + i).substr(1) + "0";
+            ASSERT_FALSE(put_named(writer.get(), path, long_name, each));
+        }
+        if (i % 1000 == 999) {
+            std::uint64_t removed = 0;
+            ASSERT_FALSE(put_named(writer.get(), "item/000010", "again", branches[1]));
+            ASSERT_FALSE(writer->remove_item(branches[1], "item/0" + std::to_string(100'000 + i - 900).substr(2) + "0",
+                                             &removed));
+            EXPECT_EQ(removed, 1U);
+        }
+    }
+    ASSERT_FALSE(writer->commit());
+    const auto reader = read_store(server.url());
+    store::census census;
+    ASSERT_FALSE(reader->count(&census));
+    EXPECT_EQ(census.records, 450U + 3000U + 3000U - 3U + 2U);  // of those of before, every tenth was replaced
+    EXPECT_EQ(server.run({"ZCARD", "ps1:{x00000002}:i"}), "2997");
+    std::string parcel;
+    EXPECT_FALSE(reader->get(branches[1], "item/000010", {}, nullptr, &parcel));
+    EXPECT_EQ(name_at(reader.get(), "item/000010"), long_name);
+    EXPECT_EQ(name_at(reader.get(), "item/000011"), "old");
+}
+
 TEST(RedisStore, ListsInBatchesOf200AndSaysExactlyWhetherMoreFollow) {
     const redis_server server;
     ASSERT_FALSE(load_items(server.url(), 400));

@@ -5,6 +5,7 @@
 
 #include "platform/local/redis_store/redis_reader.h"
 #include "tests/support/command.h"
+#include "tests/support/redis_cluster.h"
 #include "tests/support/redis_server.h"
 
 namespace {
@@ -69,6 +70,25 @@ TEST(Tls, ShowsTheClientsCertificateToAServerThatWantsOne) {
                   .text()
                   .find("127.0.0.1:" + port + ": cannot use the certificate in /none.pem: "),
               0U);
+}
+
+TEST(Tls, HoldsForTheServersThatOneOfAClusterNames) {
+    const temporary_folder folder;
+    const std::string right = make_certificate(folder, "right", "IP:127.0.0.1");
+    const std::string other = make_certificate(folder, "other", "IP:127.0.0.1");
+    const redis_cluster cluster(right);
+    const store::branch branch = cluster.branch_at(1);
+    const auto writer = write_store(cluster.url(0));
+    ASSERT_FALSE(put_named(writer.get(), "item/000000", "sealed", branch));
+    ASSERT_FALSE(writer->commit());
+    EXPECT_EQ(cluster.server(1).run_here({"ZCARD", redis_cluster::items_key(branch)}), "1");
+    std::string parcel;
+    EXPECT_FALSE(read_store(cluster.url(2))->get(branch, "item/000000", {}, nullptr, &parcel));
+    EXPECT_FALSE(parcel.empty());
+    ASSERT_EQ(cluster.server(1).run({"CONFIG", "SET", "tls-cert-file", other + ".pem", "tls-key-file", other + ".key"}),
+              "OK");
+    EXPECT_EQ(read_store(cluster.url(2))->get(branch, "item/000000", {}, nullptr, &parcel).text(),
+              cluster.address(1) + ": TLS handshake: self-signed certificate");
 }
 
 }  // namespace

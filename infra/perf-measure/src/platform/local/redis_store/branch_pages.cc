@@ -14,6 +14,8 @@ namespace redis_store {
 
 namespace {
 
+constexpr int MAX_TRIES = 10;  // of a page of a branch that comes and goes meanwhile
+
 // The path of the companion that an item at `path` has.
 std::string companion_of(const page_query &asked, std::string_view path) {
     return asked.companions + std::string(path.substr(asked.items.size()));
@@ -67,32 +69,76 @@ pm_error branch_pages::read(const page_query &asked) {
     const bool is_here = std::exchange(ahead_, ahead::nothing) == ahead::received && next_->asked == asked;
     if (is_here) {
         std::swap(shown_, next_);
-    } else {
-        expect(asked, shown_);
-        if (pm_error error = client_.exchange(commands(asked), shown_->all(), repetition::allowed)) {
+    } else if (pm_error error = read_now(asked)) {
+        return error;
+    }
+    for (int tries = 0; shown_->exists.number() == 0 && tries < MAX_TRIES; ++tries) {
+        bool changed = false;
+        if (pm_error error = check_missing(asked, &changed); error || !changed) {
+            return error;
+        }
+        if (pm_error error = read_now(asked)) {
             return error;
         }
     }
-    return shown_->exists.number() == 0 ? check_missing(asked) : pm_error();
+    return {};
 }
 
-// A set that has become empty is gone. The directory tells whether it should be. A replica of a cluster may only be
-// behind, or its set on the way to another server.
-pm_error branch_pages::check_missing(const page_query &asked) {
-    pipeline question;
-    question.add({"HGET", names_.of(state_part::branches), branch_name(asked.from)});
-    plain_answer noted(1);
-    answer *const all[] = {&noted};
-    if (pm_error error = client_.exchange(question, all, repetition::allowed)) {
+pm_error branch_pages::read_now(const page_query &asked) {
+    expect(asked, shown_);
+    return client_.exchange(commands(asked), shown_->all(), repetition::allowed);
+}
+
+// A set that has become empty is gone. The directory tells whether it should be, if it says the same before and after
+// the set was found missing: a writer may be at work. A replica of a cluster may only be behind, or its set on the way
+// to another server.
+pm_error branch_pages::check_missing(const page_query &asked, bool *changed) {
+    noted_items before;
+    if (pm_error error = ask_noted(asked.from, &before)) {
         return error;
     }
-    if (noted.number() == 0) {  // or unsettled
+    if (before.items == 0) {  // or unsettled
         return {};
     }
-    if (client_.leave_replicas()) {
-        return read(asked);
+    *changed = client_.leave_replicas();
+    if (*changed) {
+        return {};
+    }
+    bool exists = false;
+    if (pm_error error = ask_exists(asked.from, &exists)) {
+        return error;
+    }
+    noted_items after;
+    if (pm_error error = ask_noted(asked.from, &after)) {
+        return error;
+    }
+    *changed = exists || before != after;
+    if (*changed) {
+        return {};
     }
     return {OPSTORE_DAMAGED, client_.describe("the items of branch " + branch_name(asked.from) + " are gone")};
+}
+
+pm_error branch_pages::ask_noted(const store::branch &of, noted_items *noted) {
+    pipeline questions;
+    questions.add({"HGET", names_.of(state_part::marks), "V"});
+    questions.add({"HGET", names_.of(state_part::branches), branch_name(of)});
+    plain_answer change(1);
+    plain_answer items(1);
+    answer *const all[] = {&change, &items};
+    pm_error error = client_.exchange(questions, all, repetition::allowed);
+    *noted = {change.number(), items.number()};
+    return error;
+}
+
+pm_error branch_pages::ask_exists(const store::branch &of, bool *exists) {
+    pipeline question;
+    question.add({"EXISTS", names_.of(of, branch_part::items)});
+    plain_answer found(1);
+    answer *const all[] = {&found};
+    pm_error error = client_.exchange(question, all, repetition::allowed);
+    *exists = found.number() != 0;
+    return error;
 }
 
 void branch_pages::ask_ahead(const page_query &next) {

@@ -60,7 +60,17 @@ private:
 
     [[nodiscard]] pipeline commands(const page_query &asked) const;
     static void expect(const page_query &asked, answers *into);
-    [[nodiscard]] pm_error check_missing(const page_query &asked);
+    // What the directory says of a branch, and of which change of the store that is.
+    struct noted_items {
+        std::uint64_t change = 0;
+        std::uint64_t items = 0;
+        bool operator==(const noted_items &) const = default;
+    };
+
+    [[nodiscard]] pm_error read_now(const page_query &asked);
+    [[nodiscard]] pm_error check_missing(const page_query &asked, bool *changed);
+    [[nodiscard]] pm_error ask_noted(const store::branch &of, noted_items *noted);
+    [[nodiscard]] pm_error ask_exists(const store::branch &of, bool *exists);
 
     client &client_;
     const key_names &names_;

@@ -71,31 +71,46 @@ pm_error client::receive(std::span<answer *const> answers) {
     return first;
 }
 
-// Sends a round of commands to their servers, and reads what comes. A server that fails does not keep the others'
-// answers from being read.
-void client::ask(const pipeline &commands, std::span<answer *const> answers, std::vector<waiting> *round) {
+// Sends those commands of a round that are for one server.
+pm_error client::send_to(server_link *to, const pipeline &commands, const std::vector<waiting> &round) {
+    const bool is_whole =
+        round.size() == commands.commands() &&
+        std::all_of(round.begin(), round.end(), [&](const waiting &each) { return each.to == to && !each.asking; });
+    if (is_whole) {
+        return to->send(commands.bytes());
+    }
+    std::string bytes;
+    for (const waiting &each : round) {
+        if (each.to == to) {
+            bytes += each.asking ? ASKING : "";
+            bytes += commands.bytes_of(each.command);
+        }
+    }
+    return to->send(bytes);
+}
+
+// Sends a round of commands to their servers.
+void client::send_round(const pipeline &commands, std::vector<waiting> *round) {
     std::map<const server_link *, pm_error> failures;
     for (const waiting &first : *round) {
         const auto [failure, is_new] = failures.try_emplace(first.to);
         if (!is_new) {
             continue;
         }
-        std::string bytes;
-        for (const waiting &each : *round) {
-            if (each.to == first.to) {
-                bytes += each.asking ? ASKING : "";
-                bytes += commands.bytes_of(each.command);
-            }
-        }
-        failure->second = first.to->send(bytes);
+        failure->second = send_to(first.to, commands, *round);
     }
     for (waiting &each : *round) {
         each.lost = failures[each.to];
         each.sent = !each.lost;
         each.to_replica = each.to->lets_replica_read();
     }
+}
+
+// Reads what comes. A server that fails does not keep the others' answers from being read.
+void client::receive_round(std::span<answer *const> answers, std::vector<waiting> *round) {
+    std::map<const server_link *, pm_error> failures;
     for (waiting &each : *round) {
-        pm_error &failure = failures[each.to];
+        pm_error &failure = failures.try_emplace(each.to, each.lost).first->second;
         plain_answer ignored;
         if (!failure && each.asking) {
             failure = each.to->receive(&ignored);
@@ -118,6 +133,7 @@ pm_error client::judge_lost(const waiting &each, const std::string &tag, repetit
     owners_.erase(tag);
     next->left.push_back({each.command, &home()});
     next->reason = each.lost;
+    next->lost = true;
     next->pause = true;
     return {};
 }
@@ -168,26 +184,38 @@ pm_error client::judge(const pipeline &commands, std::span<answer *const> answer
     return first;
 }
 
-pm_error client::exchange(const pipeline &commands, std::span<answer *const> answers, repetition allowed) {
-    const clock::time_point deadline = clock::now() + url_.timeout;
-    std::vector<waiting> round;
+void client::begin(const pipeline &commands) {
+    begun_.clear();
     for (std::size_t i = 0; i < commands.commands(); ++i) {
-        round.push_back({i, &link_of(commands.tag_of(i))});
+        begun_.push_back({i, &link_of(commands.tag_of(i))});
     }
+    send_round(commands, &begun_);
+}
+
+pm_error client::finish(const pipeline &commands, std::span<answer *const> answers, repetition allowed) {
+    const clock::time_point deadline = clock::now() + url_.timeout;
+    std::vector<waiting> round = std::move(begun_);
+    pm_error unreachable;  // why a server cannot be asked that another one names again and again
     for (int redirections = 0; !round.empty();) {
-        ask(commands, answers, &round);
+        receive_round(answers, &round);
         next_round next;
         if (pm_error error = judge(commands, answers, allowed, round, &next)) {
             return error;
         }
         redirections += next.redirected ? 1 : 0;
+        if (next.lost) {
+            unreachable = next.reason;
+        } else if (!next.redirected) {
+            unreachable = {};
+        }
         if (!next.left.empty() && (clock::now() >= deadline || redirections > MAX_REDIRECTIONS)) {
-            return next.reason;
+            return unreachable ? unreachable : next.reason;
         }
         if (next.pause) {
             std::this_thread::sleep_for(PAUSE);
         }
         round = std::move(next.left);
+        send_round(commands, &round);
     }
     return {};
 }

@@ -41,7 +41,14 @@ public:
     // with AUTH and SELECT. Those that a cluster redirects are sent on, and those that have to wait (a server that is
     // still loading its data, a slot between two servers) again, until the URL's timeout is over. A refusal of any
     // command is an error, after all answers are there.
-    [[nodiscard]] pm_error exchange(const pipeline &commands, std::span<answer *const> answers, repetition allowed);
+    [[nodiscard]] pm_error exchange(const pipeline &commands, std::span<answer *const> answers, repetition allowed) {
+        begin(commands);
+        return finish(commands, answers, allowed);
+    }
+    // Its two halves: the commands are sent, and at work while the caller does something else, but not with the client.
+    // What fails shows at the end.
+    void begin(const pipeline &commands);
+    [[nodiscard]] pm_error finish(const pipeline &commands, std::span<answer *const> answers, repetition allowed);
 
     // The two halves of an exchange of commands with one hash tag, which is neither repeated nor redirected; nothing
     // else may be sent between them. The connection is closed after an error other than a refusal.
@@ -74,12 +81,15 @@ private:
         pm_error reason;  // the first one why something is left
         bool pause = false;
         bool redirected = false;
+        bool lost = false;  // which the reason is then
     };
 
     [[nodiscard]] server_link &home() { return links_.front(); }
     [[nodiscard]] server_link &link_of(const std::string &tag);
     [[nodiscard]] server_link &link_to(const server_address &server);
-    void ask(const pipeline &commands, std::span<answer *const> answers, std::vector<waiting> *round);
+    [[nodiscard]] static pm_error send_to(server_link *to, const pipeline &commands, const std::vector<waiting> &round);
+    void send_round(const pipeline &commands, std::vector<waiting> *round);
+    void receive_round(std::span<answer *const> answers, std::vector<waiting> *round);
     [[nodiscard]] pm_error judge(const pipeline &commands, std::span<answer *const> answers, repetition allowed,
                                  const std::vector<waiting> &round, next_round *next);
     [[nodiscard]] pm_error judge_lost(const waiting &each, const std::string &tag, repetition allowed,
@@ -92,6 +102,7 @@ private:
     std::map<std::string, server_link *> owners_;  // by hash tag, where it is not the first
     server_link *last_;
     server_link *ahead_ = nullptr;  // to which send() sent
+    std::vector<waiting> begun_;    // the first round of an exchange
 };
 
 }  // namespace redis_store

@@ -11,6 +11,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <thread>
@@ -25,6 +26,7 @@ namespace {
 constexpr std::string_view LOCALHOST = "localhost";
 constexpr char TIMED_OUT[] = "no answer in time";
 constexpr std::chrono::milliseconds QUEUE_PAUSE(5);
+constexpr std::chrono::microseconds AWAKE(200);  // what a server needs for a page of items, and some more
 
 std::string text_of(int number) { return std::strerror(number); }
 
@@ -212,10 +214,25 @@ pm_error connection::send(std::string_view bytes) {
     return {};
 }
 
+// Waits awake for a moment: a server of this machine answers sooner than this program could be woken.
+long connection::receive_from_socket(char *buffer, std::size_t size) const {
+    if (server_.is_local()) {
+        const clock::time_point end = clock::now() + AWAKE;
+        do {
+            const long received = ::recv(socket_, buffer, size, MSG_DONTWAIT);
+            if (received >= 0 || errno != EAGAIN) {
+                return received;
+            }
+            ::sched_yield();  // the server may need this processor
+        } while (clock::now() < end);
+    }
+    return ::recv(socket_, buffer, size, 0);
+}
+
 pm_error connection::receive(char *buffer, std::size_t size, std::size_t *length) {
     const clock::time_point deadline = clock::now() + timeout_;
     for (;;) {
-        const long received = tls_ != nullptr ? tls_->read(buffer, size) : ::recv(socket_, buffer, size, 0);
+        const long received = tls_ != nullptr ? tls_->read(buffer, size) : receive_from_socket(buffer, size);
         if (received > 0) {
             *length = static_cast<std::size_t>(received);
             return {};

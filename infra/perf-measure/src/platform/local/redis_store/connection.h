@@ -48,6 +48,7 @@ private:
     [[nodiscard]] pm_error begin_blocking();
     [[nodiscard]] pm_error blocking_failure(int number) const;
     [[nodiscard]] pm_error shake_hands(const redis_url &url, clock::time_point deadline);
+    [[nodiscard]] long receive_from_socket(char *buffer, std::size_t size) const;
     // Waits until the socket can do what `events` (of poll) says.
     [[nodiscard]] pm_error wait(short events, clock::time_point deadline);
     // Waits for what TLS wants after `result`, or says what failed.

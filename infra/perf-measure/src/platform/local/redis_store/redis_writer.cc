@@ -50,6 +50,7 @@ public:
     [[nodiscard]] pm_error commit() override;
 
 private:
+    [[nodiscard]] pm_error encode(const std::string &key, const void *record, const parcel_descriptor *descriptor);
     [[nodiscard]] pm_error encode(const std::string &key, const void *record, const parcel_descriptor *descriptor,
                                   std::string *value);
     [[nodiscard]] pm_error put_publisher_record(const branch &served, const local_publisher &record,
@@ -93,22 +94,31 @@ pm_error redis_writer::begin(store::missing_store missing) {
     return replaces ? clear() : router_.read_inventory(directory_, client_);
 }
 
-pm_error redis_writer::encode(const std::string &key, const void *record, const parcel_descriptor *descriptor,
-                              std::string *value) {
+// Makes the value of the encoder.
+pm_error redis_writer::encode(const std::string &key, const void *record, const parcel_descriptor *descriptor) {
     if (pm_error error = encoder_.encode(key, record, descriptor)) {
         return error;
     }
     if (encoder_.is_new_type(descriptor)) {
         router_.put_schema(parcel_fingerprint(descriptor), descriptor->schema);
     }
-    *value = encoder_.value();
     return refresh();
+}
+
+pm_error redis_writer::encode(const std::string &key, const void *record, const parcel_descriptor *descriptor,
+                              std::string *value) {
+    pm_error error = encode(key, record, descriptor);
+    *value = encoder_.value();
+    return error;
 }
 
 // Keeps what would expire: the lock, and what is staged.
 pm_error redis_writer::refresh() {
     if (!lock_.is_due()) {
         return {};
+    }
+    if (pm_error error = items_.settle()) {
+        return error;
     }
     pm_error error = lock_.refresh();
     return error ? error : items_.prolong();
@@ -167,9 +177,8 @@ pm_error redis_writer::put_item(const branch &into, std::string_view path, const
             return error;
         }
     }
-    std::string value;
-    pm_error error = encode(item_key(into, path), record, descriptor, &value);
-    return error ? error : items_.put(into, path, value);
+    pm_error error = encode(item_key(into, path), record, descriptor);
+    return error ? error : items_.put(into, path, encoder_.value());
 }
 
 pm_error redis_writer::has_item(const branch &in, std::string_view path, bool below, bool *found) {

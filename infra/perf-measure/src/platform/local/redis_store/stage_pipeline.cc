@@ -2,6 +2,8 @@
 // Sends the commands that build a staged set.
 #include "platform/local/redis_store/stage_pipeline.h"
 
+#include <utility>
+
 namespace redis_store {
 
 namespace {
@@ -16,37 +18,54 @@ constexpr char ADD_WITH_EXPIRY[] =
 
 }  // namespace
 
-pm_error stage_pipeline::add(std::span<const std::string_view> words, int sign) {
-    commands_.add(words);
-    signs_.push_back(sign);
-    return commands_.bytes().size() > PIPELINE_BYTES ? send() : pm_error();
+pm_error stage_pipeline::add(std::span<const std::string_view> words, const member_count &count) {
+    next_.commands.add(words);
+    next_.counts.push_back(count);
+    return next_.commands.bytes().size() > PIPELINE_BYTES ? send() : pm_error();
 }
 
 pm_error stage_pipeline::send() {
-    std::vector<plain_answer> answers(signs_.size(), plain_answer(1));
+    if (pm_error error = settle()) {
+        return error;
+    }
+    std::swap(next_, sent_);
+    if (!sent_.counts.empty()) {
+        client_.begin(sent_.commands);
+    }
+    return {};
+}
+
+pm_error stage_pipeline::settle() {
+    const std::vector<member_count> counts = std::exchange(sent_.counts, {});
+    std::vector<plain_answer> answers(counts.size(), plain_answer(1));
     std::vector<answer *> all;
     for (plain_answer &each : answers) {
         all.push_back(&each);
     }
-    if (pm_error error = client_.exchange(commands_, all, repetition::forbidden)) {
+    pm_error error = all.empty() ? pm_error() : client_.finish(sent_.commands, all, repetition::forbidden);
+    sent_.commands.clear();
+    if (error) {
         return error;
     }
-    for (std::size_t i = 0; i < answers.size(); ++i) {
-        sum_ += signs_[i] < 0 ? -answers[i].number() : signs_[i] > 0 ? answers[i].number() : 0;
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        switch (counts[i].what) {
+        case member_count::kind::none: break;
+        case member_count::kind::came: *counts[i].members += answers[i].number(); break;
+        case member_count::kind::went: *counts[i].members -= answers[i].number(); break;
+        }
     }
-    commands_.clear();
-    signs_.clear();
     return {};
 }
 
 member_list::member_list(std::string_view key, std::string_view expiry_msec)
-    : key_(key), words_({"EVAL", ADD_WITH_EXPIRY, "1", key, expiry_msec}), head_(words_.size()) {}
+    : key_(key), words_({"EVAL", ADD_WITH_EXPIRY, "1", key, expiry_msec}), head_(words_.size()), room_(1) {}
 
-bool member_list::full() const { return words_.size() == head_ + 2 * MEMBERS_AT_ONCE; }
+bool member_list::full() const { return words_.size() == head_ + 2 * room_; }
 
 void member_list::clear() {
     words_ = {"ZADD", key_};
     head_ = words_.size();
+    room_ = MEMBERS_AT_ONCE;
 }
 
 }  // namespace redis_store

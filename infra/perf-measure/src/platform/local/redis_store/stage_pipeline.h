@@ -12,28 +12,41 @@
 
 namespace redis_store {
 
-// Sends commands whenever many bytes are together, and sums up what their answers say.
+// What the answer to a command does to a number of members: it counts those that came or went, or something else.
+struct member_count {
+    enum class kind { none, came, went };
+    kind what = kind::none;
+    std::uint64_t *members = nullptr;  // valid until the answer is there
+};
+
+// Sends commands whenever many bytes are together. The server is at work on them while the next ones are collected.
 class stage_pipeline {
 public:
     explicit stage_pipeline(client *server) : client_(*server) {}
 
-    // `sign`: whether the command's answer counts members that came (1) or went (-1), or neither (0).
-    [[nodiscard]] pm_error add(std::span<const std::string_view> words, int sign);
-    [[nodiscard]] pm_error add(std::initializer_list<std::string_view> words, int sign) {
-        return add(std::span(words.begin(), words.size()), sign);
+    // A failure of commands that were sent before may show here.
+    [[nodiscard]] pm_error add(std::span<const std::string_view> words, const member_count &count);
+    [[nodiscard]] pm_error add(std::initializer_list<std::string_view> words, const member_count &count) {
+        return add(std::span(words.begin(), words.size()), count);
     }
+    // Sends what is together, without waiting for the answers.
     [[nodiscard]] pm_error send();
-    [[nodiscard]] std::uint64_t sum() const { return sum_; }  // modulo 2^64
+    // Waits for all answers to what was sent; before the client is used for anything else.
+    [[nodiscard]] pm_error settle();
 
 private:
+    struct part {
+        pipeline commands;
+        std::vector<member_count> counts;
+    };
+
     client &client_;
-    pipeline commands_;
-    std::vector<int> signs_;
-    std::uint64_t sum_ = 0;
+    part next_;
+    part sent_;  // whose answers are awaited
 };
 
-// Members that become one ZADD. The first one gives the set its expiry in the same step: a writer that is killed after
-// half of a pipeline leaves no set without.
+// Members that become one ZADD. The first one is of one member, and gives the set its expiry in the same step: a writer
+// that is killed after half of a pipeline leaves no set without.
 class member_list {
 public:
     member_list(std::string_view key, std::string_view expiry_msec);
@@ -48,6 +61,7 @@ private:
     std::string_view key_;
     std::vector<std::string_view> words_;
     std::size_t head_;  // words before the members
+    std::size_t room_;  // members at most
 };
 
 }  // namespace redis_store

@@ -3,9 +3,9 @@
 #include "platform/local/redis_store/staged_items.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/errcode.h"
-#include "platform/local/redis_store/stage_pipeline.h"
 
 namespace redis_store {
 
@@ -15,6 +15,8 @@ using knowledge = branch_changes::knowledge;
 
 constexpr std::size_t MAX_PENDING_ITEMS = 2000;  // a MULTI of more makes every other client of the server wait
 constexpr std::size_t MAX_PENDING_BYTES = 8 * 1024 * 1024;
+// Of a branch that is staged: one pipeline. The server is at work on it while the next one is filled.
+constexpr std::size_t STAGE_BYTES = 480 * 1024;
 constexpr char STAGE_EXPIRY_MSEC[] = "60000";  // longer than the lock's
 
 constexpr char COPY_WITH_EXPIRY[] =
@@ -24,6 +26,7 @@ constexpr char COPY_WITH_EXPIRY[] =
 }  // namespace
 
 staged_items::~staged_items() {
+    static_cast<void>(settle());
     pipeline commands;
     for (const entry &each : branches_) {
         if (each.second.is_staged) {
@@ -43,9 +46,13 @@ staged_items::~staged_items() {
 void staged_items::add_known(const store::branch &named) { branches_[named].is_known = true; }
 
 pm_error staged_items::clear() {
+    if (pm_error error = settle()) {
+        return error;
+    }
     pipeline commands;
     for (auto &[named, each] : branches_) {
         each.changes.clear();
+        forget_pending(&each);
         each.is_known = false;
         if (each.is_staged) {
             each = state();
@@ -54,8 +61,6 @@ pm_error staged_items::clear() {
         }
     }
     cleared_ = true;
-    pending_items_ = 0;
-    pending_bytes_ = 0;
     std::vector<plain_answer> done(commands.commands(), plain_answer(1));
     std::vector<answer *> all;
     for (plain_answer &each : done) {
@@ -70,9 +75,25 @@ pm_error staged_items::put(const store::branch &into, std::string_view path, std
     member += path;
     member += '\0';
     member += sealed;
-    pending_bytes_ += 2 * path.size() + sealed.size();
-    branches_[into].changes.put(path, std::move(member));
-    return ++pending_items_ > MAX_PENDING_ITEMS || pending_bytes_ > MAX_PENDING_BYTES ? stage_all() : pm_error();
+    entry &of = *branches_.try_emplace(into).first;
+    note_pending(&of.second, path.size() + member.size());
+    of.second.changes.put(path, std::move(member));
+    if (of.second.is_staged && of.second.pending_bytes >= STAGE_BYTES) {
+        return stage_changes(&of);
+    }
+    return pending_items_ > MAX_PENDING_ITEMS || pending_bytes_ > MAX_PENDING_BYTES ? stage_all() : pm_error();
+}
+
+void staged_items::note_pending(state *of, std::size_t bytes) {
+    ++of->pending_items;
+    of->pending_bytes += bytes;
+    ++pending_items_;
+    pending_bytes_ += bytes;
+}
+
+void staged_items::forget_pending(state *of) {
+    pending_items_ -= std::exchange(of->pending_items, 0);
+    pending_bytes_ -= std::exchange(of->pending_bytes, 0);
 }
 
 std::string staged_items::base_key(const entry &of) const {
@@ -83,6 +104,9 @@ pm_error staged_items::ask_count(const entry &in, const member_range &range, std
     *found = 0;
     if (!in.second.is_known && !in.second.is_staged) {
         return {};
+    }
+    if (pm_error error = settle()) {
+        return error;
     }
     pipeline commands;
     commands.add({"ZLEXCOUNT", base_key(in), range.first, range.last});
@@ -119,8 +143,9 @@ pm_error staged_items::remove(const store::branch &from, std::string_view path, 
     }
     *removed += found;
     if (found > 0) {
-        branches_[from].changes.remove(path);
-        ++pending_items_;
+        state &of = branches_[from];
+        of.changes.remove(path);
+        note_pending(&of, path.size());
     }
     return {};
 }
@@ -139,49 +164,57 @@ pm_error staged_items::remove_below(const store::branch &from, std::string_view 
 
 // Makes the set that takes the branch's place: empty, or a copy.
 pm_error staged_items::begin_stage(entry *of) {
-    if (of->second.is_staged) {
+    state &now = of->second;
+    if (now.is_staged) {
         return {};
     }
-    const std::string stage = names_.stage(of->first, lock_.token());
-    stage_pipeline commands(&client_);
-    if (of->second.is_known) {
-        const std::string key = names_.of(of->first, branch_part::items);
-        if (pm_error error = commands.add({"EVAL", COPY_WITH_EXPIRY, "2", key, stage, STAGE_EXPIRY_MSEC}, 0)) {
-            return error;
-        }
-        if (pm_error error = commands.add({"ZCARD", stage}, 1)) {
-            return error;
-        }
-        of->second.is_staged = true;
-        if (pm_error error = commands.send()) {
-            return error;
-        }
+    now.is_staged = true;
+    now.members = 0;
+    now.ascends = !now.is_known;
+    if (!now.is_known) {
+        return {};
     }
-    of->second.is_staged = true;
-    of->second.members = commands.sum();
-    of->second.ascends = !of->second.is_known;
-    return {};
+    const std::string key = names_.of(of->first, branch_part::items);
+    const std::string stage = names_.stage(of->first, lock_.token());
+    pm_error error = stages_.add({"EVAL", COPY_WITH_EXPIRY, "2", key, stage, STAGE_EXPIRY_MSEC}, {});
+    return error ? error : stages_.add({"ZCARD", stage}, {member_count::kind::came, &now.members});
 }
 
+// Sends the changes of a branch.
 pm_error staged_items::stage_changes(entry *of) {
     if (pm_error error = begin_stage(of)) {
         return error;
     }
     const std::string stage = names_.stage(of->first, lock_.token());
     state &now = of->second;
-    stage_pipeline commands(&client_);
-    member_list members(stage, STAGE_EXPIRY_MSEC);
     for (const std::string &prefix : now.changes.removed()) {
         const member_range range = range_of_prefix(prefix, "");
-        if (pm_error error = commands.add({"ZREMRANGEBYLEX", stage, range.first, range.last}, -1)) {
+        if (pm_error error = stages_.add({"ZREMRANGEBYLEX", stage, range.first, range.last},
+                                         {member_count::kind::went, &now.members})) {
             return error;
         }
     }
+    if (pm_error error = stage_members(of)) {
+        return error;
+    }
+    now.changes.clear();
+    forget_pending(&now);
+    pm_error error = stages_.add({"PEXPIRE", stage, STAGE_EXPIRY_MSEC}, {});
+    return error ? error : stages_.send();
+}
+
+// The items that are put and removed one by one.
+pm_error staged_items::stage_members(entry *of) {
+    const std::string stage = names_.stage(of->first, lock_.token());
+    state &now = of->second;
+    const member_count came{member_count::kind::came, &now.members};
+    const member_count went{member_count::kind::went, &now.members};
+    member_list members(stage, STAGE_EXPIRY_MSEC);
     for (const auto &[path, member] : now.changes.items()) {
         now.ascends = now.ascends && path > now.highest;  // nothing of the same path can be in the set
         if (!now.ascends || !member) {
             const member_range range = range_of_path(path);
-            if (pm_error error = commands.add({"ZREMRANGEBYLEX", stage, range.first, range.last}, -1)) {
+            if (pm_error error = stages_.add({"ZREMRANGEBYLEX", stage, range.first, range.last}, went)) {
                 return error;
             }
         }
@@ -190,26 +223,13 @@ pm_error staged_items::stage_changes(entry *of) {
             members.add(*member);
         }
         if (members.full()) {
-            if (pm_error error = commands.add(members.words(), 1)) {
+            if (pm_error error = stages_.add(members.words(), came)) {
                 return error;
             }
             members.clear();
         }
     }
-    if (!members.empty()) {
-        if (pm_error error = commands.add(members.words(), 1)) {
-            return error;
-        }
-    }
-    if (pm_error error = commands.add({"PEXPIRE", stage, STAGE_EXPIRY_MSEC}, 0)) {
-        return error;
-    }
-    if (pm_error error = commands.send()) {
-        return error;
-    }
-    now.members += commands.sum();
-    now.changes.clear();
-    return {};
+    return members.empty() ? pm_error() : stages_.add(members.words(), came);
 }
 
 pm_error staged_items::stage_all() {
@@ -220,22 +240,20 @@ pm_error staged_items::stage_all() {
             }
         }
     }
-    pending_items_ = 0;
-    pending_bytes_ = 0;
     return {};
 }
 
 pm_error staged_items::prolong() {
-    stage_pipeline commands(&client_);
     for (const entry &each : branches_) {
         if (each.second.is_staged) {
             const std::string stage = names_.stage(each.first, lock_.token());
-            if (pm_error error = commands.add({"PEXPIRE", stage, STAGE_EXPIRY_MSEC}, 0)) {
+            if (pm_error error = stages_.add({"PEXPIRE", stage, STAGE_EXPIRY_MSEC}, {})) {
                 return error;
             }
         }
     }
-    return commands.send();
+    pm_error error = stages_.send();
+    return error ? error : settle();
 }
 
 // The changes of a branch's own set.
@@ -277,6 +295,9 @@ pm_error staged_items::finish(commit_plan *plan) {
         std::any_of(branches_.begin(), branches_.end(), [](const entry &each) { return each.second.is_staged; });
     if (stages) {
         if (pm_error error = stage_all()) {
+            return error;
+        }
+        if (pm_error error = settle()) {
             return error;
         }
     }

@@ -12,6 +12,7 @@
 #include "platform/local/redis_store/client.h"
 #include "platform/local/redis_store/commit_plan.h"
 #include "platform/local/redis_store/redis_key.h"
+#include "platform/local/redis_store/stage_pipeline.h"
 #include "platform/local/redis_store/writer_lock.h"
 
 namespace redis_store {
@@ -19,7 +20,7 @@ namespace redis_store {
 class staged_items {
 public:
     staged_items(client *server, const key_names *names, const writer_lock *lock)
-        : client_(*server), names_(*names), lock_(*lock) {}
+        : client_(*server), names_(*names), lock_(*lock), stages_(server) {}
     // Removes what was staged.
     ~staged_items();
     staged_items(const staged_items &) = delete;
@@ -37,6 +38,8 @@ public:
     [[nodiscard]] pm_error count(const store::branch &in, std::string_view path, std::uint64_t *found);
     [[nodiscard]] pm_error count_below(const store::branch &in, std::string_view prefix, std::uint64_t *found);
 
+    // Waits for the answers to what was sent; before the client is used for anything else.
+    [[nodiscard]] pm_error settle() { return stages_.settle(); }
     // Keeps what is staged from expiring.
     [[nodiscard]] pm_error prolong();
     // The last step before the commit: adds what it changes.
@@ -52,6 +55,8 @@ private:
         std::uint64_t members = 0;  // of the staged set
         std::string highest;        // path in it, while it got nothing but ascending ones
         bool ascends = true;
+        std::size_t pending_items = 0;  // in `changes`
+        std::size_t pending_bytes = 0;
     };
     using entry = std::pair<const store::branch, state>;
 
@@ -60,6 +65,9 @@ private:
     [[nodiscard]] pm_error stage_all();
     [[nodiscard]] pm_error begin_stage(entry *of);
     [[nodiscard]] pm_error stage_changes(entry *of);
+    [[nodiscard]] pm_error stage_members(entry *of);
+    void note_pending(state *of, std::size_t bytes);
+    void forget_pending(state *of);
     void add_direct(const entry &of, command_list *changes) const;
     void add_staged(const entry &of, change_set *changes) const;
 
@@ -68,8 +76,9 @@ private:
     const writer_lock &lock_;
     bool cleared_ = false;
     std::map<store::branch, state> branches_;
-    std::size_t pending_items_ = 0;
+    std::size_t pending_items_ = 0;  // of all branches
     std::size_t pending_bytes_ = 0;
+    stage_pipeline stages_;
 };
 
 }  // namespace redis_store
