@@ -141,6 +141,17 @@ TEST(Codec, AnArrayWithACountAndNoElementsIsNotEncoded) {
     EXPECT_EQ(bytes, (parcel{1, 2}));
 }
 
+TEST(Codec, AnEncodingIsAppendedToWhatIsThere) {
+    pm_values_parcel values{};
+    values.Average = 7;
+    const parcel alone = encode(&values, pm_values_parcel_descriptor());
+    parcel after = {1, 2, 3};
+    ASSERT_EQ(parcel_encode(&values, pm_values_parcel_descriptor(), &after), ERRCODE_SUCCESS);
+    parcel wanted = {1, 2, 3};
+    wanted.insert(wanted.end(), alone.begin(), alone.end());
+    EXPECT_EQ(after, wanted);
+}
+
 TEST(Codec, BytesAfterTheRecordAreRefused) {
     const pm_values_parcel values{};
     parcel bytes = encode(&values, pm_values_parcel_descriptor());
