@@ -164,6 +164,29 @@ TEST_F(Damage, APageThatIsMissing) {
     EXPECT_NE(get(LARGE_PATH, LARGE_SIZE), ERRCODE_SUCCESS);
 }
 
+// A page above others that refers to one of them twice, or to a page that the file does not have.
+TEST_F(Damage, APageThatIsReferredToWhereItCannotBe) {
+    const std::size_t branch = page_with(BRANCH, "");
+    const char *const page = sound_.data() + branch;
+    ASSERT_GE(load<page_header>(page, 0).nodes(), 2U);
+    node_header first{};
+    node_header second{};
+    std::size_t key_at = 0;
+    ASSERT_TRUE(load_node(page, PAGE, 0, &first, &key_at));
+    ASSERT_TRUE(load_node(page, PAGE, 1, &second, &key_at));
+    const std::size_t second_at = branch + key_at - sizeof second;
+    for (const std::uint16_t wrong : {first.low, std::uint16_t{1}, std::uint16_t{60'000}}) {
+        second.low = wrong;
+        std::string bytes = sound_;
+        std::memcpy(bytes.data() + second_at, &second, sizeof second);
+        write_file(file(), bytes);
+        const findings found = look();
+        const std::string text = "page " + std::to_string(wrong) + " is referred to where it cannot be";
+        EXPECT_EQ(std::count(found.losses.begin(), found.losses.end(), text), 1) << text;
+        EXPECT_LT(found.records.at(store::key_space::item), SMALL_ITEMS + 1);
+    }
+}
+
 TEST_F(Damage, ALargeValueThatIsCutShort) {
     const std::size_t first = page_with(LARGE, "ttt");
     write_file(file(), sound_.substr(0, first + 2 * PAGE + 100));  // within its third page
