@@ -2,6 +2,7 @@
 // The schema compiler: what it makes of a catalogue, and what it refuses.
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -19,7 +20,7 @@ constexpr char GROUP[] = "group 1.0 lib_test\n";
 class compiled {
 public:
     explicit compiled(const std::string &text) {
-        std::string path = testing::TempDir() + "catalogue.XXXXXX";
+        std::string path = (std::filesystem::temp_directory_path() / "catalogue-XXXXXX").string();
         const int file = mkstemp(path.data());
         EXPECT_GE(file, 0);
         EXPECT_EQ(write(file, text.data(), text.size()), static_cast<ssize_t>(text.size()));

@@ -52,6 +52,8 @@ done <<'END'
 nonsense|nonsense is no folder of sources
 --count 0 fuzz|--count takes a number from 1 on
 --count x fuzz|argument --count: invalid int value: 'x' (see scripts/mutants --help)
+--jobs 0 fuzz|--jobs takes a number from 1 on
+scripts fuzz/corpus|scripts has no sources to be changed
 --quick fuzz|unknown argument --quick (see scripts/mutants --help)
 END
 # What is changed is code: no comment, no text, no directive.
@@ -64,3 +66,14 @@ bool f(int a) { return g(a, "==") == 8; }  // ==
 bool f(int a) { return {}; }  // ==
 END
 cmp -s "$work/out" "$work/wanted" || fail "mutants --list: $(cat "$work/out")"
+# Each folder has a sample of its own, which stays when other lines come.
+mkdir "$work/more"
+for line in {1..30}; do echo "int f$line(int a) { return a + $line; }"; done >"$work/more/b.cc"
+"$scripts/mutants" --list --count 9 "$work/more" "$work/sources" >"$work/before"
+[ "$(grep -c "/more/b.cc" "$work/before")" -eq 9 ] && [ "$(grep -c "/sources/a.cc" "$work/before")" -eq 3 ] ||
+    fail "mutants --list of two folders: $(cat "$work/before")"
+sed -i '1i // More.' "$work/more/b.cc"
+"$scripts/mutants" --list --count 9 "$work/more" "$work/sources" >"$work/after"
+cmp -s <(sed 's/:[0-9]*:/:/' "$work/before") <(sed 's/:[0-9]*:/:/' "$work/after") || fail "another line changes the sample"
+"$scripts/mutants" --list --count 9 --seed 2 "$work/more" >"$work/after"
+! cmp -s <(head -n 9 "$work/before") "$work/after" || fail "another seed gives the same sample"

@@ -21,6 +21,7 @@ constexpr std::uint64_t NO_INTERVAL = 0;
 
 TEST(CounterChange, IsTheGrowthAndItsRate) {
     EXPECT_EQ(counter_change(120, 140, 64, NO_INTERVAL), "+20");
+    EXPECT_EQ(counter_change(120, 120, 32, NO_INTERVAL), "+0");
     EXPECT_EQ(counter_change(120, 140, 64, 10'000), "+20, 2.000/s");
     EXPECT_EQ(counter_change(0, 1, 32, 3'000), "+1, 0.333/s");
     EXPECT_EQ(counter_change(0, UINT64_MAX, 64, NO_INTERVAL), "+18446744073709551615");

@@ -272,4 +272,57 @@ TEST(GeneratorSessions, TheCountersOfADownTunnelAreThoseOfItsReason) {
     EXPECT_GT(down, 0U);
 }
 
+// The number that an address ends with.
+std::uint32_t last_part(const pm_record_address &address) {
+    return address.IPAddressType == PM_RECORD_ADDRESS_IPV4
+               ? address.IPv4 >> 24U  // in the network's order
+               : static_cast<std::uint32_t>(address.IPv6.octets[14] << 8U) + address.IPv6.octets[15];
+}
+
+TEST(GeneratorAddresses, TheNextHopOfAnInterfaceIsTheOtherEndOfItsLink) {
+    std::uint32_t over_ipv6 = 0;
+    many().each<pm_intf_parcel>("intf/detail/", [&](const generated_item &item, const pm_intf_parcel &interface) {
+        const pm_record_address &own = interface.InUseSourceIPAddress;
+        EXPECT_EQ(interface.NextHop.IPAddressType, own.IPAddressType) << item.path;
+        EXPECT_EQ(last_part(interface.NextHop), last_part(own) + 1) << item.path;
+        over_ipv6 += own.IPAddressType == PM_RECORD_ADDRESS_IPV4 ? 0 : 1;
+    });
+    EXPECT_GT(over_ipv6, 10U);
+}
+
+TEST(GeneratorAddresses, AnEndpointsSegmentHasItsNumber) {
+    std::uint32_t segments = 0;
+    const auto check = [&](const pm_endpoint_detail &endpoint, const pm_segment_parcel &segment) {
+        ASSERT_NE(segment.USIDInfo, nullptr) << endpoint.EndpointName;
+        const std::uint8_t *const octets = segment.USIDInfo->SIDValue.octets;
+        EXPECT_EQ(static_cast<std::uint32_t>(octets[4] << 8U) + octets[5], last_part(endpoint.EndPointAddress))
+            << endpoint.EndpointName;
+        ++segments;
+    };
+    many().each<pm_endpoint_common>("endpoint/detail/", [&](const generated_item &, const pm_endpoint_common &item) {
+        for (const pm_endpoint_detail &endpoint : item.EndpointDelay) {
+            for (const auto &profile : endpoint.EP_Consolidated_Detail) {
+                for (const auto &list : profile.EP_SegmentLists) {
+                    for (const pm_segment_parcel &segment : list.Segments) {
+                        check(endpoint, segment);
+                    }
+                }
+            }
+        }
+    });
+    EXPECT_GT(segments, 5U);
+}
+
+TEST(GeneratorAddresses, PoliciesAreEncapsulatedFromTheRouter) {
+    std::uint32_t over_srv6 = 0;
+    many().each<pm_srpolicy_parcel>("srpolicy/detail/", [&](const generated_item &item, const auto &policy) {
+        const pm_record_address &source = policy.SRv6EncapsulationSourceAddress;
+        if (source.IPAddressType != PM_RECORD_ADDRESS_NONE) {
+            EXPECT_EQ(last_part(source), 1U) << item.path;  // the router is the first host of its network
+            ++over_srv6;
+        }
+    });
+    EXPECT_GT(over_srv6, 10U);
+}
+
 }  // namespace

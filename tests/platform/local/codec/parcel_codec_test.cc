@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/local/codec/parcel_decoder.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
 #include "tests/support/codec_fixture.h"
@@ -141,6 +142,17 @@ TEST(Codec, AnArrayWithACountAndNoElementsIsNotEncoded) {
     EXPECT_EQ(bytes, (parcel{1, 2}));
 }
 
+TEST(Codec, AnEncodingIsAppendedToWhatIsThere) {
+    pm_values_parcel values{};
+    values.Average = 7;
+    const parcel alone = encode(&values, pm_values_parcel_descriptor());
+    parcel after = {1, 2, 3};
+    ASSERT_EQ(parcel_encode(&values, pm_values_parcel_descriptor(), &after), ERRCODE_SUCCESS);
+    parcel wanted = {1, 2, 3};
+    wanted.insert(wanted.end(), alone.begin(), alone.end());
+    EXPECT_EQ(after, wanted);
+}
+
 TEST(Codec, BytesAfterTheRecordAreRefused) {
     const pm_values_parcel values{};
     parcel bytes = encode(&values, pm_values_parcel_descriptor());
@@ -174,6 +186,15 @@ TEST(Codec, ACountThatTheBytesCannotHoldIsRefusedBeforeAnythingIsAllocated) {
         decoded_record(with_fields(pm_dr_retry_queue_info_descriptor(), fields), pm_dr_retry_queue_info_descriptor())
             .code(),
         PARCEL_MALFORMED);
+}
+
+TEST(Codec, AnArrayWhoseCountIsALongZeroIsNull) {
+    const parcel_descriptor *type = make_type("$1={List}a(I){Last}C;", 24, {0, 16});
+    const decoded_record decoded(with_fields(type, {0x80, 0x00, 9}), type);
+    ASSERT_EQ(decoded.code(), ERRCODE_SUCCESS);
+    EXPECT_EQ(decoded.as<parcel_array<std::uint16_t>>().count, 0U);
+    EXPECT_EQ(decoded.as<parcel_array<std::uint16_t>>().elements, nullptr);
+    EXPECT_EQ(static_cast<const std::uint8_t *>(decoded.data())[16], 9);
 }
 
 TEST(Codec, ALengthBeyondThirtyTwoBitsIsRefused) {
@@ -232,6 +253,44 @@ TEST(Codec, FreeingLeavesTheRecordZero) {
     const pm_srpolicy_parcel zero{};
     EXPECT_EQ(std::memcmp(&policy, &zero, sizeof policy), 0);
     parcel_free_indirections(&policy, pm_srpolicy_parcel_descriptor());  // nothing left to free
+}
+
+TEST(Codec, WhatARecordHangsOnIsFoundAgain) {
+    struct text_record {
+        std::uint8_t First;
+        const char *Text;
+        parcel_array<std::uint16_t> List;
+    };
+    const parcel_descriptor *type = make_type("$1={First}C{Text}s{List}a(I);", sizeof(text_record), {0, 8, 16});
+    std::uint16_t numbers[] = {5, 6};
+    const text_record full{1, "ab", {2, numbers}};
+    const text_record without_text{1, nullptr, {2, numbers}};
+    const text_record empty{1, nullptr, {0, nullptr}};
+    parcel_plan::record_plan plan;
+    ASSERT_EQ(parcel_plan::compile(type, type->schema, &plan), ERRCODE_SUCCESS);
+    const auto block_of = [&](const decoded_record &decoded) {
+        return parcel_indirections(plan, static_cast<const std::uint8_t *>(decoded.data()));
+    };
+    const decoded_record first(encode(&full, type), type);
+    EXPECT_EQ(block_of(first), first.as<text_record>().Text);
+    const decoded_record second(encode(&without_text, type), type);
+    EXPECT_EQ(block_of(second), second.as<text_record>().List.elements);
+    EXPECT_NE(block_of(second), nullptr);
+    EXPECT_EQ(block_of(decoded_record(encode(&empty, type), type)), nullptr);
+}
+
+TEST(Header, MayBeAllThatThereIs) {
+    const pm_values_parcel values{};
+    parcel bytes = encode(&values, pm_values_parcel_descriptor());
+    parcel_header header{};
+    ASSERT_EQ(parcel_read_header(bytes.data(), bytes.size(), &header), ERRCODE_SUCCESS);
+    bytes.resize(header.size);
+    reseal(&bytes);
+    EXPECT_EQ(parcel_read_header(bytes.data(), bytes.size(), &header), ERRCODE_SUCCESS);
+    EXPECT_EQ(header.type, "pm_values_parcel");
+    bytes.pop_back();  // the last letter of the name
+    reseal(&bytes);
+    EXPECT_EQ(parcel_read_header(bytes.data(), bytes.size(), &header), PARCEL_MALFORMED);
 }
 
 TEST(Header, SaysTypeVersionAndSchema) {

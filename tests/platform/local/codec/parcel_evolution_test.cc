@@ -53,6 +53,30 @@ TEST(Evolution, EveryKindOfUnknownFieldIsSkipped) {
     const decoded_record decoded(encode(&record, writer), reader);
     ASSERT_EQ(decoded.code(), ERRCODE_SUCCESS);
     EXPECT_EQ(decoded.as<std::uint64_t>(), 99U);
+    const written absent{1, 1, nullptr, nullptr, {0, nullptr}, {1, 0, 1}, {0, nullptr}, nullptr, 98};
+    const decoded_record without(encode(&absent, writer), reader);
+    ASSERT_EQ(without.code(), ERRCODE_SUCCESS);
+    EXPECT_EQ(without.as<std::uint64_t>(), 98U);
+}
+
+TEST(Evolution, EveryArmOfAnUnknownUnionIsSkipped) {
+    const parcel_descriptor *writer = make_type("$1={List}a($2){Last}D;$2=?(<Kind,kind_e>,0:{Number}D,5:{Text}s,6:v);",
+                                                {{1, 24, {0, 16}}, {2, 16, {0, 8, 8, 8}}});
+    const parcel_descriptor *reader = make_type("$1={Last}D;", 4, {0});
+    struct choice {
+        std::uint32_t Kind;
+        const char *Text;
+    } choices[] = {{0, nullptr}, {5, "text"}, {6, nullptr}, {7, nullptr}};  // of the last one nothing is written
+    struct written {
+        parcel_array<choice> List;
+        std::uint32_t Last;
+    };
+    for (std::uint32_t count = 0; count <= 4; ++count) {
+        const written record{{count, count != 0 ? choices : nullptr}, 99 + count};
+        const decoded_record decoded(encode(&record, writer), reader);
+        ASSERT_EQ(decoded.code(), ERRCODE_SUCCESS) << count;
+        EXPECT_EQ(decoded.as<std::uint32_t>(), 99 + count);
+    }
 }
 
 TEST(Evolution, AChangedKindIsRefused) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Single pages of a store that are damaged: what a reader answers, and what an inspection says.
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <map>
@@ -10,6 +11,7 @@
 #include "platform/local/lmdb_store/lmdb_reader.h"
 #include "platform/local/lmdb_store/lmdb_writer.h"
 #include "platform/local/lmdb_store/page_layout.h"
+#include "platform/local/lmdb_store/table_state.h"
 #include "platform/local/store/local_store_records.h"
 #include "schema/pm_descriptors.h"
 #include "schema/pm_records.h"
@@ -160,6 +162,56 @@ TEST_F(Damage, APageThatIsMissing) {
     const findings found = look();
     EXPECT_EQ(found.losses.empty(), false);
     EXPECT_NE(get(LARGE_PATH, LARGE_SIZE), ERRCODE_SUCCESS);
+}
+
+// A page above others that refers to one of them twice, or to a page that the file does not have.
+TEST_F(Damage, APageThatIsReferredToWhereItCannotBe) {
+    const std::size_t branch = page_with(BRANCH, "");
+    const char *const page = sound_.data() + branch;
+    ASSERT_GE(load<page_header>(page, 0).nodes(), 2U);
+    node_header first{};
+    node_header second{};
+    std::size_t key_at = 0;
+    ASSERT_TRUE(load_node(page, PAGE, 0, &first, &key_at));
+    ASSERT_TRUE(load_node(page, PAGE, 1, &second, &key_at));
+    const std::size_t second_at = branch + key_at - sizeof second;
+    for (const std::uint16_t wrong : {first.low, std::uint16_t{1}, std::uint16_t{60'000}}) {
+        second.low = wrong;
+        std::string bytes = sound_;
+        std::memcpy(bytes.data() + second_at, &second, sizeof second);
+        write_file(file(), bytes);
+        const findings found = look();
+        const std::string text = "page " + std::to_string(wrong) + " is referred to where it cannot be";
+        EXPECT_EQ(std::count(found.losses.begin(), found.losses.end(), text), 1) << text;
+        EXPECT_LT(found.records.at(store::key_space::item), SMALL_ITEMS + 1);
+    }
+}
+
+TEST_F(Damage, ALargeValueThatIsCutShort) {
+    const std::size_t first = page_with(LARGE, "ttt");
+    write_file(file(), sound_.substr(0, first + 2 * PAGE + 100));  // within its third page
+    const findings found = look();
+    EXPECT_EQ(
+        std::count(found.losses.begin(), found.losses.end(), "page " + std::to_string(first / PAGE) + " is cut short"),
+        1);
+    EXPECT_EQ(found.empty_items, 1);
+}
+
+// A writer looks at the record of the format before it changes anything.
+TEST_F(Damage, ARecordOfTheFormatThatIsNotSoundIsNotWrittenTo) {
+    std::string bytes = sound_;
+    int changed = 0;
+    for (std::size_t at = bytes.find(FORMAT); at != std::string::npos; at = bytes.find(FORMAT, at + 1)) {
+        bytes[at - 1] ^= 1;  // of its link
+        ++changed;
+    }
+    ASSERT_GT(changed, 0);
+    write_file(file(), bytes);
+    EXPECT_TRUE(in_child([&] {
+        std::unique_ptr<store::writer> writer;
+        return open_writer(folder_.path(), store::missing_store::refuse, &writer).code() == OPSTORE_DAMAGED;
+    }));
+    EXPECT_EQ(read_file(file()), bytes);
 }
 
 TEST_F(Damage, AHeadThatItsWriterDidNotNote) {

@@ -27,6 +27,7 @@ struct {
     off_t granted = 0;
     int calls = 0;
     bool once = false;
+    off_t from = -1;  // where the last request began
 } disk;
 
 }  // namespace
@@ -34,6 +35,7 @@ struct {
 // In the place of the C library's.
 int fallocate(int file, int mode, off_t offset, off_t size) {
     ++disk.calls;
+    disk.from = offset;
     if (disk.error != 0 && size > disk.granted) {
         errno = disk.once ? std::exchange(disk.error, 0) : disk.error;
         return -1;
@@ -142,7 +144,8 @@ TEST_F(Reserve, AnInterruptedRequestIsMadeAgain) {
 
 TEST_F(Reserve, AFileSystemThatCannotReserveIsWrittenWithout) {
     for (const int error : {EOPNOTSUPP, ENOSYS}) {
-        disk = {error, 0, 0, false};
+        disk = {};
+        disk.error = error;
         EXPECT_EQ(write(2000), "") << error;
     }
     EXPECT_EQ(readable(), 2000);
@@ -185,6 +188,20 @@ TEST_F(PageReserve, ThereIsRoomForTheValueAndItsPages) {
     ASSERT_EQ(reserve_.grow(3'000'000), 0);
     EXPECT_GE(reserved(), 3'000'000);
     EXPECT_LT(reserved(), 6'000'000);
+}
+
+TEST_F(PageReserve, FillsTheHolesOfAFileThatHasSome) {
+    MDB_envinfo info{};
+    ASSERT_EQ(mdb_env_info(env_, &info), 0);
+    const std::string pages((info.me_last_pgno + 1) * 4096, 'p');
+    ASSERT_EQ(::ftruncate(file_, static_cast<off_t>(pages.size())), 0);
+    reserve_.begin(file_, env_, txn_, table_);
+    ASSERT_EQ(reserve_.grow(10), 0);
+    EXPECT_EQ(disk.from, 0);
+    ASSERT_EQ(::pwrite(file_, pages.data(), pages.size(), 0), static_cast<ssize_t>(pages.size()));
+    reserve_.begin(file_, env_, txn_, table_);
+    ASSERT_EQ(reserve_.grow(10), 0);
+    EXPECT_EQ(disk.from, static_cast<off_t>(pages.size()));
 }
 
 TEST_F(PageReserve, IsSeldomAskedFor) {

@@ -10,7 +10,9 @@ namespace {
 TEST(CodeOf, KnownResultsHaveTheirCodes) {
     EXPECT_EQ(lmdb_store::code_of(0), ERRCODE_SUCCESS);
     EXPECT_EQ(lmdb_store::code_of(MDB_NOTFOUND), ERRCODE_NOT_FOUND);
-    EXPECT_EQ(lmdb_store::code_of(ENOMEM), ERRCODE_NO_MEMORY);
+    for (const int full : {ENOMEM, ENOSPC, EDQUOT}) {
+        EXPECT_EQ(lmdb_store::code_of(full), ERRCODE_NO_MEMORY) << full;
+    }
     for (const int absent : {ENOENT, ENOTDIR, EACCES, EPERM, EROFS}) {
         EXPECT_EQ(lmdb_store::code_of(absent), OPSTORE_NO_CLIENT) << absent;
     }

@@ -71,7 +71,7 @@ int environment::open_file() {
         if (result == 0) {
             result = mdb_env_open(env_, folder_.c_str(), MDB_RDONLY | MDB_NOTLS | (unlocked_ ? MDB_NOLOCK : 0U), 0);
         }
-        if (result != ENOMEM) {
+        if (!is_refused_map(result)) {
             break;
         }
     }

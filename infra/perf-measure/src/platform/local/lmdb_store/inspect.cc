@@ -122,6 +122,7 @@ private:
 }  // namespace
 
 pm_error inspect(const std::string &folder, store::inspector *to) {
+    reserve_standard_descriptors();
     const open_file place(folder, O_DIRECTORY);
     if (place.descriptor() >= 0) {
         static_cast<void>(::flock(place.descriptor(), LOCK_SH));

@@ -31,6 +31,8 @@ errcode code_of(int result) {
     }
 }
 
+bool is_refused_map(int result) { return result == ENOMEM || result == EINVAL; }
+
 int create_environment(MDB_env **env) {
     reserve_standard_descriptors();
     if (const int result = mdb_env_create(env); result != 0) {

@@ -23,6 +23,10 @@ enum class ownership { ours, of_old_format, never_written, foreign };
 // The code of a result of LMDB, its own or the system's. A result that is not known is damage, never success.
 [[nodiscard]] errcode code_of(int result);
 
+// Whether a result means that there is no address space for a map: a limit of the system (ENOMEM), or a machine that is
+// emulated and has fewer addresses (EINVAL, as of valgrind). A smaller map may do.
+[[nodiscard]] bool is_refused_map(int result);
+
 // Makes an LMDB environment whose failed assertions end the guarded body instead of the process, and whose
 // files never get the descriptors of standard input, output or error. Returns LMDB's result.
 [[nodiscard]] int create_environment(MDB_env **env);

@@ -148,7 +148,7 @@ pm_error transaction::refuse_foreign_store(std::uint64_t accounted) {
         }
         mdb_txn_abort(txn);
         mdb_env_close(env);
-        return result == ENOMEM ? 0 : result;  // too little address space for its map; check_format() comes later
+        return is_refused_map(result) ? 0 : result;  // too little address space for its map; check_format() comes later
     });
     return !error && whose == ownership::foreign ? not_ours(folder_) : error;
 }
@@ -157,7 +157,7 @@ pm_error transaction::refuse_foreign_store(std::uint64_t accounted) {
 // that is mapped for writing is empty: reading ahead would fill memory with it.
 int transaction::open_environment(bool write_map) {
     int result = ENOMEM;
-    for (std::size_t map = LARGEST_MAP; map >= SMALLEST_MAP && result == ENOMEM; map /= 2) {
+    for (std::size_t map = LARGEST_MAP; map >= SMALLEST_MAP && is_refused_map(result); map /= 2) {
         mdb_env_close(env_);
         env_ = nullptr;
         result = create_environment(&env_);
