@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/local/codec/parcel_notation.h"
+#include "platform/local/codec/parcel_wire.h"
 
 namespace {
 
@@ -15,15 +16,8 @@ using google::protobuf::FieldDescriptor;
 using google::protobuf::Message;
 using parcel_notation::data_type;
 using parcel_notation::kind;
-
-using generic_array = parcel_array<std::uint8_t>;
-
-template <class T>
-T load(const std::uint8_t *from) {
-    T value;
-    std::memcpy(&value, from, sizeof value);
-    return value;
-}
+using parcel_wire::generic_array;
+using parcel_wire::load;
 
 class filler {
 public:

@@ -78,7 +78,7 @@ long memory_after_listing(std::uint32_t node, std::uint32_t items) {
 }
 
 TEST(Memory, OfListingIsSmallAndTheSameForAHundredTimesTheItems) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
     GTEST_SKIP() << "the sanitizer's own memory hides the program's";
 #endif
     const temporary_folder folder;

@@ -35,7 +35,7 @@ protected:
 };
 
 TEST_F(LoadMemory, IsSmallAndTheSameForTwentyTimesTheItems) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
     GTEST_SKIP() << "the sanitizer's own memory hides the program's";
 #endif
     const peaks few = measure("few", FEW);

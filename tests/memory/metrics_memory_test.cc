@@ -11,7 +11,7 @@ constexpr long OWN_MEMORY_KB = 8192;
 constexpr long DIFFERENCE_KB = 1024;
 
 TEST(MetricsMemory, IsSmallAndTheSameForThirtyTimesTheSessions) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
     GTEST_SKIP() << "the sanitizer's own memory hides the program's";
 #endif
     const temporary_folder folder;

@@ -20,13 +20,13 @@ program() {
     chmod +x "$work/$1"
 }
 
-mkdir -p "$work"/{scripts,bin,build/fuzz/bin,fuzz/corpus/{calm,dead}}
+mkdir -p "$work"/{scripts,bin,build/sanitizers/bin,fuzz/corpus/{calm,dead}}
 cp "$scripts/fuzz" "$scripts/lib.sh" "$work/scripts"
 touch "$work/fuzz/calm_main.cc"
 program bin/cmake <<<'#!/bin/sh'
 program bin/dpkg-query <<<'#!/bin/sh
 echo install ok installed'
-program build/fuzz/bin/calm_fuzz <<'END'
+program build/sanitizers/bin/calm_fuzz <<'END'
 #!/bin/sh
 echo "$@" >>calm_arguments
 echo "#2	INITED cov: 10 ft: 11 corp: 1/1b exec/s: 0 rss: 30Mb"
@@ -53,7 +53,7 @@ grep -q -- '-max_total_time=300 .*fuzz/corpus/calm fuzz/crashers/calm$' "$work/c
 # One that finds something leaves the smallest form of it, and the other targets have their turn.
 touch "$work/fuzz/bad_main.cc"
 mkdir "$work/fuzz/corpus/bad"
-program build/fuzz/bin/bad_fuzz <<'END'
+program build/sanitizers/bin/bad_fuzz <<'END'
 #!/bin/sh
 for each; do
     case $each in
@@ -69,13 +69,13 @@ run 1
 [ "$(cat "$work/fuzz/crashers/bad/crash-1")" = small ] || fail "the input is not minimised"
 [ "$(cat "$work/fuzz/crashers/bad/timeout-2")" = slow ] || fail "an input that is no crash is not kept"
 [ "$(ls "$work/fuzz/crashers/bad" | wc -l)" -eq 2 ] || fail "more is left: $(ls "$work/fuzz/crashers/bad")"
-grep -q '^scripts/fuzz: bad: fuzz/crashers/bad/crash-1 (5 bytes). See it with: build/fuzz/bin/bad_fuzz fuzz/crashers/bad/crash-1; ' \
+grep -q '^scripts/fuzz: bad: fuzz/crashers/bad/crash-1 (5 bytes). See it with: build/sanitizers/bin/bad_fuzz fuzz/crashers/bad/crash-1; ' \
     "$work/err" || fail "it is not said what was found: $(cat "$work/err")"
 grep -qx 'calm: 1234 executions, 321 features' "$work/out" || fail "the next target has no turn"
 
 # One that does not run at all found nothing, which is no good end.
 rm "$work/fuzz/bad_main.cc"
-program build/fuzz/bin/calm_fuzz <<<'#!/bin/sh
+program build/sanitizers/bin/calm_fuzz <<<'#!/bin/sh
 exit 1'
 run 1
 [ $status -eq 1 ] && grep -q '^scripts/fuzz: calm did not run; see build/logs/fuzz-calm.log' "$work/err" ||

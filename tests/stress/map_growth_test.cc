@@ -75,7 +75,7 @@ TEST(MapGrowth, IsFollowedByAReaderThatOpenedTheStoreBefore) {
 
 // As above, by a reader whose address space is smaller than the map.
 TEST(MapGrowth, IsFollowedWithinALimitedAddressSpace) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
     GTEST_SKIP() << "the sanitizer needs all of the address space";
 #endif
     const temporary_folder folder;

@@ -28,7 +28,7 @@
 #include "tests/support/child_process.h"
 #include "tests/support/command.h"
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
 inline constexpr unsigned STRESS_SCALE = 6;  // programs that start slowly are started less often
 #else
 inline constexpr unsigned STRESS_SCALE = 1;

@@ -5,27 +5,19 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "platform/local/codec/parcel_wire.h"
+
 using parcel_notation::data_type;
 using parcel_notation::field;
 using parcel_notation::kind;
-using generic_array = parcel_array<std::uint8_t>;
+using parcel_wire::generic_array;
+using parcel_wire::load;
+using parcel_wire::put;
 
 namespace {
 
 constexpr int MAX_DEPTH = 6;                          // of arrays and optionals
 constexpr std::uint32_t UNLISTED_DISCRIMINATOR = 77;  // no union lists it
-
-template <class T>
-T load(const std::uint8_t *from) {
-    T value;
-    std::memcpy(&value, from, sizeof value);
-    return value;
-}
-
-template <class T>
-void store(std::uint8_t *to, T value) {
-    std::memcpy(to, &value, sizeof value);
-}
 
 // "." for a difference of the value itself, else a member path; empty for none.
 class comparison {
@@ -111,11 +103,11 @@ void *random_record::allocate(std::size_t size) {
 void random_record::fill_union(const data_type &type, std::uint8_t *at, int depth) {
     const std::size_t chosen = below(type.fields.size() + 1);
     if (chosen == type.fields.size()) {
-        store(at, UNLISTED_DISCRIMINATOR);
+        put(at, UNLISTED_DISCRIMINATOR);
         return;
     }
     const field &arm = type.fields[chosen];
-    store(at, arm.value);
+    put(at, arm.value);
     if (arm.type != nullptr) {
         fill(*arm.type, at + arm.offset, depth);
     }
@@ -123,19 +115,19 @@ void random_record::fill_union(const data_type &type, std::uint8_t *at, int dept
 
 void random_record::fill(const data_type &type, std::uint8_t *at, int depth) {
     switch (type.what) {
-    case kind::boolean: store<std::uint32_t>(at, static_cast<std::uint32_t>(below(2))); break;
+    case kind::boolean: put<std::uint32_t>(at, static_cast<std::uint32_t>(below(2))); break;
     case kind::text:
         if (const std::uint64_t length = below(20); length > 0) {  // 0: absent
             auto *text = static_cast<char *>(allocate(length));
             std::memset(text, static_cast<int>('a' + below(26)), length - 1);
-            store(at, text);
+            put(at, text);
         }
         break;
     case kind::optional:
         if (depth < MAX_DEPTH && below(2) == 1) {
             auto *value = static_cast<std::uint8_t *>(allocate(type.element->size));
             fill(*type.element, value, depth + 1);
-            store(at, value);
+            put(at, value);
         }
         break;
     case kind::array:
@@ -145,7 +137,7 @@ void random_record::fill(const data_type &type, std::uint8_t *at, int depth) {
             for (std::uint32_t i = 0; i < count; ++i) {
                 fill(*type.element, elements + i * size, depth + 1);
             }
-            store(at, generic_array{count, elements});
+            put(at, generic_array{count, elements});
         }
         break;
     case kind::fixed_array:

@@ -39,7 +39,7 @@ bool refuse_large_maps() {
 class AddressSpace : public testing::Test {
 protected:
     void SetUp() override {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
         GTEST_SKIP() << "the sanitizer needs all of the address space";
 #endif
         ASSERT_EQ(run("perf-store load \"$EXAMPLE\"").status, 0);

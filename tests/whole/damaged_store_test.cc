@@ -12,7 +12,7 @@
 namespace {
 
 constexpr std::size_t PAGE = 4096;
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
 constexpr std::size_t STRIDE = 9;  // the sanitizers' slow starts allow fewer kinds of damage
 #else
 constexpr std::size_t STRIDE = 1;

@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t PAGE = 4096;
 constexpr std::size_t PAGE_HEADER = 16;
 constexpr std::size_t HEAD = 152;  // bytes of a meta page that are in use
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
 constexpr unsigned MUTANTS = 12;
 #else
 constexpr unsigned MUTANTS = 240;

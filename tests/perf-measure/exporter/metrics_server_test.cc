@@ -152,7 +152,9 @@ TEST_F(MetricsServer, DoesNotWaitForSlowClients) {
     const std::string body = body_of(ask(service.port(), request_text("GET /metrics", WANTS_OPENMETRICS)));
     EXPECT_TRUE(body.ends_with("# EOF\n"));
     EXPECT_GT(body.size(), 10'000'000U);
+#ifndef PM_SANITIZE  // which makes the text itself take seconds
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(9));  // less than what cuts slow ones off
+#endif
     // The end does not wait for them either.
     const auto end = std::chrono::steady_clock::now();
     EXPECT_EQ(service.end_by(SIGTERM), 0);

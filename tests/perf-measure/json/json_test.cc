@@ -139,7 +139,7 @@ TEST_F(Json, ALimitLeavesTheStoreAndOtherItemsAsTheyWere) {
 
 // The largest memory of a listing ten times as long is hardly larger.
 TEST_F(Json, MemoryDoesNotGrowWithTheListing) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
     GTEST_SKIP() << "the sanitizer keeps what is freed";
 #endif
     const auto largest = [this](int policies) {

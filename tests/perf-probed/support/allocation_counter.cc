@@ -13,7 +13,7 @@ std::atomic<std::size_t> allocations = 0;
 
 std::size_t allocation_count() { return allocations; }
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
 
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*on_malloc)(const volatile void *, std::size_t),
                                                          void (*on_free)(const volatile void *));

@@ -7,6 +7,8 @@
 
 namespace perf_measure {
 
+inline constexpr std::uint32_t MOST_TICKS = 7;  // of a plot
+
 // Round numbers from the axis' lower end to its upper one, which enclose both values. At most `most` of them, at
 // least two.
 [[nodiscard]] std::vector<std::uint64_t> ticks_between(std::uint32_t lowest, std::uint32_t highest, std::uint32_t most);

@@ -22,8 +22,7 @@ constexpr double PLOT_TOP = 50;  // below the chart's upper end
 constexpr double PLOT_BOTTOM = 240;
 constexpr double TIME_BASELINE = PLOT_BOTTOM + 20;
 constexpr double LEGEND_BASELINE = PLOT_BOTTOM + 50;
-constexpr double LOST_SIZE = 4;  // half the width of a cross
-constexpr std::uint32_t MOST_TICKS = 7;
+constexpr double LOST_SIZE = 4;         // half the width of a cross
 constexpr std::size_t MOST_DOTS = 400;  // samples that are drawn as dots with their values
 
 constexpr char STYLE[] =

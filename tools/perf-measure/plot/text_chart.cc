@@ -16,7 +16,6 @@ namespace {
 constexpr std::size_t ROWS = 16;
 constexpr std::size_t LABEL_COLUMNS = 10;  // of the numbers beside the axis
 constexpr std::size_t MARGIN = LABEL_COLUMNS + 2;
-constexpr std::uint32_t MOST_TICKS = 7;
 constexpr std::size_t TIME_COLUMNS = 19;  // of a time text
 constexpr char RED_TEXT[] = "\033[31m";
 constexpr char PLAIN_TEXT[] = "\033[0m";

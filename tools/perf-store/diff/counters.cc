@@ -4,16 +4,18 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <iterator>
 
 #include "perf-store/datasets/record_shape.h"
+#include "platform/local/codec/parcel_wire.h"
 
 namespace perf_store {
 
 namespace {
 
 using parcel_notation::kind;
+using parcel_wire::generic_array;
+using parcel_wire::load;
 
 // In the order of their letters.
 constexpr std::string_view COUNTERS[] = {
@@ -118,13 +120,6 @@ constexpr std::string_view TIME_STAMPS[] = {
 };
 static_assert(std::ranges::is_sorted(COUNTERS) && std::ranges::is_sorted(TIME_STAMPS));
 
-template <class T>
-T load(const std::uint8_t *from) {
-    T value;
-    std::memcpy(&value, from, sizeof value);
-    return value;
-}
-
 std::uint64_t newest(const std::uint8_t *from, const value_shape &shape, bool is_stamp);
 
 std::uint64_t newest_of_record(const std::uint8_t *from, const record_shape &shape) {
@@ -156,7 +151,7 @@ std::uint64_t newest(const std::uint8_t *from, const value_shape &shape, bool is
     case kind::tagged_union: return newest_of_record(from, shape);
     case kind::fixed_array: return newest_of_elements(from, shape.count, *shape.element, is_stamp);
     case kind::array: {
-        const auto array = load<parcel_array<std::uint8_t>>(from);
+        const auto array = load<generic_array>(from);
         return is_scalar(shape.element->what) && !is_stamp
                    ? 0
                    : newest_of_elements(array.elements, array.count, *shape.element, is_stamp);

@@ -7,22 +7,17 @@
 
 #include "perf-store/datasets/record_shape.h"
 #include "perf-store/diff/counters.h"
+#include "platform/local/codec/parcel_wire.h"
 
 namespace perf_store {
 
 namespace {
 
 using parcel_notation::kind;
-using generic_array = parcel_array<std::uint8_t>;
+using parcel_wire::generic_array;
+using parcel_wire::load;
 
 constexpr std::string_view OWN_TIME = "Timestamp";  // of a sample, beside its counters
-
-template <class T>
-T load(const std::uint8_t *from) {
-    T value;
-    std::memcpy(&value, from, sizeof value);
-    return value;
-}
 
 // The same value of both records.
 struct pair {

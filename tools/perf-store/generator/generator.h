@@ -83,6 +83,8 @@ struct generation {
 
 inline constexpr std::uint32_t GEN_ROUTER_IPV4 = 0xC0000201;             // 192.0.2.1
 inline constexpr std::uint64_t GEN_ROUTER_NETWORK = 0x20010DB800000000;  // 2001:db8::/64
+inline constexpr std::uint64_t GEN_SID_BLOCK = 0xFC00000000000000;       // fc00::
+inline constexpr std::uint8_t GEN_SID_LENGTH = 48;
 
 void gen_interfaces(generation *set);
 void gen_policies(generation *set);

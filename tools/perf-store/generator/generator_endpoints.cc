@@ -13,8 +13,6 @@ namespace {
 
 constexpr std::uint32_t ENDPOINT_IPV4 = 0x64400000;  // 100.64.0.0
 constexpr std::uint64_t ENDPOINT_NETWORK = GEN_ROUTER_NETWORK + 0x4000000;
-constexpr std::uint64_t SID_BLOCK = 0xFC00000000000000;
-constexpr std::uint8_t SID_LENGTH = 48;
 constexpr std::uint16_t TWAMP_PORT = 862;
 constexpr char NO_LIST[] = "None";
 
@@ -45,8 +43,8 @@ void choose_path(generation *set, endpoint_state *endpoint) {
         pm_segment_parcel segment{};
         segment.IPAddress = gen_no_address();
         segment.USIDInfo = set->memory.make<pm_usid_info>();
-        segment.USIDInfo->SIDValue = gen_ipv6(SID_BLOCK + (std::uint64_t{index + 1} << 16U), 0);
-        segment.USIDInfo->USIDLength = SID_LENGTH;
+        segment.USIDInfo->SIDValue = gen_ipv6(GEN_SID_BLOCK + (std::uint64_t{index + 1} << 16U), 0);
+        segment.USIDInfo->USIDLength = GEN_SID_LENGTH;
         endpoint->list = set->memory.text(gen_text("sl-endpoint-", index + 1));
         endpoint->segments = set->memory.array_of({segment});
     }

@@ -11,11 +11,9 @@ namespace {
 
 constexpr std::uint32_t ENDPOINT_IPV4 = 0xAC100000;  // 172.16.0.0
 constexpr std::uint64_t ENDPOINT_NETWORK = GEN_ROUTER_NETWORK + 0x2000000;
-constexpr std::uint64_t SID_BLOCK = 0xFC00000000000000;
 constexpr std::uint32_t NODE_LABEL = 16000;
 constexpr std::uint32_t ADJACENCY_LABEL = 24000;
 constexpr std::uint32_t LABELS = 8000;  // of each range
-constexpr std::uint8_t SID_LENGTH = 48;
 constexpr std::uint16_t SID_BEHAVIOR = 1;
 constexpr pm_tectl_srpolicy_origin_e ORIGINS[] = {PM_SRPOLICY_ORIGIN_CONFIGURED, PM_SRPOLICY_ORIGIN_PCE,
                                                   PM_SRPOLICY_ORIGIN_BGP};
@@ -31,8 +29,8 @@ pm_segment_parcel sid_segment(std::uint32_t node, item_memory *memory) {
     pm_segment_parcel segment{};
     segment.IPAddress = gen_no_address();
     segment.USIDInfo = memory->make<pm_usid_info>();
-    segment.USIDInfo->SIDValue = gen_ipv6(SID_BLOCK + (std::uint64_t{node} << 16U), 0);
-    segment.USIDInfo->USIDLength = SID_LENGTH;
+    segment.USIDInfo->SIDValue = gen_ipv6(GEN_SID_BLOCK + (std::uint64_t{node} << 16U), 0);
+    segment.USIDInfo->USIDLength = GEN_SID_LENGTH;
     segment.USIDInfo->SIDBehavior = memory->keep(SID_BEHAVIOR);
     return segment;
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 
+#include "base/pm_kept_memory.h"
 #include "base/pm_output.h"
 #include "front/compose.h"
 #include "front/heap_block.h"
@@ -182,7 +183,13 @@ errcode show_listing(const pm_show_request &request, errcode *failure) {
     return ERRCODE_SUCCESS;
 }
 
-// Decodes and displays a fetched item. What decoding allocates stays until the program ends.
+// What decoding allocates stays until the program ends.
+errcode decode_for_good(const pm_show_request &request, const void *data, std::uint32_t length, void *record) {
+    const pm_kept_memory indirections;
+    return parcel_decode(data, length, record, request.parcel_desc);
+}
+
+// Decodes and displays a fetched item.
 errcode show_fetched_item(const pm_show_request &request, std::uint32_t data_type, const void *data,
                           std::uint32_t length, errcode *failure) {
     const pm_heap_block<void> record =
@@ -196,7 +203,7 @@ errcode show_fetched_item(const pm_show_request &request, std::uint32_t data_typ
         pm_print_error<"Unknown data type returned by get for path [%s]">(request.item_path);
         return ERRCODE_SUCCESS;
     }
-    const errcode code = parcel_decode(data, length, record.get(), request.parcel_desc);
+    const errcode code = decode_for_good(request, data, length, record.get());
     if (code != ERRCODE_SUCCESS) {
         *failure = code;
         pm_print_error<"Failure to decode parcel for path [%s], %s">(request.item_path, errcode_strerror(code));

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <unistd.h>
 
+#include "base/pm_kept_memory.h"
 #include "base/pm_output.h"
 #include "pm_show_client/pm_show_options.h"
 
@@ -77,6 +78,7 @@ void apply(int letter, const char *argument) {
         pm_show_options.*found->number = static_cast<std::uint32_t>(std::strtoul(argument, nullptr, 0));
     }
     if (found->text != nullptr) {
+        const pm_kept_memory text;
         pm_show_options.*found->text = ::strdup(argument);
     }
     if (letter == 'e' && hex_string2ip_addr(argument, &pm_show_options.address) != 0) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "base/pm_kept_memory.h"
 #include "chkpt/chkpt.h"
 #include "platform/parcel.h"
 
@@ -21,6 +22,7 @@ template <class Record>
                                     std::int32_t decode(Record *, const std::uint8_t *, std::uint32_t, ChkptAllocFn,
                                                         void *)) {
     Record record;
+    const pm_kept_memory texts_and_arrays;
     static_cast<void>(decode(
         &record, blob.elements, blob.count, [](std::size_t size, void *) { return std::malloc(size); }, nullptr));
     return record;

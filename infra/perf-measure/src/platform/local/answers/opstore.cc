@@ -37,10 +37,13 @@ bool parse_branch(std::string_view path, store::branch *named) {
             continue;
         }
         path.remove_prefix(std::strlen(each.path));
-        if (!path.starts_with(NODE) || !path.ends_with('/')) {
+        if (!path.starts_with(NODE)) {
             return false;
         }
         path.remove_prefix(NODE.size());
+        if (!path.ends_with('/')) {
+            return false;
+        }
         path.remove_suffix(1);
         const auto [end, error] = std::from_chars(path.data(), path.data() + path.size(), named->node, 16);
         named->data_root = each.id;

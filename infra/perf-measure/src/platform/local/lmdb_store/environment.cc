@@ -113,8 +113,20 @@ int environment::renew(MDB_txn *txn) {
     return result;
 }
 
+// Whether the lock file names no transaction, although there was one: a process was killed while it made the file anew.
+// LMDB then reads a state of long ago.
+bool environment::begins_before_the_head(MDB_txn *txn) const {
+    MDB_envinfo info{};
+    return !unlocked_ && mdb_txn_id(txn) == 0 && mdb_env_info(env_, &info) == 0 && info.me_last_txnid != 0;
+}
+
 int environment::begin(MDB_txn **txn) {
     int result = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    if (result == 0 && begins_before_the_head(*txn)) {
+        mdb_txn_abort(*txn);
+        result = open_unlocked();
+        result = result != 0 ? result : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    }
     if ((result == EAGAIN || result == EACCES) && !unlocked_) {  // a process of our PID has the slot
         result = open_unlocked();
         result = result != 0 ? result : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);

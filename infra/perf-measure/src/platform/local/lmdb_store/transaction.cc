@@ -170,7 +170,54 @@ int transaction::open_environment(bool write_map) {
     return result;
 }
 
+// A process that is killed while it makes the lock file anew can leave one that names no transaction to those who wait
+// for it. LMDB would change a state of long ago. The file is made again once nobody uses it.
 pm_error transaction::open() {
+    constexpr int MAX_TRIES = 300;
+    constexpr useconds_t PAUSE = 10'000;
+    for (int tries = 0; tries < MAX_TRIES; ++tries) {
+        if (pm_error error = open_files()) {
+            return error;
+        }
+        if (pm_error error = begin_transaction()) {
+            return error;
+        }
+        if (!begins_before_the_head()) {
+            return {};
+        }
+        if (pm_error error = close_files()) {
+            return error;
+        }
+        ::usleep(PAUSE);
+    }
+    return pm_error(OPSTORE_BUSY,
+                    folder_ + ": a process that was killed has left the lock file half made, and others use it");
+}
+
+bool transaction::begins_before_the_head() const {
+    MDB_envinfo info{};
+    return mdb_env_info(env_, &info) == 0 && mdb_txn_id(txn_) != info.me_last_txnid + 1;
+}
+
+pm_error transaction::close_files() {
+    if (pm_error error = guarded([&] {
+            mdb_txn_abort(txn_);
+            txn_ = nullptr;
+            return 0;
+        })) {
+        return error;
+    }
+    restore_size();
+    ::close(data_);
+    data_ = -1;
+    return guarded([&] {
+        mdb_env_close(env_);
+        env_ = nullptr;
+        return 0;
+    });
+}
+
+pm_error transaction::open_files() {
     const mode_t old_mask = ::umask(0007);
     pm_error error = guarded([&] {
         int result = open_environment(write_map_);
@@ -190,6 +237,10 @@ pm_error transaction::open() {
         return error;
     }
     place_.give_to_group();
+    return {};
+}
+
+pm_error transaction::begin_transaction() {
     return guarded([&] {
         int cleared = 0;
         mdb_reader_check(env_, &cleared);  // slots of readers that were killed would keep pages in use

@@ -61,6 +61,10 @@ private:
     [[nodiscard]] pm_error describe_fault() const;
     [[nodiscard]] pm_error refuse_foreign_store(std::uint64_t accounted);
     [[nodiscard]] pm_error open();
+    [[nodiscard]] pm_error open_files();
+    [[nodiscard]] pm_error begin_transaction();
+    [[nodiscard]] bool begins_before_the_head() const;
+    [[nodiscard]] pm_error close_files();
     [[nodiscard]] int open_environment(bool write_map);
     void cut_to(off_t size) const;
     void restore_size() const;
