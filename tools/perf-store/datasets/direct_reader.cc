@@ -15,7 +15,6 @@ using parcel_notation::kind;
 
 namespace {
 
-constexpr std::size_t MAX_FIELDS = 256;       // of one record
 constexpr std::uint32_t MAX_DEPTH = 64;       // of records within one another
 constexpr std::size_t FIRST_ELEMENTS = 1024;  // bytes that an array has room for before it has to move
 

@@ -16,7 +16,6 @@ using parcel_notation::kind;
 
 namespace {
 
-constexpr std::size_t MAX_FIELDS = 256;   // of one record
 constexpr std::uint32_t MAX_DEPTH = 256;  // of records within one another; the codec's own limit is lower
 
 }  // namespace

@@ -2,6 +2,7 @@
 // A record type's description, as the reader and the writer of JSON walk it: with no code per type.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -14,6 +15,8 @@ namespace perf_store {
 using value_shape = parcel_notation::data_type;   // of a field or element
 using record_shape = parcel_notation::data_type;  // a record or a union
 using field_shape = parcel_notation::field;
+
+inline constexpr std::size_t MAX_FIELDS = 256;  // of one record, in JSON
 
 // The description of a type's record, made once per process.
 class type_shape {

@@ -266,7 +266,7 @@ TEST(Codec, WhatARecordHangsOnIsFoundAgain) {
     const text_record full{1, "ab", {2, numbers}};
     const text_record without_text{1, nullptr, {2, numbers}};
     const text_record empty{1, nullptr, {0, nullptr}};
-    parcel_plan::record_plan plan;
+    parcel_plan::made_plan plan;
     ASSERT_EQ(parcel_plan::compile(type, type->schema, &plan), ERRCODE_SUCCESS);
     const auto block_of = [&](const decoded_record &decoded) {
         return parcel_indirections(plan, static_cast<const std::uint8_t *>(decoded.data()));
