@@ -78,7 +78,7 @@ TEST_F(Environment, HoldsNothingOpenAfterItsEnd) {
 }
 
 TEST_F(Environment, OfAWriterTakesTheLargestMapThatFits) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
     GTEST_SKIP() << "the sanitizer needs all of the address space";
 #endif
     for (const rlim_t bytes : {rlim_t{1'800'000'000}, rlim_t{9'000'000'000}}) {
@@ -90,7 +90,7 @@ TEST_F(Environment, OfAWriterTakesTheLargestMapThatFits) {
 }
 
 TEST_F(Environment, FollowsAStoreThatOutgrowsItsMap) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
     GTEST_SKIP() << "the sanitizer needs all of the address space";
 #endif
     EXPECT_TRUE(in_child([&] {
@@ -103,7 +103,7 @@ TEST_F(Environment, FollowsAStoreThatOutgrowsItsMap) {
 
 // A reader without a slot in the lock file reads again what two transactions have overtaken.
 TEST_F(Environment, FollowsWhileItReadsAStateThatIsOvertaken) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef PM_SANITIZE
     GTEST_SKIP() << "the sanitizer needs all of the address space";
 #endif
     std::filesystem::remove(folder_.path() + "/lock.mdb");
