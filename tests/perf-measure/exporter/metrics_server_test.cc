@@ -153,7 +153,7 @@ TEST_F(MetricsServer, DoesNotWaitForSlowClients) {
     [[maybe_unused]] const auto taken = std::chrono::steady_clock::now() - begin;
     EXPECT_TRUE(body.ends_with("# EOF\n"));
     EXPECT_GT(body.size(), 10'000'000U);
-#ifndef PM_SANITIZE  // which makes the text itself take seconds
+#ifndef PM_SANITIZE                             // which makes the text itself take seconds
     EXPECT_LT(taken, std::chrono::seconds(9));  // less than what cuts slow ones off
 #endif
     // The end does not wait for them either.
