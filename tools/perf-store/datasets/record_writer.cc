@@ -6,20 +6,15 @@
 #include "perf-store/datasets/record_json.h"
 #include "perf-store/datasets/record_shape.h"
 #include "perf-store/datasets/value_text.h"
+#include "platform/local/codec/parcel_wire.h"
 
 namespace perf_store {
 
 using parcel_notation::kind;
-using generic_array = parcel_array<std::uint8_t>;
+using parcel_wire::generic_array;
+using parcel_wire::load;
 
 namespace {
-
-template <class T>
-T load(const std::uint8_t *from) {
-    T value;
-    std::memcpy(&value, from, sizeof value);
-    return value;
-}
 
 std::uint64_t load_unsigned(const std::uint8_t *from, std::uint32_t size) {
     std::uint64_t value = 0;

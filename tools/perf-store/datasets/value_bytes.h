@@ -3,11 +3,11 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <string_view>
 
 #include "perf-store/datasets/record_shape.h"
+#include "platform/local/codec/parcel_wire.h"
 
 namespace perf_store {
 
@@ -18,10 +18,7 @@ inline constexpr std::uint32_t NONE_VALUE = 2;
 inline constexpr std::uint64_t MAX_U32 = std::numeric_limits<std::uint32_t>::max();
 inline constexpr std::uint64_t MAX_ENUMERATOR = std::numeric_limits<std::int32_t>::max();
 
-template <class T>
-void put(std::uint8_t *to, T value) {
-    std::memcpy(to, &value, sizeof value);
-}
+using parcel_wire::put;
 
 // A number of 1, 2, 4 or 8 bytes.
 inline void put_unsigned(std::uint8_t *to, std::uint64_t value, std::uint32_t size) {
