@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <utility>
 
 #include "platform/address.h"
 #include "platform/bounded.h"
@@ -195,17 +196,22 @@ TEST(Time, NowIsTheClocksUnlessAReplayGivesANumber) {
     unsetenv("PERF_SHOW_NOW");
 }
 
-TEST(Time, AReplaysMomentInSecondsIsRefused) {
+TEST(Time, AReplaysMomentInSecondsIsRefusedAndToldOnce) {
+    testing::internal::CaptureStderr();
     for (const char *seconds : {"1709647387", "1000000000", "99999999999"}) {
         setenv("PERF_SHOW_NOW", seconds, 1);
         std::timespec now{};
         kal_time_get_timespec_realtime(&now);
         EXPECT_LE(std::time(nullptr) - now.tv_sec, 1) << seconds;
     }
-    setenv("PERF_SHOW_NOW", "100000000000", 1);
-    std::timespec now{};
-    kal_time_get_timespec_realtime(&now);
-    EXPECT_EQ(now.tv_sec, 100000000);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "perf-show: PERF_SHOW_NOW=1709647387 is in seconds; it is ignored, for it takes milliseconds\n");
+    for (const auto &[msec, expected] : {std::pair{"100000000000", 100000000}, {"999999999", 999999}}) {
+        setenv("PERF_SHOW_NOW", msec, 1);
+        std::timespec now{};
+        kal_time_get_timespec_realtime(&now);
+        EXPECT_EQ(now.tv_sec, expected);
+    }
     unsetenv("PERF_SHOW_NOW");
 }
 
