@@ -120,14 +120,19 @@ bool environment::begins_before_the_head(MDB_txn *txn) const {
     return !unlocked_ && mdb_txn_id(txn) == 0 && mdb_env_info(env_, &info) == 0 && info.me_last_txnid != 0;
 }
 
-int environment::begin(MDB_txn **txn) {
-    int result = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
-    if (result == 0 && begins_before_the_head(*txn)) {
-        mdb_txn_abort(*txn);
-        result = open_unlocked();
-        result = result != 0 ? result : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+// EAGAIN when the lock file is of no use.
+int environment::begin_at_head(MDB_txn **txn) {
+    const int result = mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
+    if (result != 0 || !begins_before_the_head(*txn)) {
+        return result;
     }
-    if ((result == EAGAIN || result == EACCES) && !unlocked_) {  // a process of our PID has the slot
+    mdb_txn_abort(*txn);
+    return EAGAIN;
+}
+
+int environment::begin(MDB_txn **txn) {
+    int result = begin_at_head(txn);
+    if ((result == EAGAIN || result == EACCES) && !unlocked_) {  // or a process of our PID has the slot
         result = open_unlocked();
         result = result != 0 ? result : mdb_txn_begin(env_, nullptr, MDB_RDONLY, txn);
     }

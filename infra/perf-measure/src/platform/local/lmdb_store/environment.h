@@ -40,6 +40,7 @@ private:
     [[nodiscard]] int renew(MDB_txn *txn);
     [[nodiscard]] bool overtaken(MDB_txn *txn) const;
     [[nodiscard]] bool begins_before_the_head(MDB_txn *txn) const;
+    [[nodiscard]] int begin_at_head(MDB_txn **txn);
     template <class Body>
     [[nodiscard]] errcode answer(const table_state &state, Body &body);
     template <class Body>
