@@ -2,6 +2,8 @@
 // Connections over TLS: the server must show a certificate that is trusted and made for its name.
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 #include "platform/local/redis_store/redis_reader.h"
 #include "tests/support/command.h"
@@ -21,13 +23,28 @@ std::string make_certificate(const temporary_folder &folder, const std::string &
     return base;
 }
 
+// Options of a server that has a certificate for its own and as the authority; `of_clients`: yes when it wants theirs.
+std::vector<std::string> tls_options(const std::string &port, const std::string &certificate, const char *of_clients) {
+    return {"bind",
+            "127.0.0.1",
+            "tls-port",
+            port,
+            "tls-cert-file",
+            certificate + ".pem",
+            "tls-key-file",
+            certificate + ".key",
+            "tls-ca-cert-file",
+            certificate + ".pem",
+            "tls-auth-clients",
+            of_clients};
+}
+
 TEST(Tls, TakesTheRightCertificateOnly) {
     const temporary_folder folder;
     const std::string right = make_certificate(folder, "right", "IP:127.0.0.1");
     const std::string other = make_certificate(folder, "other", "IP:127.0.0.1");
     const std::string port = std::to_string(redis_server::free_port());
-    const redis_server server({"bind", "127.0.0.1", "tls-port", port, "tls-cert-file", right + ".pem", "tls-key-file",
-                               right + ".key", "tls-ca-cert-file", right + ".pem", "tls-auth-clients", "no"});
+    const redis_server server(tls_options(port, right, "no"));
     ASSERT_FALSE(load_items(server.url(), 300, "sealed"));
     const std::string url = "rediss://127.0.0.1:" + port + "?timeout=2000";
     const auto reader = read_store(url + "&ca=" + right + ".pem");
@@ -44,8 +61,7 @@ TEST(Tls, AShowReadsThroughIt) {
     const temporary_folder folder;
     const std::string own = make_certificate(folder, "own", "IP:127.0.0.1");
     const std::string port = std::to_string(redis_server::free_port());
-    const redis_server server({"bind", "127.0.0.1", "tls-port", port, "tls-cert-file", own + ".pem", "tls-key-file",
-                               own + ".key", "tls-ca-cert-file", own + ".pem", "tls-auth-clients", "no"});
+    const redis_server server(tls_options(port, own, "no"));
     const std::string url = "rediss://127.0.0.1:" + port + "?timeout=2000&ca=" + own + ".pem";
     const command_result shown =
         run_command("cd '" + folder.path() + "'; export OPSTORE_URL='" + server.url() +
@@ -59,8 +75,7 @@ TEST(Tls, ShowsTheClientsCertificateToAServerThatWantsOne) {
     const temporary_folder folder;
     const std::string own = make_certificate(folder, "own", "IP:127.0.0.1");
     const std::string port = std::to_string(redis_server::free_port());
-    const redis_server server({"bind", "127.0.0.1", "tls-port", port, "tls-cert-file", own + ".pem", "tls-key-file",
-                               own + ".key", "tls-ca-cert-file", own + ".pem", "tls-auth-clients", "yes"});
+    const redis_server server(tls_options(port, own, "yes"));
     ASSERT_FALSE(load_items(server.url(), 1, "sealed"));
     const std::string url = "rediss://127.0.0.1:" + port + "?timeout=2000&ca=" + own + ".pem";
     EXPECT_EQ(name_at(read_store(url + "&cert=" + own + ".pem&key=" + own + ".key").get(), "item/000000"), "sealed");
